@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+
+namespace platform {
+
+/// An opaque sRGB colour.
+struct Color {
+    std::uint8_t red = 0;
+    std::uint8_t green = 0;
+    std::uint8_t blue = 0;
+
+    bool operator==(Color const&) const = default;
+};
+
+enum class Appearance { Light, Dark };
+
+}

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace platform {
+
+/// Ends an observation when it goes out of scope. Safe to outlive what it observed.
+class [[nodiscard]] Subscription {
+public:
+    Subscription() = default;
+    explicit Subscription(std::function<void()> end)
+        : end_(std::move(end))
+    {
+    }
+    Subscription(Subscription&& other) noexcept
+        : end_(std::exchange(other.end_, nullptr))
+    {
+    }
+    Subscription& operator=(Subscription&& other) noexcept
+    {
+        Subscription(std::move(other)).swap(*this);
+        return *this;
+    }
+    Subscription(Subscription const&) = delete;
+    Subscription& operator=(Subscription const&) = delete;
+    ~Subscription()
+    {
+        if (end_)
+            end_();
+    }
+
+private:
+    void swap(Subscription& other) noexcept { std::swap(end_, other.end_); }
+
+    std::function<void()> end_;
+};
+
+/// A list of observers. While it tells them, any of them may end an observation, begin another, tell them something
+/// newer, which takes the place of what the rest would have been told, or end the list itself. Main thread only.
+template <typename... Arguments> class Observers {
+public:
+    using Observer = std::function<void(Arguments...)>;
+
+    Observers() = default;
+    Observers(Observers const&) = delete;
+    Observers& operator=(Observers const&) = delete;
+
+    Subscription add(Observer observer)
+    {
+        // Most observed things have no observer, and a long menu has many of them: the list is made on first use.
+        if (!list_)
+            list_ = std::make_shared<List>();
+        auto entry = std::make_shared<Entry>(std::move(observer));
+        list_->entries.push_back(entry);
+        return Subscription([weak = std::weak_ptr(list_), entry] {
+            entry->ended = true;
+            if (auto const list = weak.lock())
+                std::erase(list->entries, entry);
+        });
+    }
+
+    void tell(Arguments... arguments) const
+    {
+        if (!list_)
+            return;
+        auto const list = list_;
+        auto const told = list->entries;
+        auto const telling = ++list->tellings;
+        for (auto const& entry : told) {
+            if (list->tellings != telling)
+                return;
+            if (!entry->ended)
+                entry->tell(arguments...);
+        }
+    }
+
+private:
+    struct Entry {
+        explicit Entry(Observer observer)
+            : tell(std::move(observer))
+        {
+        }
+        Observer tell;
+        bool ended = false;
+    };
+    struct List {
+        std::vector<std::shared_ptr<Entry>> entries;
+        unsigned tellings = 0;
+    };
+
+    std::shared_ptr<List> list_;
+};
+
+/// A value that tells its observers when it changes. Main thread only.
+template <typename T> class Property {
+public:
+    using Observer = std::function<void(T const&)>;
+
+    Property() = default;
+    explicit Property(T value)
+        : value_(std::move(value))
+    {
+    }
+
+    T const& get() const { return value_; }
+
+    /// Setting an equal value tells nobody.
+    void set(T value)
+    {
+        if (value == value_)
+            return;
+        value_ = std::move(value);
+        // A copy, for an observer may set the next value while this one is being told.
+        observers_.tell(T(value_));
+    }
+
+    /// Tells the observer the present value at once, then every change.
+    Subscription observe(Observer observer)
+    {
+        observer(value_);
+        return observeChanges(std::move(observer));
+    }
+
+    /// Tells the observer every change from now on.
+    Subscription observeChanges(Observer observer) { return observers_.add(std::move(observer)); }
+
+private:
+    T value_ {};
+    Observers<T const&> observers_;
+};
+
+}
