@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#include "platform/Utf8.h"
+
+#include <unicode/utf8.h>
+
+namespace platform {
+
+std::int32_t nextCodePoint(std::string_view text, std::size_t& position)
+{
+    auto const length = static_cast<std::int32_t>(text.size());
+    char const* const bytes = text.data();
+    auto next = static_cast<std::int32_t>(position);
+    UChar32 codePoint = 0;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion" // Inside ICU's macro.
+    U8_NEXT(bytes, next, length, codePoint);
+#pragma GCC diagnostic pop
+    position = static_cast<std::size_t>(next);
+    return codePoint;
+}
+
+bool isValidUtf8(std::string_view text)
+{
+    for (std::size_t position = 0; position < text.size();) {
+        if (nextCodePoint(text, position) < 0)
+            return false;
+    }
+    return true;
+}
+
+}

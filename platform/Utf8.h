@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace platform {
+
+/// The code point that starts at the position, which moves past it; negative for a piece that is not UTF-8 (each as
+/// long as Unicode's "maximal subpart"). The position must lie inside the text, which is shorter than 2 GiB.
+std::int32_t nextCodePoint(std::string_view text, std::size_t& position);
+
+bool isValidUtf8(std::string_view text);
+
+}
