@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <unistd.h>
+#include <utility>
+
+namespace platform {
+
+/// A file descriptor that is closed when it goes. Negative: none.
+class Descriptor {
+public:
+    explicit Descriptor(int descriptor)
+        : descriptor_(descriptor)
+    {
+    }
+    Descriptor(Descriptor const&) = delete;
+    Descriptor& operator=(Descriptor const&) = delete;
+    ~Descriptor() { close(); }
+
+    bool isOpen() const { return descriptor_ >= 0; }
+    int get() const { return descriptor_; }
+    void close()
+    {
+        if (isOpen())
+            ::close(std::exchange(descriptor_, -1));
+    }
+
+private:
+    int descriptor_;
+};
+
+}

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#include "platform/AtomicFile.h"
+
+#include "tests/support/FullDisk.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using platform::readFile;
+using platform::writeFileAtomically;
+
+namespace {
+
+class AtomicFileTest : public testing::Test {
+protected:
+    auto entries() const { return std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()); }
+
+    TemporaryFolder folder;
+    fs::path file = folder.path() / "key";
+};
+
+}
+
+TEST_F(AtomicFileTest, FilesAndFoldersAreTheirOwnersAlone)
+{
+    std::ofstream(file) << "old and longer";
+    fs::permissions(file, fs::perms::all);
+    EXPECT_TRUE(writeFileAtomically(file, "new"));
+    EXPECT_EQ(readFile(file), "new");
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms(0600));
+
+    EXPECT_TRUE(platform::makePrivateFolder(folder.path() / "a" / "b"));
+    EXPECT_EQ(fs::status(folder.path() / "a").permissions(), fs::perms(0700));
+    EXPECT_EQ(fs::status(folder.path() / "a" / "b").permissions(), fs::perms(0700));
+}
+
+TEST_F(AtomicFileTest, AFailedSaveKeepsTheOldFileAndLeavesNothingBehind)
+{
+    ASSERT_TRUE(writeFileAtomically(file, "old"));
+    withFullDisk([&] { EXPECT_FALSE(writeFileAtomically(file, std::string(1000, 'n'))); });
+    EXPECT_EQ(readFile(file), "old");
+    fs::create_directories(folder.path() / "taken" / "inside");
+    for (fs::path const& place : { folder.path() / "taken", folder.path() / "missing" / "key", file / "key" })
+        EXPECT_FALSE(writeFileAtomically(place, "new")) << place;
+    EXPECT_EQ(entries(), 2);
+}
+
+TEST_F(AtomicFileTest, KilledAtAnyMomentItIsOldOrNewAndLeftoversDoNotPileUp)
+{
+    constexpr std::size_t size = 200'000;
+    ASSERT_TRUE(writeFileAtomically(file, std::string(size, '-')));
+    for (int round = 0; round < 40; ++round) {
+        pid_t const child = ::fork();
+        if (child == 0) {
+            for (int i = 0;; ++i)
+                writeFileAtomically(file, std::string(size, i % 2 == 0 ? 'a' : 'b'));
+        }
+        ::usleep(static_cast<useconds_t>(1000 + round * 137));
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+        std::string const content = readFile(file).value();
+        ASSERT_TRUE(content == std::string(size, content.at(0)));
+        ASSERT_LE(entries(), 2);
+    }
+}
+
+TEST_F(AtomicFileTest, ALinkPlantedForTheUnfinishedFileIsNotFollowed)
+{
+    fs::path const victim = folder.path() / "victim";
+    std::ofstream(victim) << "precious";
+    for (bool const hard : { false, true }) {
+        fs::path const planted = folder.path() / ".unfinished";
+        hard ? fs::create_hard_link(victim, planted) : fs::create_symlink(victim, planted);
+        EXPECT_TRUE(writeFileAtomically(file, "new"));
+        EXPECT_EQ(readFile(victim), "precious");
+        EXPECT_EQ(entries(), 2);
+    }
+}
+
+TEST_F(AtomicFileTest, OnlyRegularFilesOfABoundedSizeAreRead)
+{
+    std::ofstream(file) << "";
+    EXPECT_EQ(readFile(file), "");
+    fs::resize_file(file, 16UL * 1024 * 1024 + 1);
+    for (fs::path const& other : { file, folder.path(), folder.path() / "missing", fs::path("/dev/zero") })
+        EXPECT_FALSE(readFile(other)) << other;
+}

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#include "platform/UserDefaults.h"
+
+#include "platform/AtomicFile.h"
+#include "platform/PropertyList.h"
+#include "tests/support/FullDisk.h"
+#include "tests/support/ManualRunLoop.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace fs = std::filesystem;
+using platform::Dictionary;
+using platform::readFile;
+using platform::UserDefaults;
+
+namespace {
+
+class UserDefaultsTest : public testing::Test {
+protected:
+    std::optional<Dictionary> stored() const { return platform::readPropertyList(readFile(file).value_or("")); }
+
+    TemporaryFolder temporary;
+    fs::path file = temporary.path() / "preferences.plist";
+    ManualRunLoop loop { platform::Date {} };
+};
+
+}
+
+TEST_F(UserDefaultsTest, TheChangesOfOneTurnAreOneWriteAtItsEnd)
+{
+    UserDefaults settings(file, loop);
+    settings.set("cap", 100);
+    settings.set("name", "Home");
+    settings.remove("cap");
+    EXPECT_FALSE(fs::exists(file));
+    loop.runQueued();
+    EXPECT_EQ(stored(), (Dictionary { { "name", "Home" } }));
+    EXPECT_EQ(*UserDefaults(file, loop).get<std::string>("name"), "Home");
+}
+
+TEST_F(UserDefaultsTest, AnEqualValueWritesNothingAndTellsNobody)
+{
+    UserDefaults settings(file, loop);
+    int told = 0;
+    auto const subscription = settings.observeChanges("cap", [&](auto const*) { ++told; });
+    settings.set("cap", 100);
+    settings.flush();
+    fs::remove(file);
+    settings.set("cap", 100);
+    loop.runQueued();
+    EXPECT_FALSE(fs::exists(file));
+    EXPECT_EQ(told, 1);
+}
+
+TEST_F(UserDefaultsTest, DamagedFilesAreMovedAsideAndNoneIsOverwritten)
+{
+    for (char const* content : { "", "<plist><dict>" }) {
+        std::ofstream(file) << content;
+        UserDefaults settings(file, loop);
+        settings.set("key", content);
+        settings.flush();
+        EXPECT_EQ(stored(), (Dictionary { { "key", content } }));
+    }
+    EXPECT_EQ(readFile(file.string() + ".damaged"), "");
+    EXPECT_EQ(readFile(file.string() + ".damaged-2"), "<plist><dict>");
+}
+
+TEST_F(UserDefaultsTest, WhatCannotBeReadStaysUntilItsPlaceIsNeeded)
+{
+    // Root may open a file whatever its mode, so a folder stands in for one without permission.
+    fs::create_directory(file);
+    UserDefaults settings(file, loop);
+    EXPECT_TRUE(fs::is_directory(file));
+    settings.set("new", 2);
+    loop.runQueued();
+    EXPECT_EQ(stored(), (Dictionary { { "new", 2 } }));
+    EXPECT_TRUE(fs::is_directory(file.string() + ".damaged"));
+}
+
+TEST_F(UserDefaultsTest, AFailedWriteIsTriedAgain)
+{
+    UserDefaults settings(file, loop);
+    settings.set("key", "kept in memory");
+    withFullDisk([&] { loop.runQueued(); });
+    EXPECT_FALSE(fs::exists(file));
+    settings.flush();
+    EXPECT_EQ(stored(), (Dictionary { { "key", "kept in memory" } }));
+}
