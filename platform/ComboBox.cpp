@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "platform/ComboBox.h"
+
+namespace platform {
+
+void ComboBox::removeAllItems()
+{
+    selection.set(std::nullopt);
+    items.set({});
+}
+
+void ComboBox::addItems(std::vector<std::string> const& added)
+{
+    auto all = items.get();
+    all.insert(all.end(), added.begin(), added.end());
+    items.set(std::move(all));
+}
+
+std::optional<std::string> ComboBox::objectValueOfSelectedItem() const
+{
+    if (!selection.get())
+        return std::nullopt;
+    return items.get().at(*selection.get());
+}
+
+void ComboBox::selectItemAtIndex(std::size_t index)
+{
+    if (select(index))
+        tellDelegate();
+}
+
+void ComboBox::userSelected(std::size_t index)
+{
+    bool const changed = select(index);
+    if (store && index < items.get().size())
+        store(text.get());
+    if (changed)
+        tellDelegate();
+}
+
+bool ComboBox::select(std::size_t index)
+{
+    if (index >= items.get().size())
+        return false;
+    bool const changed = selection.get() != index;
+    selection.set(index);
+    text.set(items.get()[index]);
+    return changed;
+}
+
+void ComboBox::tellDelegate()
+{
+    if (delegate)
+        delegate->comboBoxSelectionDidChange();
+}
+
+}

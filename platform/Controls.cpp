@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#include "platform/Controls.h"
+
+namespace platform {
+
+void CheckBox::userToggled(bool nowOn)
+{
+    on.set(nowOn);
+    if (store)
+        store(nowOn);
+    if (action)
+        action();
+}
+
+void PopUpButton::userSelected(int index)
+{
+    indexOfSelectedItem.set(index);
+    if (store)
+        store(index);
+    if (action)
+        action();
+}
+
+void TextField::userTyped(std::string const& typed) { text.set(typed); }
+
+}

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/Color.h"
+#include "platform/Opacity.h"
+#include "platform/Property.h"
+#include "platform/Sender.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace platform {
+
+/// A push button.
+class Button {
+public:
+    Property<std::string> title;
+    int tag = 0;
+    Action action;
+
+    void userClicked() { send(action, this); }
+};
+
+/// A two-state button. What the program sets is shown only; what the user does is also stored and acted on.
+class CheckBox {
+public:
+    Property<bool> on { false };
+    Property<bool> hidden { false };
+    Property<std::string> title;
+    /// Nothing: the desktop's own text colour.
+    Property<std::optional<Color>> titleColor;
+
+    std::function<void(bool)> store;
+    std::function<void()> action;
+
+    void userToggled(bool nowOn);
+};
+
+/// A button that shows one of its items and lets the user pick another.
+class PopUpButton {
+public:
+    Property<std::vector<std::string>> items;
+    Property<int> indexOfSelectedItem { 0 };
+
+    std::function<void(int)> store;
+    std::function<void()> action;
+
+    /// The action is sent for a pick of the same item too.
+    void userSelected(int index);
+};
+
+/// A line of text, to read or to type into.
+class TextField {
+public:
+    Property<std::string> text;
+    Property<std::string> toolTip;
+    Property<bool> hidden { false };
+    Opacity opacity { 1.0 };
+
+    void userTyped(std::string const& typed);
+};
+
+/// A bar from 0 to a maximum with a warning and a critical zone.
+class LevelIndicator {
+public:
+    Property<double> maxValue { 1 };
+    Property<double> doubleValue { 0 };
+    Property<double> warningValue { 0 };
+    Property<double> criticalValue { 0 };
+    Property<bool> hidden { false };
+    Opacity opacity { 1.0 };
+};
+
+}

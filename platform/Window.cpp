@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "platform/Window.h"
+
+#include <algorithm>
+
+namespace platform {
+
+void Window::makeKeyAndOrderFront()
+{
+    visible.set(true);
+    frontRequests_.tell();
+}
+
+void Window::beginSheet(Alert alert, Completion completion)
+{
+    sheets_.push_back({ std::make_shared<Alert const>(std::move(alert)), std::move(completion) });
+    attachNextSheet();
+}
+
+void Window::beginSheet(Window& sheet)
+{
+    if (std::ranges::find(sheets_, Sheet(&sheet), &Begun::sheet) != sheets_.end())
+        return;
+    sheets_.push_back({ &sheet, {} });
+    attachNextSheet();
+}
+
+void Window::endSheet(Window& sheet)
+{
+    std::erase_if(sheets_, [&sheet](Begun const& begun) { return begun.sheet == Sheet(&sheet); });
+    sheet.orderOut();
+    attachNextSheet();
+}
+
+void Window::userAnswered(int returnCode)
+{
+    if (!std::holds_alternative<std::shared_ptr<Alert const>>(attachedSheet.get()))
+        return;
+    auto const answered = std::move(sheets_.front());
+    sheets_.pop_front();
+    attachNextSheet();
+    if (answered.completion)
+        answered.completion(returnCode);
+}
+
+void Window::userClosed()
+{
+    if (closeAction)
+        closeAction();
+    else
+        orderOut();
+}
+
+void Window::attachNextSheet()
+{
+    attachedSheet.set(sheets_.empty() ? Sheet() : sheets_.front().sheet);
+    if (auto* const* const window = std::get_if<Window*>(&attachedSheet.get()))
+        (*window)->visible.set(true);
+}
+
+}

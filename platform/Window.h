@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/Alert.h"
+#include "platform/Color.h"
+#include "platform/Property.h"
+
+#include <deque>
+#include <memory>
+#include <optional>
+#include <variant>
+
+namespace platform {
+
+class Window;
+
+/// What can stand on a window until the user is done with it: an alert or another window.
+using Sheet = std::variant<std::monostate, std::shared_ptr<Alert const>, Window*>;
+
+/// A window: whether it is on screen, its title and ground, and the sheet attached to it.
+class Window {
+public:
+    using Completion = std::function<void(int returnCode)>;
+
+    Property<std::string> title;
+    Property<bool> visible { false };
+    /// Nothing: the desktop's own window colour.
+    Property<std::optional<Color>> backgroundColor;
+    Property<Appearance> effectiveAppearance { Appearance::Light };
+    /// What stands on the window now; one sheet at most.
+    Property<Sheet> attachedSheet;
+    /// What the user's closing of the window does; nothing: the window goes.
+    std::function<void()> closeAction;
+
+    /// Shows the window if it is not shown, and makes it the key window.
+    void makeKeyAndOrderFront();
+    void orderOut() { visible.set(false); }
+
+    /// Tells whenever the window, already shown, is to come to the front as key window.
+    Subscription observeFrontRequests(std::function<void()> observer)
+    {
+        return frontRequests_.add(std::move(observer));
+    }
+
+    /// Attaches an alert, once every sheet that was begun before it has ended.
+    void beginSheet(Alert alert, Completion completion = {});
+    /// Attaches a window in the same way. One that is attached or waits already stays as it is.
+    void beginSheet(Window& sheet);
+    /// Ends a window's being a sheet, or its waiting to be one, and takes it off the screen.
+    void endSheet(Window& sheet);
+
+    /// The user answered the attached alert.
+    void userAnswered(int returnCode);
+    void userClosed();
+
+private:
+    struct Begun {
+        Sheet sheet;
+        Completion completion;
+    };
+
+    void attachNextSheet();
+
+    std::deque<Begun> sheets_;
+    Observers<> frontRequests_;
+};
+
+}
