@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "platform/ProcessUrlLoader.h"
+
+#include "platform/Descriptor.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+bool sendAll(int channel, std::string_view text)
+{
+    while (!text.empty()) {
+        // No signal from a helper that died.
+        auto const sent = ::send(channel, text.data(), text.size(), MSG_NOSIGNAL);
+        if (sent < 0 && errno == EINTR)
+            continue;
+        if (sent <= 0)
+            return false;
+        text.remove_prefix(static_cast<std::size_t>(sent));
+    }
+    return ::shutdown(channel, SHUT_WR) == 0;
+}
+
+std::string receiveAll(int channel)
+{
+    std::string text;
+    std::array<char, 65536> piece {};
+    for (;;) {
+        auto const received = ::recv(channel, piece.data(), piece.size(), 0);
+        if (received < 0 && errno == EINTR)
+            continue;
+        if (received <= 0)
+            return text;
+        text.append(piece.data(), static_cast<std::size_t>(received));
+    }
+}
+
+bool endedWell(pid_t process)
+{
+    int status = 0;
+    while (::waitpid(process, &status, 0) < 0) {
+        if (errno != EINTR)
+            return false;
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+}
+
+ProcessUrlLoader::ProcessUrlLoader(std::filesystem::path helper, std::filesystem::path additionalAuthority)
+    : helper_(std::move(helper))
+    , additionalAuthority_(std::move(additionalAuthority))
+{
+    for (char** variable = environ; *variable; ++variable)
+        environment_.emplace_back(*variable);
+}
+
+std::optional<std::string> ProcessUrlLoader::load(std::string const& url)
+{
+    if (!isWellFormedUrl(url))
+        return std::nullopt;
+    std::array<int, 2> ends {};
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
+        return std::nullopt;
+    Descriptor const channel(ends[0]);
+    Descriptor helpersEnd(ends[1]);
+    pid_t process = 0;
+    if (!start(helpersEnd.get(), process))
+        return std::nullopt;
+    helpersEnd.close();
+
+    std::string body;
+    if (sendAll(channel.get(), additionalAuthority_.string() + "\n" + url + "\n"))
+        body = receiveAll(channel.get());
+    finished(process);
+    return endedWell(process) ? std::optional(std::move(body)) : std::nullopt;
+}
+
+// Within the lock, so that a cancellation finds the helper or keeps it from being started.
+bool ProcessUrlLoader::start(int channel, pid_t& process)
+{
+    std::scoped_lock const lock(mutex_);
+    if (cancelled_)
+        return false;
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, channel, STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, channel, STDOUT_FILENO);
+    auto path = helper_.string();
+    std::array<char*, 2> const arguments { path.data(), nullptr };
+    std::vector<char*> environment;
+    for (auto& variable : environment_)
+        environment.push_back(variable.data());
+    environment.push_back(nullptr);
+    bool const started
+        = ::posix_spawn(&process, path.c_str(), &actions, nullptr, arguments.data(), environment.data()) == 0;
+    posix_spawn_file_actions_destroy(&actions);
+    if (started)
+        running_.push_back(process);
+    return started;
+}
+
+void ProcessUrlLoader::finished(pid_t process)
+{
+    std::scoped_lock const lock(mutex_);
+    std::erase(running_, process);
+}
+
+void ProcessUrlLoader::cancel()
+{
+    std::scoped_lock const lock(mutex_);
+    cancelled_ = true;
+    for (pid_t const process : running_)
+        ::kill(process, SIGKILL);
+}
+
+}

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/UrlLoader.h"
+
+#include <filesystem>
+#include <mutex>
+#include <vector>
+
+namespace platform {
+
+/// Loads over HTTPS in a process of its own for each load, which is gone afterwards with all that TLS needs. A program
+/// that is up all day for a few exchanges a day keeps nothing of it.
+class ProcessUrlLoader final : public UrlLoader {
+public:
+    /// The helper program, and the file of a certificate authority to trust beside the system's, where there is one.
+    explicit ProcessUrlLoader(std::filesystem::path helper, std::filesystem::path additionalAuthority = {});
+
+    std::optional<std::string> load(std::string const& url) override;
+
+    /// Ends the running loads with nothing, and every later one too. Any thread.
+    void cancel();
+
+private:
+    bool start(int channel, pid_t& process);
+    void finished(pid_t process);
+
+    std::filesystem::path helper_;
+    /// The program's at the start: it may change while a helper is being started.
+    std::vector<std::string> environment_;
+    std::filesystem::path additionalAuthority_;
+    std::mutex mutex_;
+    /// The helpers that run now; one that is waited for is not among them.
+    std::vector<pid_t> running_;
+    bool cancelled_ = false;
+};
+
+}

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "platform/ThreadQueues.h"
+
+#include <pthread.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <system_error>
+#include <thread>
+
+namespace platform {
+
+namespace {
+
+// Linux keeps 15 bytes of a thread's name and refuses a longer one.
+constexpr std::size_t maximumNameLength = 15;
+
+}
+
+// Shared with the threads, which may outlive the queues.
+struct ThreadQueues::Running {
+    std::mutex mutex;
+    std::condition_variable idle;
+    std::size_t count = 0;
+
+    void started()
+    {
+        std::scoped_lock const lock(mutex);
+        ++count;
+    }
+
+    void ended()
+    {
+        std::scoped_lock const lock(mutex);
+        if (--count == 0)
+            idle.notify_all();
+    }
+};
+
+ThreadQueues::ThreadQueues()
+    : running_(std::make_shared<Running>())
+{
+}
+
+void ThreadQueues::async(std::string const& label, Task task)
+{
+    running_->started();
+    try {
+        std::thread([running = running_, name = label.substr(0, maximumNameLength), task = std::move(task)]() mutable {
+            ::pthread_setname_np(::pthread_self(), name.c_str());
+            task();
+            task = nullptr; // What it holds goes before the queue counts as ended.
+            running->ended();
+        }).detach();
+    } catch (std::system_error const&) {
+        running_->ended();
+    }
+}
+
+bool ThreadQueues::waitUntilIdle(Seconds limit)
+{
+    std::unique_lock lock(running_->mutex);
+    return running_->idle.wait_for(lock, limit, [this] { return running_->count == 0; });
+}
+
+}

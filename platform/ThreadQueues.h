@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/BackgroundQueues.h"
+
+#include <memory>
+
+namespace platform {
+
+/// A thread for each queue, named after its label. A thread that cannot be started drops the task.
+class ThreadQueues final : public BackgroundQueues {
+public:
+    ThreadQueues();
+
+    void async(std::string const& label, Task task) override;
+
+    /// Waits for all queues to end, and returns whether they did in time.
+    bool waitUntilIdle(Seconds limit);
+
+private:
+    struct Running;
+
+    std::shared_ptr<Running> running_;
+};
+
+}
