@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "platform/Locale.h"
+
+#include <unicode/locid.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+
+namespace platform {
+
+namespace {
+
+std::string_view environment(char const* name)
+{
+    // Read before any other thread starts.
+    char const* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe)
+    return value ? value : "";
+}
+
+bool isKnown(std::string const& locale) { return *icu::Locale(locale.c_str()).getISO3Language() != '\0'; }
+
+std::string_view languageOf(std::string_view locale) { return locale.substr(0, locale.find_first_of("_.@")); }
+
+}
+
+std::string userLocale(char const* category)
+{
+    for (char const* const name : { "LC_ALL", category, "LANG" }) {
+        std::string_view const value = environment(name);
+        if (value.empty())
+            continue;
+        std::string const locale(value.substr(0, value.find_first_of(".@")));
+        bool const usable = locale != "C" && locale != "POSIX" && isKnown(locale);
+        return usable ? locale : "en_US";
+    }
+    return "en_US";
+}
+
+std::vector<std::string> userLanguages()
+{
+    std::vector<std::string> languages;
+    std::string_view preferred = environment("LANGUAGE");
+    while (!preferred.empty()) {
+        std::size_t const end = std::min(preferred.find(':'), preferred.size());
+        languages.emplace_back(languageOf(preferred.substr(0, end)));
+        preferred.remove_prefix(std::min(end + 1, preferred.size()));
+    }
+    languages.emplace_back(languageOf(userLocale("LC_MESSAGES")));
+    return languages;
+}
+
+}

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#include "platform/Bundle.h"
+
+#include "platform/AtomicFile.h"
+#include "platform/PropertyList.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+using platform::Bundle;
+
+namespace {
+
+std::filesystem::path const shipped = USAGE_METER_BUNDLE;
+
+platform::Dictionary strings(char const* language)
+{
+    auto const bytes = platform::readFile(shipped / (std::string(language) + ".lproj") / "Localizable.strings");
+    return platform::readPropertyList(bytes.value_or("")).value_or(platform::Dictionary {});
+}
+
+}
+
+TEST(Bundle, HasEveryTextInBothLanguagesAndPicksTheFirstItHasOrEnglish)
+{
+    auto const english = strings("en");
+    auto const french = strings("fr");
+    EXPECT_GT(english.size(), 40U);
+    for (auto const& [key, text] : english)
+        EXPECT_TRUE(french.contains(key)) << key;
+    EXPECT_EQ(english.size(), french.size());
+    EXPECT_EQ(Bundle::open(shipped, { "eo", "fr" })->localizedString("QUIT"), "Quitter");
+    EXPECT_EQ(Bundle::open(shipped, { "eo" })->localizedString("QUIT"), "Quit");
+}
+
+TEST(Bundle, OpensOnlyUnderANameThatAFolderCanHave)
+{
+    TemporaryFolder folder;
+    EXPECT_FALSE(Bundle::open(folder.path(), {}));
+    for (char const* const identifier : { "", ".", "..", "../x", "a.b" }) {
+        platform::Dictionary const info { { "CFBundleIdentifier", identifier }, { "CFBundleShortVersionString", "1" },
+            { "ProviderHost", "localhost:1" } };
+        platform::writeFileAtomically(folder.path() / "Info.plist", platform::writePropertyList(info));
+        EXPECT_EQ(Bundle::open(folder.path(), {}).has_value(), identifier == std::string_view("a.b")) << identifier;
+    }
+}
