@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace platform {
+
+class Application;
+class BackgroundQueues;
+class Bundle;
+class NotificationCenter;
+class RunLoop;
+class UrlLoader;
+class UserDefaults;
+class Workspace;
+
+/// All that the program is handed by the desktop it runs on. What is referred to outlives the controller.
+struct Platform {
+    RunLoop& runLoop;
+    BackgroundQueues& backgroundQueues;
+    UserDefaults& userDefaults;
+    UrlLoader& urlLoader;
+    Bundle const& bundle;
+    Workspace& workspace;
+    Application& application;
+    /// None where the desktop shows no notifications.
+    NotificationCenter* notificationCenter = nullptr;
+    /// The user's caches folder, which other programs share.
+    std::filesystem::path cachesFolder;
+    /// The user's locales, as ICU names them.
+    std::string numberLocale = "en_US";
+    std::string dateLocale = "en_US";
+};
+
+}
