@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string_view>
+
+/// A reply's body without the line breaks at its ends, and then without the spaces and tabs at its ends. A line break
+/// that only shows once the spaces are gone stays. Both steps know Unicode's line breaks and spaces.
+std::string_view trimmedReply(std::string_view body);
+
+/// A text without any spaces, tabs and line breaks at its ends.
+std::string_view trimmedText(std::string_view text);
