@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "storage/CacheData.h"
+
+#include "platform/AtomicFile.h"
+#include "platform/PropertyList.h"
+#include "platform/RunLoop.h"
+#include "storage/UsageReport.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+bool isFileName(std::string_view name)
+{
+    return !name.empty() && name != "." && name != ".." && name != platform::unfinishedFileName
+        && name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+}
+
+// A link in the folder's place leads to somebody else's files.
+bool isRealFolder(std::filesystem::path const& path)
+{
+    std::error_code ignored;
+    return std::filesystem::is_directory(std::filesystem::symlink_status(path, ignored));
+}
+
+bool isFresh(platform::Dictionary const& report, platform::Date now)
+{
+    auto const* const nextUpdate = platform::entry<platform::Date>(report, reportEntry::nextUpdate);
+    if (nextUpdate && *nextUpdate > now)
+        return true;
+    auto const interval = report.find(reportEntry::updateInterval);
+    return interval == report.end() || interval->second == platform::Value(0);
+}
+
+bool isRegularFileOfTheUser(std::filesystem::path const& path)
+{
+    struct stat status { };
+    return lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid();
+}
+
+}
+
+CacheData::CacheData(
+    std::filesystem::path cachesFolder, std::string_view bundleIdentifier, platform::RunLoop const& runLoop)
+    : cachesFolder_(std::move(cachesFolder))
+    , folder_(cachesFolder_ / bundleIdentifier)
+    , runLoop_(runLoop)
+{
+}
+
+bool CacheData::saveCacheFile(platform::Dictionary const& report, std::string_view withName) const
+{
+    if (!isFileName(withName) || !platform::makePrivateFolder(folder_) || !isRealFolder(folder_))
+        return false;
+    return platform::writeFileAtomically(folder_ / withName, platform::writePropertyList(report));
+}
+
+std::optional<platform::Dictionary> CacheData::retrieveCachedFileWithName(std::string_view name) const
+{
+    if (!isFileName(name) || !isRealFolder(folder_))
+        return std::nullopt;
+    auto const path = folder_ / name;
+    auto const bytes = platform::readFile(path);
+    auto report = bytes ? platform::readPropertyList(*bytes) : std::nullopt;
+    if (!report || isFresh(*report, runLoop_.now()))
+        return report;
+
+    std::error_code ignored;
+    std::filesystem::remove(path, ignored);
+    return std::nullopt;
+}
+
+bool CacheData::removeCacheFile(std::string_view name) const
+{
+    if (!isFileName(name) || !isRealFolder(folder_))
+        return false;
+    auto const path = folder_ / name;
+    std::error_code ignored;
+    if (!std::filesystem::exists(std::filesystem::symlink_status(path, ignored)))
+        return false;
+    std::filesystem::remove(path, ignored);
+    return true;
+}
+
+bool CacheData::clearCache() const
+{
+    if (!isRealFolder(folder_))
+        return true;
+    std::error_code ignored;
+    std::vector<std::filesystem::path> paths;
+    for (std::filesystem::directory_iterator item(folder_, ignored), end; item != end; item.increment(ignored))
+        paths.push_back(item->path());
+    for (auto const& path : paths)
+        std::filesystem::remove_all(path, ignored);
+    return true;
+}
+
+bool CacheData::fixCacheWithKeyList(std::vector<std::string> const& usageKeys) const
+{
+    for (auto const& key : usageKeys) {
+        auto const path = cachesFolder_ / key;
+        if (isFileName(key) && isRegularFileOfTheUser(path))
+            unlink(path.c_str());
+    }
+    return true;
+}
