@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include "app/AppDelegate.h"
+
+#include "app/Outlets.h"
+#include "platform/Bundle.h"
+#include "platform/NumberFormatter.h"
+#include "platform/Platform.h"
+#include "services/ProviderAddresses.h"
+#include "storage/CacheData.h"
+
+AppDelegate::AppDelegate(platform::Platform& platform, Outlets& outlets)
+    : platform_(platform)
+    , outlets_(outlets)
+    , usageStatusItem_(outlets.dropDownMenu)
+{
+}
+
+AppDelegate::~AppDelegate() = default;
+
+IntervalChoice AppDelegate::intervalChoice() const
+{
+    return outlets_.updateIntervalPopupButton.indexOfSelectedItem.get();
+}
+
+std::string AppDelegate::text(std::string_view key) const { return platform_.bundle.localizedString(key); }
+
+std::string AppDelegate::labelled(std::string_view labelKey, std::string_view value) const
+{
+    return text(labelKey).append(" ").append(value);
+}
+
+CacheData AppDelegate::cacheData() const
+{
+    return { platform_.cachesFolder, platform_.bundle.identifier(), platform_.runLoop };
+}
+
+ProviderAddresses AppDelegate::addresses() const { return ProviderAddresses(platform_.bundle.providerHost()); }

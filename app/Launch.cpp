@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include "app/AppDelegate.h"
+#include "app/Outlets.h"
+#include "platform/Bundle.h"
+#include "platform/NumberFormatter.h"
+#include "platform/Platform.h"
+#include "platform/UserDefaults.h"
+#include "storage/CacheData.h"
+#include "storage/KeyEntry.h"
+#include "storage/SettingsKeys.h"
+
+namespace {
+
+// What a pop-up shows until the user picks something else.
+constexpr int defaultChoice = 2;
+
+}
+
+void AppDelegate::applicationDidFinishLaunching()
+{
+    updateMenuBarLoading();
+    updateDarkAppearance();
+    outlets_.versionText.text.set(labelled("Version", platform_.bundle.shortVersion()));
+    usageDictionary_ = platform::Dictionary {};
+    performStartupActions();
+}
+
+void AppDelegate::performStartupActions()
+{
+    prefs_ = &platform_.userDefaults;
+    outlets_.tarvoUsageKeysComboBox.delegate = this;
+    doUpdateUsageCapText();
+    fileNotifications();
+    updateDesign();
+    if (!prefs_->contains(settings::menuBarSelector))
+        outlets_.statusBarDropdown.indexOfSelectedItem.set(defaultChoice);
+    bool const cacheAllowed = applyVersionRule();
+    if (!prefs_->contains(settings::hourUpdateInterval))
+        outlets_.updateIntervalPopupButton.indexOfSelectedItem.set(defaultChoice);
+    if (!platform_.notificationCenter)
+        outlets_.showNotificationsToggle.hidden.set(true);
+    else if (!prefs_->contains(settings::showNotificationsMenu))
+        outlets_.showNotificationsToggle.on.set(true);
+    repairCacheOnce();
+
+    if (prefs_->get<std::string>(settings::tarvoId)) {
+        upgradeMeter();
+    } else {
+        loadKeys();
+        if (prefs_->contains(settings::tarvoKeys) && !outlets_.tarvoUsageKeysComboBox.items.get().empty())
+            updateUsageWithCache(cacheAllowed);
+    }
+    // Costly, and first needed by a presentation, which is queued behind this.
+    usageFormatter_ = std::make_unique<platform::NumberFormatter>(platform_.numberLocale);
+}
+
+// A report that another version cached is never shown. Returns whether this version launched last.
+bool AppDelegate::applyVersionRule()
+{
+    auto const version = platform_.bundle.shortVersion();
+    auto const* const last = prefs_->get<std::string>(settings::lastInstalledVersion);
+    if (last && *last == version)
+        return true;
+    cacheData().clearCache();
+    prefs_->set(settings::lastInstalledVersion, version);
+    return false;
+}
+
+void AppDelegate::repairCacheOnce()
+{
+    if (prefs_->contains(settings::fixedCache) || !prefs_->contains(settings::tarvoKeys))
+        return;
+    std::vector<std::string> usageKeys;
+    for (auto const& entry : storedKeyEntries()) {
+        if (auto key = KeyEntry::parse(entry).key)
+            usageKeys.push_back(*std::move(key));
+    }
+    if (cacheData().fixCacheWithKeyList(usageKeys))
+        prefs_->set(settings::fixedCache, 1);
+}
+
+// Turns the single key of earlier versions into a key list.
+void AppDelegate::upgradeMeter()
+{
+    auto const entry = KeyEntry::format("Home", *prefs_->get<std::string>(settings::tarvoId));
+    prefs_->remove(settings::tarvoId);
+    prefs_->set(settings::tarvoKeys, platform::Array { entry });
+    prefs_->set(settings::tarvoKeySelected, entry);
+    loadKeys();
+    outlets_.tarvoUsageKeysComboBox.selectItemAtIndex(0);
+
+    showPreferences();
+    outlets_.window.beginSheet(
+        { .messageText = text("CONVERSION_COMPLETE"), .style = platform::Alert::Style::Informational });
+}

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/ComboBox.h"
+#include "platform/Controls.h"
+#include "platform/Menu.h"
+#include "platform/Window.h"
+
+#include <memory>
+
+/// Every control that the controller and the desktop meet at. A desktop's widget has the name of its outlet.
+struct Outlets {
+    using MenuItem = std::shared_ptr<platform::MenuItem>;
+
+    // The status menu
+    platform::Menu dropDownMenu;
+    MenuItem downloadedMenuItem = std::make_shared<platform::MenuItem>();
+    MenuItem freeDownloadedMenuItem = std::make_shared<platform::MenuItem>();
+    MenuItem uploadedMenuItem = std::make_shared<platform::MenuItem>();
+    MenuItem totalUsageMenuItem = std::make_shared<platform::MenuItem>();
+    MenuItem usageCapMenuItem = std::make_shared<platform::MenuItem>();
+    MenuItem remainingUsageMenuItem = std::make_shared<platform::MenuItem>();
+    MenuItem lastUpdateMenuItem = std::make_shared<platform::MenuItem>();
+    MenuItem nextUpdateMenuItem = std::make_shared<platform::MenuItem>();
+    MenuItem changeConnectionMenuItem = std::make_shared<platform::MenuItem>();
+    platform::Menu connectionMenu;
+
+    // The usage window
+    platform::Window monitorWindow;
+    platform::TextField downloadUsage;
+    platform::TextField uploadUsage;
+    platform::TextField totalUsage;
+    platform::TextField downloadFreeUsage;
+    platform::TextField uploadFreeUsage;
+    platform::TextField totalFreeUsage;
+    platform::TextField finalTotalUsage;
+    platform::TextField usageCapText;
+    platform::TextField usageRemainingText;
+    platform::LevelIndicator usageBar;
+    platform::TextField usageCapPercentageText;
+    platform::Button detailedUsageButton;
+
+    // The preferences window
+    platform::Window window;
+    platform::ComboBox tarvoUsageKeysComboBox;
+    platform::Button addKeyButton;
+    platform::Button removeKeyButton;
+    platform::TextField usageLimit;
+    platform::PopUpButton updateIntervalPopupButton;
+    platform::PopUpButton statusBarDropdown;
+    platform::CheckBox usageCapToggle;
+    platform::CheckBox remainingUsageToggle;
+    platform::CheckBox lastUpdateToggle;
+    platform::CheckBox nextUpdateToggle;
+    platform::CheckBox onlyKeyNicknamesToggle;
+    platform::CheckBox showNotificationsToggle;
+    platform::Button clearCacheButton;
+    platform::TextField cacheClearedText;
+    platform::TextField versionText;
+    platform::Button useConnectionButton;
+
+    // The add-key sheet of the preferences window
+    platform::Window addKeyWindow;
+    platform::TextField keyNewNickname;
+    platform::TextField usageID;
+    platform::Button autoRetrieveCodeButton;
+    platform::Button getUsageCodeButton;
+    platform::Button cancelButton;
+    platform::Button confirmKeyButton;
+};

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+#include "app/AppDelegate.h"
+#include "app/Outlets.h"
+#include "platform/BackgroundQueues.h"
+#include "platform/Bundle.h"
+#include "platform/Platform.h"
+#include "services/UsageData.h"
+#include "storage/CacheData.h"
+#include "storage/UsageReport.h"
+
+// What one refresh was asked for. It keeps its key, whatever the user picks meanwhile.
+struct AppDelegate::Refresh {
+    std::string usageKey;
+    bool cacheAllowed;
+    bool withNotification;
+};
+
+void AppDelegate::updateUsageWithCache(bool cacheAllowed, bool withNotification)
+{
+    if (outlets_.tarvoUsageKeysComboBox.text.get().empty())
+        return;
+
+    updateMenuBarLoading();
+    for (auto const& timer : { updateInterval_.get(), fixErrorTimer_.get() }) {
+        if (timer)
+            timer->cancel();
+    }
+    if (auto const choice = intervalChoice(); choice != 0)
+        updateTimer(std::nullopt, std::chrono::seconds(periodOf(choice)).count());
+
+    platform_.backgroundQueues.async("usage_background",
+        [this, refresh = Refresh { selectedKey_, cacheAllowed, withNotification }] { refreshInBackground(refresh); });
+}
+
+// Runs on the refresh's own queue. Whatever it finds goes to the main thread in one task.
+void AppDelegate::refreshInBackground(Refresh const& refresh)
+{
+    if (refresh.cacheAllowed) {
+        if (auto cached = cacheData().retrieveCachedFileWithName(refresh.usageKey)) {
+            platform_.runLoop.perform([this, report = *std::move(cached)] { acceptCachedReport(report); });
+            return;
+        }
+    }
+
+    auto fetched = UsageData(platform_.urlLoader, addresses()).updateUsage(refresh.usageKey);
+    auto const lastUpdate = platform_.runLoop.now();
+    platform_.runLoop.perform(
+        [this, refresh, lastUpdate, report = std::move(fetched).value_or(platform::Dictionary {})] {
+            if (report.empty())
+                acceptFailure();
+            else
+                acceptFetchedReport(refresh, report, lastUpdate);
+        });
+}
+
+void AppDelegate::acceptCachedReport(platform::Dictionary const& report)
+{
+    usageDictionary_ = report;
+    indexOfSelectedItemUpdateInterval_ = intervalChoice();
+    if (indexOfSelectedItemUpdateInterval_ != 0) {
+        auto const* const nextUpdate = platform::entry<platform::Date>(report, reportEntry::nextUpdate);
+        updateTimer(nextUpdate ? std::optional(*nextUpdate) : std::nullopt, 0);
+    }
+    updateTitleBar();
+}
+
+void AppDelegate::acceptFetchedReport(Refresh const& refresh, platform::Dictionary report, platform::Date lastUpdate)
+{
+    report.insert_or_assign(reportEntry::lastUpdate, lastUpdate);
+    if (updateInterval_ && updateInterval_->isValid())
+        report.insert_or_assign(reportEntry::nextUpdate, updateInterval_->fireDate());
+    indexOfSelectedItemUpdateInterval_ = intervalChoice();
+    report.insert_or_assign(reportEntry::updateInterval, indexOfSelectedItemUpdateInterval_);
+
+    usageDictionary_ = std::move(report);
+
+    cacheData().saveCacheFile(*usageDictionary_, refresh.usageKey);
+    if (refresh.withNotification)
+        notify();
+    updateTitleBar();
+}
+
+void AppDelegate::acceptFailure()
+{
+    usageDictionary_.reset();
+    updateTitleBar();
+}
+
+void AppDelegate::notify()
+{
+    if (!platform_.notificationCenter || !outlets_.showNotificationsToggle.on.get())
+        return;
+    platform_.notificationCenter->setDelegate(this);
+    platform_.notificationCenter->deliver({ text("NOTIFICATION_TITLE"), text("NOTIFICATION_INFORMATIVE_TEXT") });
+}
+
+void AppDelegate::didActivateNotification(platform::NotificationId id)
+{
+    platform_.notificationCenter->removeDelivered(id);
+    showUsageWindow();
+}
+
+void AppDelegate::updateTitleBar()
+{
+    platform_.runLoop.perform([this] {
+        if (usageDictionary_)
+            presentReport();
+        else
+            showError();
+    });
+}

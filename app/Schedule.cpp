@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "app/AppDelegate.h"
+#include "app/Outlets.h"
+#include "platform/DateFormatter.h"
+#include "platform/Platform.h"
+#include "storage/UsageReport.h"
+
+bool AppDelegate::updateTimer(std::optional<platform::Date> withFireDate, std::int64_t orWithInterval)
+{
+    platform_.runLoop.perform([this, withFireDate, orWithInterval] {
+        armUpdateInterval(withFireDate, std::chrono::seconds(orWithInterval));
+    });
+    return true;
+}
+
+void AppDelegate::armUpdateInterval(std::optional<platform::Date> fireDate, platform::Seconds interval)
+{
+    auto const* const stored
+        = usageDictionary_ ? platform::entry<std::int64_t>(*usageDictionary_, reportEntry::updateInterval) : nullptr;
+    auto const plan = nextTimer(platform_.runLoop.now(), fireDate, interval, intervalChoice(), stored ? *stored : 0);
+
+    if (updateInterval_)
+        updateInterval_->cancel();
+    if (plan)
+        updateInterval_ = platform_.runLoop.repeat(plan->first, plan->period, [this] { updateUsageWithCacheTimer(); });
+    updateTitleBarDates();
+}
+
+void AppDelegate::updateTitleBarDates()
+{
+    auto lastUpdate = platform_.runLoop.now();
+    if (usageDictionary_ && usageDictionary_->contains(reportEntry::nextUpdate)) {
+        if (auto const* const stored = platform::entry<platform::Date>(*usageDictionary_, reportEntry::lastUpdate))
+            lastUpdate = *stored;
+    }
+    platform::DateFormatter const formatter(platform_.dateLocale);
+    outlets_.lastUpdateMenuItem->title.set(labelled("LAST_UPDATE", formatter.string(lastUpdate)));
+
+    bool const armed = updateInterval_ && updateInterval_->isValid();
+    outlets_.nextUpdateMenuItem->title.set(
+        labelled("NEXT_UPDATE", armed ? formatter.string(updateInterval_->fireDate()) : text("NO_NEXT_UPDATE")));
+}
+
+void AppDelegate::doChangeUpdateIntervalDropdown()
+{
+    // A report saved under the old choice must not be taken as fresh.
+    clearCache();
+    loadKeys();
+    updateUsageWithCache(false);
+}
+
+void AppDelegate::doFixError() { updateUsageWithCache(false); }
+
+void AppDelegate::receiveWakeNote()
+{
+    bool const overdue
+        = updateInterval_ && updateInterval_->isValid() && platform_.runLoop.now() > updateInterval_->fireDate();
+    if (overdue)
+        updateUsageWithCache(false);
+}

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/Value.h"
+
+#include <string_view>
+
+/// A report's volumes beside the cap. In megabytes (1,000,000 bytes) when made; scaleToDisplayUnit() changes the unit
+/// of them all.
+struct UsageFigures {
+    double downloaded = 0;
+    double uploaded = 0;
+    double usedTotal = 0;
+    double graceDownloaded = 0;
+    double graceUploaded = 0;
+    double graceTotal = 0;
+    double overallTotal = 0;
+    /// 0: there is no cap.
+    double cap = 0;
+    /// Negative once the cap is exceeded.
+    double remaining = 0;
+
+    /// A missing figure counts as 0. The cap is in gigabytes, as typed.
+    static UsageFigures fromReport(platform::Dictionary const& report, std::string_view capText);
+
+    bool hasCap() const { return cap != 0; }
+    /// The share of the cap used, in percent; only with a cap.
+    float percentage() const;
+
+    /// Divides every figure by the same power of 1000, so that the overall total is at most 1000 where the units reach;
+    /// returns the unit, "MB", "GB", "TB" or "PB".
+    std::string_view scaleToDisplayUnit();
+};

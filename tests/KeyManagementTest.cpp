@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+#include "services/RetrieveKey.h"
+#include "tests/support/ControllerTest.h"
+
+namespace {
+
+constexpr char const* lookupAddress = "https://www.tarvo.example/account/usage/api?request=key";
+constexpr char const* office = "Office - K3";
+
+class KeyManagementTest : public ControllerTest {
+protected:
+    void add(char const* nickname, char const* key)
+    {
+        outlets->keyNewNickname.userTyped(nickname);
+        outlets->usageID.userTyped(key);
+        outlets->confirmKeyButton.userClicked();
+    }
+
+    platform::Array stored() const { return *defaults.get<platform::Array>(settings::tarvoKeys); }
+    std::string textOf(char const* key) const { return bundle.localizedString(key); }
+};
+
+}
+
+TEST_F(KeyManagementTest, RefusesWhatWouldMakeAnEntryAmbiguousOrIsThere)
+{
+    launchWith({ home });
+    struct {
+        char const* nickname;
+        char const* key;
+        bool accepted;
+    } const cases[] { { "Home", "", false }, { "Home", "K-2", false }, { "Ho-me", "K2", false },
+        { "Home", "K 2", false }, { "", "K2", true }, { "My & <b>_home_</b>", "K3\t", true } };
+    for (auto const& each : cases) {
+        outlets->addKeyButton.userClicked();
+        auto const count = stored().size();
+        add(each.nickname, each.key);
+        EXPECT_EQ(stored().size(), count + (each.accepted ? 1 : 0)) << each.nickname << each.key;
+        EXPECT_EQ(outlets->addKeyWindow.visible.get(), !each.accepted);
+        EXPECT_EQ(alertOn(outlets->addKeyWindow), each.accepted ? "" : textOf("FAILURE_BLANK_CODE"));
+        outlets->addKeyWindow.userAnswered(1000);
+        settle();
+    }
+    EXPECT_EQ(stored().at(1), platform::Value(" - K2"));
+
+    // A duplicate is refused too, but still refreshes.
+    outlets->addKeyButton.userClicked();
+    settle();
+    auto const before = requests();
+    add("Home", "K1");
+    settle();
+    EXPECT_EQ(alertOn(outlets->addKeyWindow), textOf("FAILURE_KEY_EXISTS"));
+    EXPECT_EQ(requests(), before + 1);
+    outlets->addKeyWindow.userAnswered(1000);
+    outlets->usageLimit.userTyped("55");
+    add("Cottage", "K1");
+    settle();
+    EXPECT_EQ(stored().back(), platform::Value("Cottage - K1"));
+    EXPECT_EQ(outlets->usageLimit.text.get(), "");
+    EXPECT_EQ(controller->getCurrentlySelectedKey(), "Cottage - K1");
+}
+
+TEST_F(KeyManagementTest, ALookupSpeaksOnlyWhenAskedAndAnswersWheneverItComes)
+{
+    launchWith({ home });
+    outlets->addKeyButton.userClicked();
+    outlets->usageID.userTyped("typed");
+    settle();
+    EXPECT_EQ(outlets->usageID.text.get(), "typed");
+    EXPECT_EQ(alertOn(outlets->addKeyWindow), "");
+
+    // Two at once, both late: the sheet has gone, and a failure is told where it stood.
+    outlets->autoRetrieveCodeButton.userClicked();
+    outlets->autoRetrieveCodeButton.userClicked();
+    outlets->addKeyWindow.userClosed();
+    EXPECT_FALSE(outlets->addKeyWindow.visible.get());
+    queues.run(1);
+    loader.replies[lookupAddress] = "<r><key>K2</key></r>";
+    settle();
+    EXPECT_EQ(outlets->usageID.text.get(), "K2");
+    EXPECT_EQ(alertOn(outlets->window), textOf("AUTO_FAILURE_TITLE"));
+}
+
+TEST_F(KeyManagementTest, RemovingSelectsTheFirstEntryAndForgetsTheRest)
+{
+    launchWith({ home, cottage, office });
+    connection(1).userClicked();
+    settle();
+    defaults.set(settings::usageCapValues, platform::Dictionary { { cottage, "40" }, { home, "90" } });
+    outlets->removeKeyButton.userClicked();
+    outlets->window.userAnswered(1001);
+    EXPECT_EQ(stored().size(), 3U);
+
+    outlets->removeKeyButton.userClicked();
+    outlets->window.userAnswered(1000);
+    settle();
+    EXPECT_EQ(stored(), (platform::Array { home, office }));
+    EXPECT_EQ(outlets->usageLimit.text.get(), "90");
+    EXPECT_EQ(controller->usageCapForKey(cottage), std::nullopt);
+    EXPECT_FALSE(std::filesystem::exists(cache().getCacheDirectory() / "K2"));
+    EXPECT_EQ(linesOf(outlets->connectionMenu), (Texts { "* Home - K1", office }));
+    EXPECT_EQ(outlets->monitorWindow.title.get(), "Usage Meter - Home");
+}
+
+TEST_F(KeyManagementTest, RemovingTheLastEntryEndsWithAnEmptyListAndALateReportDoesNoHarm)
+{
+    launchWith({ home });
+    controller->updateButton();
+    outlets->removeKeyButton.userClicked();
+    outlets->window.userAnswered(1000);
+    EXPECT_EQ(stored(), platform::Array {});
+    EXPECT_FALSE(defaults.contains(settings::tarvoKeySelected));
+    EXPECT_EQ(title(), "Please wait…");
+    EXPECT_TRUE(outlets->addKeyWindow.visible.get());
+    // The refresh that was under way presents what it fetched, for whom there is no name any more.
+    settle();
+    EXPECT_EQ(title(), "10GB");
+    EXPECT_EQ(outlets->monitorWindow.title.get(), "Usage Meter");
+    outlets->removeKeyButton.userClicked();
+    EXPECT_EQ(alertOn(outlets->window), "");
+}
+
+TEST_F(KeyManagementTest, ALonelyEntryIsNoChoiceAndAnEmptyListAlsoEmptiesTheText)
+{
+    launchWith({ home, cottage });
+    EXPECT_FALSE(outlets->changeConnectionMenuItem->hidden.get());
+    storeKeys({ home }, home);
+    controller->loadKeys();
+    EXPECT_TRUE(outlets->changeConnectionMenuItem->hidden.get());
+    storeKeys({}, home);
+    controller->loadKeys();
+    EXPECT_TRUE(outlets->window.visible.get());
+    EXPECT_EQ(controller->getCurrentlySelectedKey(), std::nullopt);
+    EXPECT_TRUE(outlets->changeConnectionMenuItem->hidden.get());
+}
+
+TEST_F(KeyManagementTest, CapsBelongToWholeEntriesAndAreKeptAsTyped)
+{
+    launchWith({ home, "Cottage - K1" });
+    for (char const* const cap : { "250", "", "abc" }) {
+        defaults.set(settings::usageCapValues, controller->usageCapDictionaryByModifyingCap(cap, home));
+        EXPECT_EQ(controller->usageCapForKey(home), cap);
+    }
+    EXPECT_EQ(controller->usageCapForKey("Cottage - K1"), std::nullopt);
+    EXPECT_FALSE(controller->doRemoveKeyFromUsageCapDictionary("Cottage - K1"));
+    EXPECT_TRUE(controller->doRemoveKeyFromUsageCapDictionary(home));
+    EXPECT_EQ(controller->usageCapForKey(home), std::nullopt);
+}
+
+TEST_F(KeyManagementTest, ReadsTheLookupReplyByItsOwnRules)
+{
+    struct {
+        char const* what;
+        char const* body;
+        std::optional<std::string> key;
+    } const cases[] {
+        { "the first of two", "<r><key>A</key><key>B</key></r>", "A" },
+        { "an error before", "<r><status>error</status><key>A</key></r>", std::nullopt },
+        { "an error after", "<r><key>A</key><status>error</status></r>", std::nullopt },
+        { "another status", "<r><status>Error</status><status> error</status><key>A</key></r>", "A" },
+        { "no text", "<r><key/></r>", "" },
+        { "untrimmed", "<r><key> A\n</key></r>", " A\n" },
+        { "the last run", "<r><key>A&#66;C</key></r>", "C" },
+        { "around CDATA", "<r><key>A<![CDATA[B]]>C</key></r>", "C" },
+        { "only children", "<r><key><x>A</x></key></r>", std::nullopt },
+        { "blank lines before", "\n\n<?xml version='1.0'?><r><key>A</key></r>", "A" },
+        { "a blank before a line break", " \n<?xml version='1.0'?><r><key>A</key></r>", std::nullopt },
+        { "cut off", "<r><key>A</key>", std::nullopt },
+        { "nothing", "", std::nullopt },
+    };
+    for (auto const& [what, body, key] : cases) {
+        loader.replies[lookupAddress] = body;
+        EXPECT_EQ(RetrieveKey(loader, ProviderAddresses("tarvo.example")).keyForCurrentConnection(), key) << what;
+    }
+}
+
+TEST_F(KeyManagementTest, AThousandEntriesLoadAndSwitchInLinearTime)
+{
+    auto const timeOf = [this](int count) {
+        Texts entries;
+        for (int i = 0; i < count; ++i)
+            entries.push_back("Connection " + std::to_string(i) + " - K" + std::to_string(i));
+        launchWith(entries);
+        auto fastest = std::chrono::steady_clock::duration::max();
+        for (int round = 0; round < 5; ++round) {
+            auto const start = std::chrono::steady_clock::now();
+            controller->loadKeys();
+            fastest = std::min(fastest, std::chrono::steady_clock::now() - start);
+        }
+        EXPECT_EQ(outlets->connectionMenu.items().size(), entries.size());
+        return std::chrono::duration<double, std::milli>(fastest).count();
+    };
+    double const thousand = timeOf(1000);
+    EXPECT_LT(thousand, 20);
+    EXPECT_LT(timeOf(10000), 12 * std::max(thousand, 0.5));
+}

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/ControllerTest.h"
+
+#include <fstream>
+
+using LaunchTest = ControllerTest;
+
+TEST_F(LaunchTest, AFreshInstallationAsksForAKeyAndStoresOnlyItsVersion)
+{
+    defaults.remove(settings::lastInstalledVersion);
+    cache().saveCacheFile({ { "used:download", "1" } }, "K1");
+    loader.replies["https://www.tarvo.example/account/usage/api?request=key"] = "<r><key>K1</key></r>";
+    launch();
+    EXPECT_EQ(queues.tasks.front().first, "tarvobackground");
+    settle();
+    EXPECT_EQ(cache().retrieveCachedFileWithName("K1"), std::nullopt);
+    EXPECT_EQ(*defaults.get<std::string>(settings::lastInstalledVersion), bundle.shortVersion());
+    EXPECT_EQ(outlets->statusBarDropdown.indexOfSelectedItem.get(), 2);
+    EXPECT_EQ(outlets->updateIntervalPopupButton.indexOfSelectedItem.get(), 2);
+    EXPECT_TRUE(outlets->showNotificationsToggle.on.get());
+    for (char const* const key : { settings::menuBarSelector, settings::hourUpdateInterval,
+             settings::showNotificationsMenu, settings::fixedCache })
+        EXPECT_FALSE(defaults.contains(key)) << key;
+    EXPECT_TRUE(outlets->window.visible.get());
+    EXPECT_EQ(desktop.activations, 1);
+    EXPECT_EQ(title(), "Please wait…");
+    EXPECT_EQ(outlets->versionText.text.get(), "Version " + bundle.shortVersion());
+
+    // The key has been looked up; only its name is missing.
+    EXPECT_TRUE(outlets->addKeyWindow.visible.get());
+    EXPECT_EQ(outlets->usageID.text.get(), "K1");
+    outlets->keyNewNickname.userTyped("Home");
+    outlets->confirmKeyButton.userClicked();
+    settle();
+    EXPECT_FALSE(outlets->addKeyWindow.visible.get());
+    EXPECT_EQ(*defaults.get<platform::Array>(settings::tarvoKeys), platform::Array { home });
+    EXPECT_EQ(title(), "10GB");
+}
+
+TEST_F(LaunchTest, RestoresWhatTheUserPickedAndNotifiesNobodyWithoutAService)
+{
+    platform.notificationCenter = nullptr;
+    storeKeys({ home, cottage }, cottage);
+    defaults.set(settings::menuBarSelector, 0);
+    defaults.set(settings::hourUpdateInterval, 6);
+    defaults.set(settings::showNotificationsMenu, true);
+    defaults.set(settings::usageCapValues, platform::Dictionary { { cottage, "30" } });
+    launchAndSettle();
+    EXPECT_EQ(title(), "12GB");
+    EXPECT_EQ(outlets->usageLimit.text.get(), "30");
+    EXPECT_EQ(nextLine(), nextUpdate(at(16, 0)));
+    EXPECT_FALSE(outlets->window.visible.get());
+    EXPECT_TRUE(outlets->showNotificationsToggle.hidden.get());
+    advance(6h);
+    EXPECT_EQ(requests(), 2U);
+}
+
+TEST_F(LaunchTest, ConvertsTheKeyOfEarlierVersions)
+{
+    storeKeys({ cottage }, cottage);
+    defaults.set(settings::fixedCache, 1);
+    defaults.set(settings::tarvoId, "K1");
+    launchAndSettle();
+    EXPECT_EQ(*defaults.get<platform::Array>(settings::tarvoKeys), platform::Array { home });
+    EXPECT_EQ(*defaults.get<std::string>(settings::tarvoKeySelected), home);
+    EXPECT_FALSE(defaults.contains(settings::tarvoId));
+    EXPECT_TRUE(outlets->window.visible.get());
+    EXPECT_EQ(alertOn(outlets->window), bundle.localizedString("CONVERSION_COMPLETE"));
+    EXPECT_EQ(title(), "Please wait…");
+
+    // The first report comes with the user's confirmation.
+    controller->useConnection();
+    settle();
+    EXPECT_EQ(title(), "10GB");
+    EXPECT_FALSE(outlets->window.visible.get());
+}
+
+TEST_F(LaunchTest, RepairsTheCacheOnceThereAreKeys)
+{
+    auto const old = folder.path() / "K1";
+    auto const survivesLaunch = [&] {
+        std::ofstream(old) << "old";
+        launchAndSettle();
+        return std::filesystem::exists(old);
+    };
+    EXPECT_TRUE(survivesLaunch());
+    storeKeys({ home }, home);
+    EXPECT_FALSE(survivesLaunch());
+    EXPECT_EQ(*defaults.get<std::int64_t>(settings::fixedCache), 1);
+    EXPECT_TRUE(survivesLaunch());
+}
+
+TEST_F(LaunchTest, ForeignSettingsOfTheWrongTypeDoNoHarm)
+{
+    storeKeys({}, home);
+    defaults.set(settings::tarvoKeys, platform::Array { 5, home, platform::Dictionary {} });
+    defaults.set(settings::usageCapValues, "none");
+    defaults.set(settings::hourUpdateInterval, "2");
+    defaults.set(settings::tarvoId, 1);
+    launchAndSettle();
+    EXPECT_EQ(title(), "10GB");
+    EXPECT_EQ(outlets->tarvoUsageKeysComboBox.items.get(), (Texts { home }));
+    EXPECT_EQ(outlets->usageLimit.text.get(), "");
+}

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/ControllerTest.h"
+
+namespace {
+
+class StatusMenuTest : public ControllerTest {
+protected:
+    StatusMenuTest() { launchWith({ home, cottage, " - K3" }); }
+
+    Texts connections() const { return linesOf(outlets->connectionMenu); }
+
+    void click(std::string const& title) const
+    {
+        for (auto const& item : outlets->dropDownMenu.items()) {
+            if (item->title.get() == title)
+                return item->userClicked();
+        }
+        FAIL() << title;
+    }
+};
+
+}
+
+TEST_F(StatusMenuTest, ListsTheConnectionsWithAMarkOnTheSelectedOne)
+{
+    EXPECT_EQ(connections(), (Texts { "* Home - K1", "Cottage - K2", " - K3" }));
+    outlets->onlyKeyNicknamesToggle.on.set(true);
+    controller->loadKeys();
+    EXPECT_EQ(connections(), (Texts { "* Home", "Cottage", "" }));
+    outlets->tarvoUsageKeysComboBox.text.set("Typed - K9");
+    controller->loadKeys();
+    EXPECT_EQ(connections(), (Texts { "Home", "Cottage", "" }));
+}
+
+TEST_F(StatusMenuTest, PickingAConnectionSwitchesToItAndLeavesCapsAndWindowAlone)
+{
+    defaults.set(settings::usageCapValues, platform::Dictionary { { cottage, "40" } });
+    outlets->window.makeKeyAndOrderFront();
+    outlets->usageLimit.userTyped("77");
+    connection(1).userClicked();
+    EXPECT_EQ(title(), "Please wait…");
+    settle();
+    EXPECT_EQ(title(), "20GB");
+    EXPECT_EQ(outlets->usageCapText.text.get(), "40GB");
+    EXPECT_EQ(controller->usageCapForKey(home), std::nullopt);
+    EXPECT_TRUE(outlets->window.visible.get());
+
+    // A button picks by its tag too, any other sender the first one, whose report is still fresh: no request.
+    platform::Button button;
+    button.tag = 2;
+    controller->doSelectSubMenuWithMenuItem(&button);
+    settle();
+    EXPECT_EQ(title(), "30GB");
+    EXPECT_EQ(outlets->monitorWindow.title.get(), "Usage Meter - ");
+    button.tag = 3;
+    controller->doSelectSubMenuWithMenuItem(&button);
+    EXPECT_EQ(title(), "30GB");
+    controller->doSelectSubMenuWithMenuItem({});
+    settle();
+    EXPECT_EQ(title(), "10GB");
+    EXPECT_EQ(requests(), 3U);
+}
+
+TEST_F(StatusMenuTest, ConfirmingStoresTheCapAndHidesTheWindowEvenAfterAnEmptyPickThatWasRefused)
+{
+    storeKeys({ "", cottage }, cottage);
+    launchAndSettle();
+    outlets->usageLimit.userTyped("40");
+    connection(0).userClicked();
+    EXPECT_TRUE(outlets->window.visible.get());
+    EXPECT_EQ(alertOn(outlets->window), bundle.localizedString("FAILURE_BLANK_CODE"));
+
+    outlets->tarvoUsageKeysComboBox.userSelected(1);
+    EXPECT_EQ(outlets->usageLimit.text.get(), "");
+    outlets->usageLimit.userTyped("12,5");
+    outlets->useConnectionButton.userClicked();
+    settle();
+    EXPECT_EQ(controller->usageCapForKey(cottage), "12,5");
+    EXPECT_EQ(outlets->usageCapText.text.get(), "12GB");
+    EXPECT_FALSE(outlets->window.visible.get());
+    EXPECT_EQ(title(), "20GB");
+}
+
+TEST_F(StatusMenuTest, CommandsDoWhatTheySay)
+{
+    click("Update Now");
+    settle();
+    EXPECT_EQ(requests(), 2U);
+    click("Usage cap: Unlimited");
+    EXPECT_TRUE(outlets->window.visible.get());
+    click("Usage Window");
+    EXPECT_TRUE(outlets->monitorWindow.visible.get());
+    EXPECT_EQ(desktop.activations, 0);
+    click("Preferences…");
+    EXPECT_EQ(desktop.activations, 1);
+    click("Quit");
+    EXPECT_EQ(desktop.terminations, 1);
+    outlets->getUsageCodeButton.userClicked();
+    EXPECT_EQ(desktop.opened, (Texts { "https://www.tarvo.example/support/usage/api" }));
+}
+
+TEST_F(StatusMenuTest, TheGroundFollowsTheAppearance)
+{
+    using platform::Appearance;
+    EXPECT_EQ(outlets->window.backgroundColor.get(), bundle.namedColor("mainBackground", Appearance::Light));
+    outlets->window.effectiveAppearance.set(Appearance::Dark);
+    EXPECT_EQ(outlets->window.backgroundColor.get(), bundle.namedColor("mainBackground", Appearance::Dark));
+}

@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "app/Outlets.h"
+#include "platform/Application.h"
+#include "platform/BackgroundQueues.h"
+#include "platform/Bundle.h"
+#include "platform/DateFormatter.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Platform.h"
+#include "platform/UrlLoader.h"
+#include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
+#include "storage/CacheData.h"
+#include "storage/SettingsKeys.h"
+#include "tests/support/ManualRunLoop.h"
+#include "tests/support/TemporaryFolder.h"
+#include "ui/MainLayout.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+using namespace std::chrono_literals;
+using Texts = std::vector<std::string>;
+
+/// Queues whose tasks run when a test says so, in the order it says.
+struct ManualQueues final : platform::BackgroundQueues {
+    void async(std::string const& label, platform::Task task) override { tasks.emplace_back(label, std::move(task)); }
+
+    void run(std::size_t position)
+    {
+        auto const task = tasks.at(position).second;
+        tasks.erase(tasks.begin() + static_cast<std::ptrdiff_t>(position));
+        task();
+    }
+
+    std::vector<std::pair<std::string, platform::Task>> tasks;
+};
+
+/// A provider that answers what a test put in, and nothing otherwise.
+struct ScriptedLoader final : platform::UrlLoader {
+    std::optional<std::string> load(std::string const& url) override
+    {
+        requests.push_back(url);
+        return replies.contains(url) ? std::optional(replies.at(url)) : std::nullopt;
+    }
+
+    std::map<std::string, std::string> replies;
+    Texts requests;
+};
+
+/// Writes down what the program asks of the desktop.
+struct RecordedDesktop final : platform::Application, platform::Workspace, platform::NotificationCenter {
+    void activateIgnoringOtherApps() override { ++activations; }
+    void terminate() override { ++terminations; }
+    void open(std::string const& url) override { opened.push_back(url); }
+    void setDelegate(platform::NotificationCenterDelegate* newDelegate) override { delegate = newDelegate; }
+    void deliver(platform::UserNotification const& notification) override { notified.push_back(notification.title); }
+    void removeDelivered(platform::NotificationId id) override { removed.push_back(id); }
+
+    int activations = 0;
+    int terminations = 0;
+    Texts opened;
+    Texts notified;
+    std::vector<platform::NotificationId> removed;
+    platform::NotificationCenterDelegate* delegate = nullptr;
+};
+
+/// The whole core on virtual time, from settings and cache files on disk to the models that a user would see.
+class ControllerTest : public ::testing::Test {
+protected:
+    static constexpr char const* home = "Home - K1";
+    static constexpr char const* cottage = "Cottage - K2";
+
+    ControllerTest()
+    {
+        // As after an earlier launch of this version; a test of the launch takes it back.
+        defaults.set(settings::lastInstalledVersion, bundle.shortVersion());
+        setReply("K1", 10);
+        setReply("K2", 20);
+        setReply("K3", 30);
+    }
+
+    /// Launches the program on what the settings hold now; nothing queued has run yet.
+    void launch()
+    {
+        controller.reset();
+        layout.reset();
+        outlets.emplace();
+        layout.emplace(*outlets, bundle, defaults);
+        controller.emplace(platform, *outlets);
+        layout->wire(*controller);
+        controller->applicationDidFinishLaunching();
+    }
+
+    /// Runs all that is queued and all background work, until nothing is left.
+    void settle()
+    {
+        runLoop.runQueued();
+        while (!queues.tasks.empty()) {
+            queues.run(0);
+            runLoop.runQueued();
+        }
+    }
+
+    void launchAndSettle()
+    {
+        launch();
+        settle();
+    }
+
+    void launchWith(Texts const& entries)
+    {
+        storeKeys(entries, entries.front());
+        launchAndSettle();
+    }
+
+    /// Passes time, with all that falls due in it.
+    void advance(platform::Seconds duration)
+    {
+        runLoop.advance(duration);
+        settle();
+    }
+
+    void refresh()
+    {
+        controller->updateButton();
+        settle();
+    }
+
+    void storeKeys(Texts const& entries, std::string const& selected)
+    {
+        defaults.set(settings::tarvoKeys, platform::Array(entries.begin(), entries.end()));
+        defaults.set(settings::tarvoKeySelected, selected);
+    }
+
+    static std::string addressOf(std::string const& key)
+    {
+        return "https://tarvo.example/account/usage/api?key=" + key;
+    }
+
+    /// What the provider answers for a key: a report with so many gigabytes in all, of which 40 percent are free.
+    void setReply(char const* key, int gigabytes)
+    {
+        auto const group = [gigabytes](int download, int upload) {
+            auto const bytes = [gigabytes](int tenths) { return std::to_string(gigabytes * tenths) + "00000000"; };
+            return "<download>" + bytes(download) + "</download><upload>" + bytes(upload) + "</upload>";
+        };
+        loader.replies[addressOf(key)] = "<r><used>" + group(5, 1) + "</used><grace>" + group(3, 1) + "</grace><total>"
+            + group(8, 2) + "</total></r>";
+    }
+
+    void failReply(char const* key) { loader.replies.erase(addressOf(key)); }
+    std::size_t requests() const { return loader.requests.size(); }
+
+    std::string const& title() { return controller->usageStatusItem().title.get(); }
+    std::string const& lastLine() const { return outlets->lastUpdateMenuItem->title.get(); }
+    std::string const& nextLine() const { return outlets->nextUpdateMenuItem->title.get(); }
+    std::string lastUpdate(platform::Date date) const { return "Last update: " + dates.string(date); }
+    std::string nextUpdate(platform::Date date) const { return "Next update: " + dates.string(date); }
+    platform::MenuItem& connection(std::size_t position) { return *outlets->connectionMenu.items().at(position); }
+
+    /// The visible lines of a menu, each with its check mark.
+    static Texts linesOf(platform::Menu const& menu)
+    {
+        Texts lines;
+        for (auto const& item : menu.items()) {
+            if (!item->hidden.get())
+                lines.push_back((item->on.get() ? "* " : "") + item->title.get());
+        }
+        return lines;
+    }
+
+    /// The text of the alert on a window.
+    static std::string alertOn(platform::Window const& window)
+    {
+        auto const* const alert = std::get_if<std::shared_ptr<platform::Alert const>>(&window.attachedSheet.get());
+        return alert ? (*alert)->messageText : std::string();
+    }
+
+    CacheData cache() const { return { folder.path(), "net.tarvo.UsageMeter", runLoop }; }
+    platform::Date at(int hour, int minute) const { return midnight + 1h * hour + 1min * minute; }
+
+    platform::Date const midnight { std::chrono::sys_days(std::chrono::year(2026) / 3 / 10) };
+    TemporaryFolder folder;
+    ManualRunLoop runLoop { at(10, 0) };
+    ManualQueues queues;
+    ScriptedLoader loader;
+    RecordedDesktop desktop;
+    platform::Bundle bundle = *platform::Bundle::open(USAGE_METER_BUNDLE, { "en" });
+    platform::UserDefaults defaults { folder.path() / "preferences.plist", runLoop };
+    platform::Platform platform { runLoop, queues, defaults, loader, bundle, desktop, desktop, &desktop,
+        folder.path() };
+    platform::DateFormatter dates { platform.dateLocale };
+
+    // Made anew by each launch.
+    std::optional<Outlets> outlets;
+    std::optional<MainLayout> layout;
+    std::optional<AppDelegate> controller;
+};

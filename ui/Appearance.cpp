@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// The controller's part in following the desktop: its light or dark appearance, and its waking from sleep.
+#include "app/AppDelegate.h"
+#include "app/Outlets.h"
+#include "platform/Bundle.h"
+#include "platform/Platform.h"
+
+void AppDelegate::updateDarkAppearance()
+{
+    // For a bundle without colours of its own.
+    constexpr platform::Color fixedBackground { 81, 180, 63 };
+    auto& window = outlets_.window;
+    window.backgroundColor.set(
+        platform_.bundle.namedColor("mainBackground", window.effectiveAppearance.get()).value_or(fixedBackground));
+}
+
+void AppDelegate::fileNotifications()
+{
+    observations_.push_back(platform_.runLoop.observeWake([this] { receiveWakeNote(); }));
+    observations_.push_back(
+        outlets_.window.effectiveAppearance.observeChanges([this](platform::Appearance) { updateDarkAppearance(); }));
+}

@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: MIT
+// The controller's part in confirming, adding and removing connections.
+#include "app/AppDelegate.h"
+#include "app/Outlets.h"
+#include "platform/BackgroundQueues.h"
+#include "platform/Platform.h"
+#include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
+#include "services/RetrieveKey.h"
+#include "storage/CacheData.h"
+#include "storage/KeyEntry.h"
+#include "storage/SettingsKeys.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+std::string filled(std::string format, std::string_view text)
+{
+    constexpr std::string_view place = "%@";
+    std::size_t const position = format.find(place);
+    return position == std::string::npos ? format : format.replace(position, place.size(), text);
+}
+
+}
+
+void AppDelegate::useConnection()
+{
+    bool const isFromSubmenu = std::exchange(usedMenuItemForSelection_, false);
+    // An item that was picked but has no text is no connection; no picked item at all is another matter.
+    if (auto const item = outlets_.tarvoUsageKeysComboBox.objectValueOfSelectedItem(); item && item->empty()) {
+        outlets_.window.makeKeyAndOrderFront();
+        outlets_.window.beginSheet({ .messageText = text("FAILURE_BLANK_CODE") });
+        return;
+    }
+
+    if (!isFromSubmenu) {
+        if (auto const entry = getCurrentlySelectedKey())
+            prefs_->set(
+                settings::usageCapValues, usageCapDictionaryByModifyingCap(outlets_.usageLimit.text.get(), entry));
+        outlets_.window.orderOut();
+    }
+    loadKeys();
+    updateUsageWithCache(true);
+}
+
+void AppDelegate::addKeyButton()
+{
+    showPreferences();
+    outlets_.window.beginSheet(outlets_.addKeyWindow);
+    checkCurrentKey();
+}
+
+void AppDelegate::cancelButton() { outlets_.window.endSheet(outlets_.addKeyWindow); }
+
+void AppDelegate::addKeyAction()
+{
+    if (KeyEntry::isAcceptable(outlets_.keyNewNickname.text.get(), outlets_.usageID.text.get()))
+        doAddKey();
+    else
+        showAlertOnAddKeyWindow({ .messageText = text("FAILURE_BLANK_CODE") });
+}
+
+void AppDelegate::doAddKey()
+{
+    if (addKeyWithNickname(outlets_.keyNewNickname.text.get(), outlets_.usageID.text.get()))
+        outlets_.window.endSheet(outlets_.addKeyWindow);
+    else
+        showAlertOnAddKeyWindow({ .messageText = text("FAILURE_KEY_EXISTS") });
+    // Even a refused key leads to fresh figures.
+    loadKeys();
+    updateUsageWithCache(false);
+}
+
+bool AppDelegate::addKeyWithNickname(std::string_view nickname, std::string_view withKey)
+{
+    auto const entry = KeyEntry::format(nickname, withKey);
+    auto entries = storedKeyEntries();
+    if (std::ranges::find(entries, entry) != entries.end())
+        return false;
+    entries.push_back(entry);
+    storeKeyEntries(entries);
+    prefs_->set(settings::tarvoKeySelected, entry);
+    outlets_.tarvoUsageKeysComboBox.text.set(entry);
+    outlets_.usageLimit.text.set({});
+    loadKeys();
+    return true;
+}
+
+void AppDelegate::checkCurrentKey() { checkCurrentKeyWithError(false); }
+
+void AppDelegate::autoRetrieveCodeButton() { checkCurrentKeyWithError(true); }
+
+void AppDelegate::checkCurrentKeyWithError(bool showError)
+{
+    platform_.backgroundQueues.async("tarvobackground", [this, showError] {
+        auto key = RetrieveKey(platform_.urlLoader, addresses()).keyForCurrentConnection();
+        platform_.runLoop.perform([this, showError, found = std::move(key)] { acceptLookup(found, showError); });
+    });
+}
+
+// The answer counts whenever it comes, whether or not the sheet is still open.
+void AppDelegate::acceptLookup(std::optional<std::string> const& key, bool showError)
+{
+    if (key)
+        outlets_.usageID.text.set(*key);
+    else if (showError)
+        showAlertOnAddKeyWindow({ .messageText = text("AUTO_FAILURE_TITLE"),
+            .informativeText = text("AUTO_FAILURE_MESSAGE"),
+            .buttons = { text("DISMISS") } });
+}
+
+// An alert that comes too late for its window goes to the one that the window stood on.
+void AppDelegate::showAlertOnAddKeyWindow(platform::Alert alert)
+{
+    auto& window = outlets_.addKeyWindow.visible.get() ? outlets_.addKeyWindow : outlets_.window;
+    window.beginSheet(std::move(alert));
+}
+
+void AppDelegate::removeKeyButton()
+{
+    auto const& comboBox = outlets_.tarvoUsageKeysComboBox;
+    if (comboBox.text.get().empty() || comboBox.items.get().empty())
+        return;
+    outlets_.window.beginSheet(
+        { .messageText = text("REMOVE_KEY_CONFIRM_TITLE"),
+            .informativeText
+            = filled(text("REMOVE_KEY_CONFIRM_INFORMATIVE_TEXT"), getCurrentlySelectedKey().value_or(std::string())),
+            .buttons = { text("REMOVE_KEY_CONFIRM_REMOVE_BUTTON"), text("REMOVE_KEY_CONFIRM_DONT_REMOVE_BUTTON") } },
+        [this](int returnCode) { doRemoveKeyAndAlert(returnCode); });
+}
+
+void AppDelegate::doRemoveKeyAndAlert(int andReturnCode)
+{
+    if (andReturnCode != platform::Alert::firstButtonReturn)
+        return;
+
+    auto& comboBox = outlets_.tarvoUsageKeysComboBox;
+    auto const entry = comboBox.text.get();
+    auto entries = storedKeyEntries();
+    std::erase(entries, entry);
+    if (entries.empty()) {
+        prefs_->remove(settings::tarvoKeys);
+        prefs_->remove(settings::tarvoKeySelected);
+    }
+    doRemoveKeyFromUsageCapDictionary(entry);
+    if (auto const key = KeyEntry::parse(entry).key)
+        cacheData().removeCacheFile(*key);
+    outlets_.usageLimit.text.set({});
+    storeKeyEntries(entries);
+    loadKeys();
+    selectFirstKey();
+
+    if (entries.empty())
+        updateMenuBarLoading();
+    else
+        updateUsageWithCache(true);
+}
+
+void AppDelegate::selectFirstKey()
+{
+    auto& comboBox = outlets_.tarvoUsageKeysComboBox;
+    if (comboBox.items.get().empty()) {
+        comboBox.text.set({});
+        return;
+    }
+    comboBox.selectItemAtIndex(0);
+    auto const first = comboBox.items.get().front();
+    prefs_->set(settings::tarvoKeySelected, first);
+    if (auto key = KeyEntry::parse(first).key)
+        selectedKey_ = *std::move(key);
+    // The submenu was built before there was a selection for its check mark.
+    if (comboBox.items.get().size() >= 2)
+        doUpdateSubMenu();
+}
+
+void AppDelegate::getUsageCode() { platform_.workspace.open(addresses().helpPage()); }
+
+// Updates come with the system's packages.
+void AppDelegate::checkUpdates() { }
+
+// Nothing to show: the program has no window for the day-by-day page.
+void AppDelegate::viewDailyUsageDataButton() { }
+
+void AppDelegate::comboBoxSelectionDidChange() { doUpdateUsageCapText(); }

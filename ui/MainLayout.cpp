@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+#include "ui/MainLayout.h"
+
+#include "app/AppDelegate.h"
+#include "app/Outlets.h"
+#include "platform/Binding.h"
+#include "platform/Bundle.h"
+#include "platform/UserDefaults.h"
+#include "storage/SettingsKeys.h"
+
+namespace {
+
+// Tells the usage window's own button from the menu's command.
+constexpr int detailedUsageTag = 69;
+// In hours.
+constexpr int longestInterval = 24;
+// Where a text takes its number.
+constexpr std::string_view numberPlace = "%i";
+
+std::vector<std::string> intervalTitles(platform::Bundle const& bundle)
+{
+    std::vector<std::string> titles { bundle.localizedString("INTERVAL_NEVER"),
+        bundle.localizedString("INTERVAL_HOUR") };
+    auto const several = bundle.localizedString("INTERVAL_HOURS");
+    std::size_t const place = several.find(numberPlace);
+    auto const before = several.substr(0, place);
+    auto const after = place == std::string::npos ? std::string() : several.substr(place + numberPlace.size());
+    for (int hours = 2; hours <= longestInterval; ++hours)
+        titles.push_back(std::string(before).append(std::to_string(hours)).append(after));
+    return titles;
+}
+
+std::shared_ptr<platform::MenuItem> separator()
+{
+    auto item = std::make_shared<platform::MenuItem>();
+    item->isSeparator = true;
+    return item;
+}
+
+}
+
+MainLayout::MainLayout(Outlets& outlets, platform::Bundle const& bundle, platform::UserDefaults& userDefaults)
+    : outlets_(outlets)
+    , bundle_(bundle)
+{
+    outlets.window.title.set(bundle.localizedString("PREFERENCES_TITLE"));
+    outlets.addKeyWindow.title.set(bundle.localizedString("ADD_KEY_TITLE"));
+    outlets.monitorWindow.title.set(bundle.localizedString("TARVO_TITLE_NEW"));
+    outlets.changeConnectionMenuItem->title.set(bundle.localizedString("CHANGE_CONNECTION"));
+    for (auto const& [item, label] : { std::pair(outlets.usageCapMenuItem, "USAGE_CAP"),
+             std::pair(outlets.remainingUsageMenuItem, "REMAINING_USAGE") })
+        item->title.set(bundle.localizedString(label) + " " + bundle.localizedString("SELECT_KEY"));
+    // They have nothing to show before the first report.
+    for (auto const& item : { outlets.uploadedMenuItem, outlets.usageCapMenuItem, outlets.remainingUsageMenuItem,
+             outlets.changeConnectionMenuItem })
+        item->hidden.set(true);
+    for (auto* const toggle : { &outlets.usageCapToggle, &outlets.remainingUsageToggle, &outlets.lastUpdateToggle,
+             &outlets.nextUpdateToggle })
+        toggle->on.set(true);
+    outlets.usageBar.hidden.set(true);
+    outlets.usageBar.opacity.set(0.0);
+    outlets.usageCapPercentageText.hidden.set(true);
+    outlets.usageCapPercentageText.opacity.set(0.0);
+    outlets.cacheClearedText.text.set(bundle.localizedString("CACHE_CLEARED"));
+    outlets.cacheClearedText.hidden.set(true);
+    outlets.detailedUsageButton.tag = detailedUsageTag;
+
+    outlets.updateIntervalPopupButton.items.set(intervalTitles(bundle));
+    outlets.statusBarDropdown.items.set({ bundle.localizedString("TITLE_USED"), bundle.localizedString("TITLE_FREE"),
+        bundle.localizedString("TITLE_TOTAL"), bundle.localizedString("TITLE_REMAINING") });
+
+    auto const keep = [&](char const* key, auto& control) {
+        bindings_.push_back(platform::bindToSetting(userDefaults, key, control));
+    };
+    keep(settings::tarvoKeySelected, outlets.tarvoUsageKeysComboBox);
+    keep(settings::menuBarSelector, outlets.statusBarDropdown);
+    keep(settings::hourUpdateInterval, outlets.updateIntervalPopupButton);
+    keep(settings::showNotificationsMenu, outlets.showNotificationsToggle);
+    keep(settings::showUsageCap, outlets.usageCapToggle);
+    keep(settings::showRemainingUsage, outlets.remainingUsageToggle);
+    keep(settings::showLastUpdate, outlets.lastUpdateToggle);
+    keep(settings::showNextUpdate, outlets.nextUpdateToggle);
+    keep(settings::showOnlyNicknames, outlets.onlyKeyNicknamesToggle);
+}
+
+void MainLayout::wire(AppDelegate& controller)
+{
+    fillMenu(controller);
+    auto const wireButton = [&controller](platform::Button& button, void (AppDelegate::*operation)()) {
+        button.action = [&controller, operation](platform::Sender) { (controller.*operation)(); };
+    };
+    wireButton(outlets_.useConnectionButton, &AppDelegate::useConnection);
+    wireButton(outlets_.addKeyButton, &AppDelegate::addKeyButton);
+    wireButton(outlets_.removeKeyButton, &AppDelegate::removeKeyButton);
+    wireButton(outlets_.clearCacheButton, &AppDelegate::clearCacheButton);
+    wireButton(outlets_.autoRetrieveCodeButton, &AppDelegate::autoRetrieveCodeButton);
+    wireButton(outlets_.getUsageCodeButton, &AppDelegate::getUsageCode);
+    wireButton(outlets_.cancelButton, &AppDelegate::cancelButton);
+    wireButton(outlets_.confirmKeyButton, &AppDelegate::addKeyAction);
+    wireButton(outlets_.detailedUsageButton, &AppDelegate::viewDailyUsageDataButton);
+    outlets_.addKeyWindow.closeAction = [&controller] { controller.cancelButton(); };
+    auto const showBy = [](platform::CheckBox& toggle, Outlets::MenuItem const& item) {
+        toggle.action = [&toggle, item] { item->hidden.set(!toggle.on.get()); };
+    };
+    showBy(outlets_.usageCapToggle, outlets_.usageCapMenuItem);
+    showBy(outlets_.remainingUsageToggle, outlets_.remainingUsageMenuItem);
+    showBy(outlets_.lastUpdateToggle, outlets_.lastUpdateMenuItem);
+    showBy(outlets_.nextUpdateToggle, outlets_.nextUpdateMenuItem);
+    outlets_.onlyKeyNicknamesToggle.action = [&controller] { controller.changeOnlyKeyNicknames(); };
+    outlets_.statusBarDropdown.action = [&controller] { controller.changeStatusBarDropdown(); };
+    outlets_.updateIntervalPopupButton.action = [&controller] { controller.doChangeUpdateIntervalDropdown(); };
+    // Where the cap is set.
+    outlets_.usageCapMenuItem->action = [&controller](platform::Sender) { controller.clickMenuItem(); };
+}
+
+void MainLayout::fillMenu(AppDelegate& controller)
+{
+    auto const command = [this, &controller](char const* titleKey, void (AppDelegate::*operation)()) {
+        auto item = std::make_shared<platform::MenuItem>();
+        item->title.set(bundle_.localizedString(titleKey));
+        item->action = [&controller, operation](platform::Sender) { (controller.*operation)(); };
+        return item;
+    };
+    outlets_.changeConnectionMenuItem->submenu = &outlets_.connectionMenu;
+    // Every group keeps a visible line whatever the user hides, so that no two separators meet.
+    outlets_.dropDownMenu.setItems({
+        outlets_.downloadedMenuItem,
+        outlets_.freeDownloadedMenuItem,
+        outlets_.uploadedMenuItem,
+        outlets_.totalUsageMenuItem,
+        outlets_.usageCapMenuItem,
+        outlets_.remainingUsageMenuItem,
+        outlets_.lastUpdateMenuItem,
+        outlets_.nextUpdateMenuItem,
+        separator(),
+        outlets_.changeConnectionMenuItem,
+        command("UPDATE_NOW", &AppDelegate::updateButton),
+        separator(),
+        command("USAGE_WINDOW", &AppDelegate::showUsageWindow),
+        command("DETAILED_USAGE_TITLE", &AppDelegate::viewDailyUsageDataButton),
+        command("PREFERENCES", &AppDelegate::showPreferences),
+        separator(),
+        command("QUIT", &AppDelegate::quitButton),
+    });
+}

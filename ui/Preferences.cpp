@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+// The controller's part in the preferences window.
+#include "app/AppDelegate.h"
+#include "app/Outlets.h"
+#include "app/UsageFigures.h"
+#include "platform/Platform.h"
+#include "storage/CacheData.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr platform::Seconds messageFade = 1500ms;
+constexpr platform::Seconds messageStay = 5s;
+
+}
+
+void AppDelegate::updateDesign()
+{
+    constexpr platform::Color white { 255, 255, 255 };
+    for (auto* const toggle : { &outlets_.usageCapToggle, &outlets_.lastUpdateToggle, &outlets_.remainingUsageToggle,
+             &outlets_.nextUpdateToggle, &outlets_.onlyKeyNicknamesToggle, &outlets_.showNotificationsToggle })
+        toggle->titleColor.set(white);
+}
+
+void AppDelegate::doUpdateUsageCapText()
+{
+    auto const entry = getCurrentlySelectedKey();
+    auto const cap = entry ? usageCapForKey(*entry) : std::nullopt;
+    outlets_.usageLimit.text.set(cap.value_or(std::string()));
+}
+
+void AppDelegate::clearCache() { cacheData().clearCache(); }
+
+void AppDelegate::clearCacheButton()
+{
+    clearCache();
+    if (animationRanAlready_) {
+        animateSuccessMessageWithAnimationTime(messageFade, true);
+        return;
+    }
+    animateSuccessMessageWithAnimationTime(platform::Seconds::zero(), false);
+    animationRanAlready_ = true;
+}
+
+void AppDelegate::animateSuccessMessageWithAnimationTime(platform::Seconds duration, bool andAnimatingIn)
+{
+    auto& message = outlets_.cacheClearedText;
+    if (duration == platform::Seconds::zero()) {
+        // Whatever the layout made of the message, it begins transparent.
+        fadeMessage(0.0, duration, [this] {
+            outlets_.cacheClearedText.hidden.set(false);
+            fadeMessage(1.0, messageFade, [this] { hideMessageLater(); });
+        });
+        return;
+    }
+    message.opacity.set(andAnimatingIn ? 0.0 : 1.0);
+    message.hidden.set(false);
+    fadeMessage(andAnimatingIn ? 1.0 : 0.0, duration, [this, andAnimatingIn] {
+        if (andAnimatingIn)
+            hideMessageLater();
+        else
+            outlets_.cacheClearedText.hidden.set(true);
+    });
+}
+
+void AppDelegate::hideCacheClearedText() { animateSuccessMessageWithAnimationTime(messageFade, false); }
+
+void AppDelegate::fadeMessage(double opacity, platform::Seconds duration, platform::Task completion)
+{
+    platform::animate(
+        platform_.runLoop, { &outlets_.cacheClearedText.opacity }, opacity, duration, std::move(completion));
+}
+
+void AppDelegate::hideMessageLater()
+{
+    platform_.runLoop.performAfter(messageStay, [this] { hideCacheClearedText(); });
+}
+
+void AppDelegate::changeOnlyKeyNicknames()
+{
+    if (outlets_.tarvoUsageKeysComboBox.items.get().size() >= 2)
+        doUpdateSubMenu();
+}
+
+void AppDelegate::changeStatusBarDropdown()
+{
+    if (waiting_ || !usageDictionary_)
+        return;
+    auto figures = UsageFigures::fromReport(*usageDictionary_, outlets_.usageLimit.text.get());
+    auto const unit = figures.scaleToDisplayUnit();
+    usageStatusItem_.title.set(statusTitle(figures, unit));
+}

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+// The controller's part in the status item's menu: the waiting state, the commands and the connection submenu.
+#include "app/AppDelegate.h"
+#include "app/Outlets.h"
+#include "platform/Application.h"
+#include "platform/Platform.h"
+#include "platform/UserDefaults.h"
+#include "storage/KeyEntry.h"
+#include "storage/SettingsKeys.h"
+
+void AppDelegate::updateMenuBarLoading()
+{
+    waiting_ = true;
+    usageStatusItem_.title.set(text("PLEASE_WAIT"));
+    auto const placeholder = text("SELECT_KEY");
+    outlets_.downloadedMenuItem->title.set(labelled("DOWNLOADED_QUOTA", placeholder));
+    outlets_.freeDownloadedMenuItem->title.set(labelled("DOWNLOADED_GRACE", placeholder));
+    outlets_.totalUsageMenuItem->title.set(labelled("TOTAL_USAGE", placeholder));
+    outlets_.lastUpdateMenuItem->title.set(labelled("LAST_UPDATE", placeholder));
+    outlets_.nextUpdateMenuItem->title.set(labelled("NEXT_UPDATE", placeholder));
+}
+
+void AppDelegate::clickMenuItem() { outlets_.window.makeKeyAndOrderFront(); }
+
+void AppDelegate::showPreferences()
+{
+    outlets_.window.makeKeyAndOrderFront();
+    platform_.application.activateIgnoringOtherApps();
+}
+
+void AppDelegate::showUsageWindow() { outlets_.monitorWindow.makeKeyAndOrderFront(); }
+
+void AppDelegate::updateButton() { updateUsageWithCache(false); }
+
+void AppDelegate::quitButton() { platform_.application.terminate(); }
+
+void AppDelegate::doUpdateSubMenu()
+{
+    auto const selected = getCurrentlySelectedKey();
+    bool const onlyNicknames = outlets_.onlyKeyNicknamesToggle.on.get();
+    platform::Menu::Items items;
+    for (auto const& entry : outlets_.tarvoUsageKeysComboBox.items.get()) {
+        auto item = std::make_shared<platform::MenuItem>();
+        item->title.set(onlyNicknames ? KeyEntry::parse(entry).nickname : entry);
+        item->tag = static_cast<int>(items.size());
+        item->on.set(entry == selected);
+        item->action = [this](platform::Sender sender) { doSelectSubMenuWithMenuItem(sender); };
+        items.push_back(std::move(item));
+    }
+    outlets_.connectionMenu.setItems(std::move(items));
+}
+
+void AppDelegate::doSelectSubMenuWithMenuItem(platform::Sender sender)
+{
+    int index = 0;
+    if (auto* const* const item = std::get_if<platform::MenuItem*>(&sender))
+        index = (*item)->tag;
+    else if (auto* const* const button = std::get_if<platform::Button*>(&sender))
+        index = (*button)->tag;
+
+    auto& comboBox = outlets_.tarvoUsageKeysComboBox;
+    if (index < 0 || static_cast<std::size_t>(index) >= comboBox.items.get().size())
+        return;
+    comboBox.selectItemAtIndex(static_cast<std::size_t>(index));
+    if (auto entry = getCurrentlySelectedKey())
+        prefs_->set(settings::tarvoKeySelected, *std::move(entry));
+    usedMenuItemForSelection_ = true;
+    useConnection();
+}
