@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusServiceWatcher>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+/// The list of status items on a desktop, after the org.kde.StatusNotifierWatcher protocol. It says that there is a
+/// panel, though nothing is drawn. Its slots and signals carry the names of that protocol.
+class StatusNotifierWatcher : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
+    Q_PROPERTY(QStringList RegisteredStatusNotifierItems READ items)
+    Q_PROPERTY(bool IsStatusNotifierHostRegistered READ hasHost CONSTANT)
+    Q_PROPERTY(int ProtocolVersion READ protocolVersion CONSTANT)
+
+public:
+    explicit StatusNotifierWatcher(QDBusConnection bus);
+    /// Gives the name back.
+    ~StatusNotifierWatcher() override;
+
+    /// Takes the watcher's name; false where another program has it.
+    bool start();
+
+    QStringList items() const { return items_; }
+    bool hasHost() const { return true; }
+    int protocolVersion() const { return 0; }
+
+public Q_SLOTS:
+    /// Takes a bus name, or the path of an object of the caller's.
+    Q_SCRIPTABLE void RegisterStatusNotifierItem(QString const& service);
+    Q_SCRIPTABLE void RegisterStatusNotifierHost(QString const& service);
+
+Q_SIGNALS:
+    Q_SCRIPTABLE void StatusNotifierItemRegistered(QString const& item);
+    Q_SCRIPTABLE void StatusNotifierItemUnregistered(QString const& item);
+    Q_SCRIPTABLE void StatusNotifierHostRegistered();
+
+private:
+    void forget(QString const& service);
+
+    QDBusConnection bus_;
+    QDBusServiceWatcher owners_;
+    /// Bus name and path in one text.
+    QStringList items_;
+};

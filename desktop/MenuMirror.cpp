@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/MenuMirror.h"
+
+#include "desktop/Text.h"
+
+#include <QAction>
+
+#include <algorithm>
+
+MenuMirror::MenuMirror(platform::Menu& menu, QWidget* parent)
+    : QMenu(parent)
+    , menu_(menu)
+    , update_([this] { synchronize(); })
+    , changes_(menu, [this] { update_.request(); })
+{
+    synchronize();
+}
+
+void MenuMirror::synchronize()
+{
+    shown_ = menu_.items();
+    auto lines = actions();
+    while (lines.size() > static_cast<qsizetype>(shown_.size()))
+        delete lines.takeLast();
+    while (lines.size() < static_cast<qsizetype>(shown_.size())) {
+        auto* const action = new QAction(this);
+        connect(action, &QAction::triggered, this, [this, action] { click(action); });
+        addAction(action);
+        lines.push_back(action);
+    }
+    bool const hasMark = std::ranges::any_of(shown_, [](auto const& item) { return item->on.get(); });
+    for (std::size_t i = 0; i < shown_.size(); ++i)
+        show(*shown_[i], hasMark, *lines[static_cast<qsizetype>(i)]);
+}
+
+void MenuMirror::show(platform::MenuItem const& item, bool isChoice, QAction& action)
+{
+    action.setText(asLabel(item.title.get()));
+    action.setSeparator(item.isSeparator);
+    action.setVisible(!item.hidden.get());
+    action.setCheckable(isChoice && !item.isSeparator);
+    action.setChecked(item.on.get());
+    showSubmenu(item.submenu, action);
+}
+
+void MenuMirror::showSubmenu(platform::Menu* submenu, QAction& action)
+{
+    auto* const present = qobject_cast<MenuMirror*>(action.menu());
+    if (present && submenu == &present->menu_)
+        return;
+    delete present;
+    if (submenu)
+        action.setMenu(new MenuMirror(*submenu, this));
+}
+
+void MenuMirror::click(QAction* action)
+{
+    auto const place = actions().indexOf(action);
+    auto const item = shown_.at(static_cast<std::size_t>(place));
+    // The toolkit has moved the mark by itself; where it stands is the model's to say.
+    action->setChecked(item->on.get());
+    item->userClicked();
+}

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "desktop/MenuObserver.h"
+#include "desktop/OncePerTurn.h"
+#include "platform/Menu.h"
+
+#include <QMenu>
+
+/// A menu of our own windows that shows a model and passes on the user's clicks. It follows the model at the end of
+/// each main-loop turn. The model and its submenus must outlive it. Main thread only.
+class MenuMirror : public QMenu {
+    Q_OBJECT
+
+public:
+    explicit MenuMirror(platform::Menu& menu, QWidget* parent = nullptr);
+
+private:
+    void synchronize();
+    void show(platform::MenuItem const& item, bool isChoice, QAction& action);
+    void showSubmenu(platform::Menu* submenu, QAction& action);
+    void click(QAction* action);
+
+    platform::Menu& menu_;
+    /// The lines as they are shown: a click is meant for what the user saw.
+    platform::Menu::Items shown_;
+    OncePerTurn update_;
+    MenuObserver changes_;
+};

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/StatusArea.h"
+
+#include "desktop/Text.h"
+
+#include "desktop/PendingCall.h"
+
+#include <QCursor>
+#include <QDBusMessage>
+#include <QDBusPendingReply>
+#include <QSystemTrayIcon>
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+// A panel that is started anew is back by then.
+constexpr auto graceOfWatcher = 1500ms;
+
+QString watcherName() { return QStringLiteral("org.kde.StatusNotifierWatcher"); }
+
+}
+
+StatusArea::StatusArea(platform::StatusItem& item, Handlers handlers, QDBusConnection bus)
+    : item_(item)
+    , handlers_(std::move(handlers))
+    , bus_(std::move(bus))
+    , notifierItem_(item)
+    , dbusMenu_(item.menu())
+{
+    grace_.setSingleShot(true);
+    grace_.setInterval(graceOfWatcher);
+    connect(&grace_, &QTimer::timeout, this, &StatusArea::fallBack);
+    if (bus_.isConnected())
+        connectItem();
+    else
+        QMetaObject::invokeMethod(this, &StatusArea::fallBack, Qt::QueuedConnection);
+}
+
+StatusArea::~StatusArea() = default;
+
+void StatusArea::connectItem()
+{
+    // The panel asks for both as soon as it hears of the item.
+    bus_.registerObject(
+        QLatin1String(StatusNotifierItem::path), &notifierItem_, QDBusConnection::ExportScriptableContents);
+    bus_.registerObject(
+        QLatin1String(StatusNotifierItem::menuPath), &dbusMenu_, QDBusConnection::ExportScriptableContents);
+
+    connect(&notifierItem_, &StatusNotifierItem::menuRequested, this, &StatusArea::popUpMenu, Qt::QueuedConnection);
+    connect(&notifierItem_, &StatusNotifierItem::activationTokenProvided, this, [this](QString const& token) {
+        if (handlers_.activationToken)
+            handlers_.activationToken(token);
+    });
+    connect(&watcherOwner_, &QDBusServiceWatcher::serviceOwnerChanged, this,
+        [this](QString const&, QString const&, QString const& owner) { ownerChanged(owner); });
+    watcherOwner_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    watcherOwner_.setConnection(bus_);
+    watcherOwner_.addWatchedService(watcherName());
+    registerItem();
+}
+
+void StatusArea::registerItem()
+{
+    // Asked first, so that the answer is here before the panel asks for the icon.
+    askForLook();
+    auto call = QDBusMessage::createMethodCall(watcherName(), QStringLiteral("/StatusNotifierWatcher"), watcherName(),
+        QStringLiteral("RegisterStatusNotifierItem"));
+    call.setArguments({ bus_.baseService() });
+    call.setAutoStartService(false);
+    whenFinished(bus_.asyncCall(call), this, [this](QDBusPendingCall const& reply) {
+        if (reply.isError()) {
+            grace_.start();
+            return;
+        }
+        grace_.stop();
+        trayTitle_ = {};
+        trayIcon_.reset();
+        if (handlers_.placed)
+            handlers_.placed();
+    });
+}
+
+void StatusArea::askForLook()
+{
+    auto call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("GetConnectionUnixProcessID"));
+    call.setArguments({ watcherName() });
+    whenFinished(bus_.asyncCall(call), this, [this](QDBusPendingCall const& finished) {
+        QDBusPendingReply<uint> const reply = finished;
+        if (!reply.isError())
+            notifierItem_.setLook(statusLookOf(processName(reply.value())));
+    });
+}
+
+void StatusArea::ownerChanged(QString const& owner)
+{
+    if (owner.isEmpty())
+        grace_.start();
+    else
+        registerItem();
+}
+
+void StatusArea::fallBack()
+{
+    // Asked only now: the toolkit settles on a kind of tray once, by what it finds at the first question.
+    if (QSystemTrayIcon::isSystemTrayAvailable())
+        showTrayIcon();
+    else if (handlers_.noStatusArea)
+        handlers_.noStatusArea();
+}
+
+void StatusArea::showTrayIcon()
+{
+    trayIcon_ = std::make_unique<QSystemTrayIcon>();
+    connect(trayIcon_.get(), &QSystemTrayIcon::activated, this, &StatusArea::popUpMenu);
+    trayTitle_ = item_.title.observe([this](std::string const& title) {
+        auto const text = toQt(title);
+        trayIcon_->setIcon(statusIcon(text));
+        trayIcon_->setToolTip(text);
+    });
+    trayIcon_->show();
+}
+
+void StatusArea::popUpMenu()
+{
+    if (!menu_)
+        menu_ = std::make_unique<MenuMirror>(item_.menu());
+    menu_->popup(QCursor::pos());
+}

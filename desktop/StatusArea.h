@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "desktop/DBusMenu.h"
+#include "desktop/MenuMirror.h"
+#include "desktop/StatusNotifierItem.h"
+#include "platform/StatusItem.h"
+
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+
+class QSystemTrayIcon;
+
+/// Puts the status item where the desktop has a place for it: with a StatusNotifierItem panel, else in an older tray,
+/// else nowhere. It follows panels that come and go. The model must outlive it. Main thread only.
+class StatusArea : public QObject {
+    Q_OBJECT
+
+public:
+    struct Handlers {
+        /// Called from the main loop each time that the item has no place to be.
+        std::function<void()> noStatusArea;
+        /// Called when the item has a place with a panel.
+        std::function<void()> placed;
+        /// A token to come to the front with, told before the click that it belongs to.
+        std::function<void(QString const& token)> activationToken;
+    };
+
+    /// Registers the item at once, and waits for nobody. A bus that is not connected is a desktop without panels.
+    StatusArea(platform::StatusItem& item, Handlers handlers, QDBusConnection bus = QDBusConnection::sessionBus());
+    ~StatusArea() override;
+
+private:
+    void connectItem();
+    void registerItem();
+    void askForLook();
+    void ownerChanged(QString const& owner);
+    void fallBack();
+    void showTrayIcon();
+    void popUpMenu();
+
+    platform::StatusItem& item_;
+    Handlers handlers_;
+    QDBusConnection bus_;
+    StatusNotifierItem notifierItem_;
+    DBusMenu dbusMenu_;
+    QDBusServiceWatcher watcherOwner_;
+    /// Runs only while there is no watcher.
+    QTimer grace_;
+    /// Made when a panel first leaves the menu to us.
+    std::unique_ptr<MenuMirror> menu_;
+    std::unique_ptr<QSystemTrayIcon> trayIcon_;
+    platform::Subscription trayTitle_;
+};

@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/StatusIcon.h"
+
+#include <QFont>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPixmap>
+#include <QtEndian>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr std::array usualSizes { 16, 22, 24, 32, 44, 48, 64 };
+constexpr int wideHeight = 48;
+// A word of more letters than this is broken.
+constexpr qsizetype longestWord = 6;
+// The share of the height that a figure takes from its unit.
+constexpr double figureShare = 0.56;
+// How far letters are squeezed to stand taller.
+constexpr double narrowest = 0.6;
+
+QFont iconFont()
+{
+    QFont font;
+    font.setBold(true);
+    font.setPixelSize(100);
+    return font;
+}
+
+QPainterPath letters(QString const& text)
+{
+    QPainterPath path;
+    path.addText(0, 0, iconFont(), text);
+    return path;
+}
+
+// The text as large as the cell allows, in its middle.
+QPainterPath fitted(QString const& text, QRectF const& cell)
+{
+    auto const path = letters(text);
+    auto const bounds = path.boundingRect();
+    if (bounds.isEmpty())
+        return {};
+    double const widest = cell.width() / bounds.width();
+    double const tall = std::min(cell.height() / bounds.height(), widest / narrowest);
+    double const wide = std::min(widest, tall);
+    QTransform place;
+    place.translate(cell.center().x(), cell.center().y());
+    place.scale(wide, tall);
+    place.translate(-bounds.center().x(), -bounds.center().y());
+    return place.map(path);
+}
+
+double outlineOf(int height) { return std::max(1.5, height / 12.0); }
+
+QImage paint(QPainterPath const& path, QSize const& size)
+{
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.strokePath(
+        path, QPen(QColor(0, 0, 0, 225), outlineOf(size.height()), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.fillPath(path, Qt::white);
+    painter.end();
+    return image.convertToFormat(QImage::Format_ARGB32);
+}
+
+QStringList halves(QString const& text, qsizetype end, qsizetype begin)
+{
+    return { text.left(end).trimmed(), text.mid(begin).trimmed() };
+}
+
+// Breaks at the blank nearest to the middle.
+QStringList wrapped(QString const& text)
+{
+    auto const middle = text.size() / 2;
+    qsizetype best = -1;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        if (text[at].isSpace() && (best < 0 || qAbs(at - middle) < qAbs(best - middle)))
+            best = at;
+    }
+    if (best >= 0)
+        return halves(text, best, best);
+    if (text.size() <= longestWord)
+        return { text };
+    return halves(text, (text.size() + 1) / 2, (text.size() + 1) / 2);
+}
+
+StatusPixmap encoded(QImage const& image)
+{
+    StatusPixmap pixmap { image.width(), image.height(), QByteArray(image.sizeInBytes(), Qt::Uninitialized) };
+    qToBigEndian<quint32>(image.constBits(), qsizetype { image.width() } * image.height(), pixmap.pixels.data());
+    return pixmap;
+}
+
+}
+
+QDBusArgument& operator<<(QDBusArgument& argument, StatusPixmap const& pixmap)
+{
+    argument.beginStructure();
+    argument << pixmap.width << pixmap.height << pixmap.pixels;
+    argument.endStructure();
+    return argument;
+}
+
+QDBusArgument const& operator>>(QDBusArgument const& argument, StatusPixmap& pixmap)
+{
+    argument.beginStructure();
+    argument >> pixmap.width >> pixmap.height >> pixmap.pixels;
+    argument.endStructure();
+    return argument;
+}
+
+QStringList statusIconLines(QString const& title)
+{
+    auto const text = title.trimmed();
+    if (text.isEmpty())
+        return {};
+    qsizetype lastDigit = text.size() - 1;
+    while (lastDigit >= 0 && !text[lastDigit].isDigit())
+        --lastDigit;
+    if (lastDigit == text.size() - 1)
+        return { text };
+    if (lastDigit >= 0)
+        return halves(text, lastDigit + 1, lastDigit + 1);
+    if (text.endsWith(QChar(0x2026)))
+        return { text.right(1) };
+    return wrapped(text);
+}
+
+QImage drawStatusIcon(QString const& title, int size)
+{
+    auto const lines = statusIconLines(title);
+    double const margin = outlineOf(size) / 2;
+    QRectF const room(margin, margin, size - 2 * margin, size - 2 * margin);
+    if (lines.size() < 2)
+        return paint(fitted(lines.value(0), room), { size, size });
+
+    bool const isFigure = lines[0].back().isDigit();
+    double const gap = margin * 1.5;
+    double const upper = (room.height() - gap) * (isFigure ? figureShare : 0.5);
+    QRectF const top(room.left(), room.top(), room.width(), upper);
+    QRectF const bottom(room.left(), room.top() + upper + gap, room.width(), room.height() - upper - gap);
+    return paint(fitted(lines[0], top) + fitted(lines[1], bottom), { size, size });
+}
+
+QImage drawWideStatusIcon(QString const& title, int height)
+{
+    auto path = letters(title);
+    auto const bounds = path.boundingRect();
+    double const margin = outlineOf(height) / 2;
+    // Capitals take half of a panel's height, about as its own texts do.
+    double const scale = height * 0.5 / letters(QStringLiteral("0")).boundingRect().height();
+    QTransform place;
+    place.translate(margin, height / 2.0);
+    place.scale(scale, scale);
+    place.translate(-bounds.left(), -bounds.center().y());
+    path = place.map(path);
+    return paint(path, { std::max(1, qCeil(bounds.width() * scale + 2 * margin)), height });
+}
+
+QList<StatusPixmap> statusPixmaps(QString const& title, StatusLook look)
+{
+    if (look == StatusLook::WideIcon)
+        return { encoded(drawWideStatusIcon(title, wideHeight)) };
+    if (look == StatusLook::Label) {
+        // No icon at all would be shown as a missing one.
+        QImage image(1, 1, QImage::Format_ARGB32);
+        image.fill(Qt::transparent);
+        return { encoded(image) };
+    }
+    QList<StatusPixmap> pixmaps;
+    for (int const size : usualSizes)
+        pixmaps.push_back(encoded(drawStatusIcon(title, size)));
+    return pixmaps;
+}
+
+QIcon statusIcon(QString const& title)
+{
+    QIcon icon;
+    for (int const size : usualSizes)
+        icon.addPixmap(QPixmap::fromImage(drawStatusIcon(title, size)));
+    return icon;
+}

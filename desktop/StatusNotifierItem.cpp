@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/StatusNotifierItem.h"
+
+#include "desktop/Text.h"
+
+#include "platform/Menu.h"
+
+#include <QDBusMetaType>
+
+#include <utility>
+
+QDBusArgument& operator<<(QDBusArgument& argument, StatusToolTip const& toolTip)
+{
+    argument.beginStructure();
+    argument << toolTip.iconName << toolTip.icon << toolTip.title << toolTip.text;
+    argument.endStructure();
+    return argument;
+}
+
+QDBusArgument const& operator>>(QDBusArgument const& argument, StatusToolTip& toolTip)
+{
+    argument.beginStructure();
+    argument >> toolTip.iconName >> toolTip.icon >> toolTip.title >> toolTip.text;
+    argument.endStructure();
+    return argument;
+}
+
+StatusNotifierItem::StatusNotifierItem(platform::StatusItem& item)
+    : item_(item)
+    , told_ { title(), details(), look_ }
+    , update_([this] { update(); })
+    , titleChanges_(item.title.observeChanges([this](std::string const&) { update_.request(); }))
+    , menuChanges_(item.menu(), [this] { update_.request(); })
+{
+    qDBusRegisterMetaType<StatusPixmap>();
+    qDBusRegisterMetaType<QList<StatusPixmap>>();
+    qDBusRegisterMetaType<StatusToolTip>();
+}
+
+void StatusNotifierItem::setLook(StatusLook look)
+{
+    look_ = look;
+    pixmaps_.clear();
+    update_.request();
+}
+
+QList<StatusPixmap> StatusNotifierItem::iconPixmap()
+{
+    auto const shown = title();
+    if (pixmaps_.isEmpty() || std::exchange(drawnTitle_, shown) != shown)
+        pixmaps_ = statusPixmaps(shown, look_);
+    return pixmaps_;
+}
+
+StatusToolTip StatusNotifierItem::toolTip() const { return { {}, {}, title(), details().toHtmlEscaped() }; }
+
+void StatusNotifierItem::Activate(int /*x*/, int /*y*/) { Q_EMIT menuRequested(); }
+
+void StatusNotifierItem::SecondaryActivate(int /*x*/, int /*y*/) { Q_EMIT menuRequested(); }
+
+void StatusNotifierItem::ContextMenu(int /*x*/, int /*y*/) { Q_EMIT menuRequested(); }
+
+void StatusNotifierItem::Scroll(int /*delta*/, QString const& /*orientation*/) { }
+
+void StatusNotifierItem::ProvideXdgActivationToken(QString const& token) { Q_EMIT activationTokenProvided(token); }
+
+// The menu's first group says how things are; what follows does something.
+QString StatusNotifierItem::details() const
+{
+    QStringList lines;
+    for (auto const& item : item_.menu().items()) {
+        if (item->isSeparator)
+            break;
+        if (!item->hidden.get())
+            lines.push_back(toQt(item->title.get()));
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+void StatusNotifierItem::update()
+{
+    auto const before = std::exchange(told_, { title(), details(), look_ });
+    bool const isNewTitle = told_.title != before.title;
+    if (isNewTitle) {
+        Q_EMIT NewTitle();
+        Q_EMIT XAyatanaNewLabel(told_.title, told_.title);
+    }
+    // Where the label is shown the icon is empty, whatever the title says.
+    if (told_.look != before.look || (isNewTitle && look_ != StatusLook::Label))
+        Q_EMIT NewIcon();
+    if (isNewTitle || told_.details != before.details)
+        Q_EMIT NewToolTip();
+}

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "desktop/MenuObserver.h"
+#include "desktop/OncePerTurn.h"
+#include "desktop/StatusHost.h"
+#include "desktop/StatusIcon.h"
+#include "platform/StatusItem.h"
+
+#include <QDBusArgument>
+#include <QDBusObjectPath>
+#include <QList>
+#include <QObject>
+#include <QString>
+
+/// (sa(iiay)ss)
+struct StatusToolTip {
+    QString iconName;
+    QList<StatusPixmap> icon;
+    QString title;
+    QString text;
+};
+
+QDBusArgument& operator<<(QDBusArgument& argument, StatusToolTip const& toolTip);
+QDBusArgument const& operator>>(QDBusArgument const& argument, StatusToolTip& toolTip);
+
+Q_DECLARE_METATYPE(StatusToolTip)
+
+/// A status item as panels see it over D-Bus, after the org.kde.StatusNotifierItem protocol with the label that the
+/// Ayatana indicators added to it. Its slots and signals carry the names of those protocols. The changes of one
+/// main-loop turn go out as one set of signals. The model must outlive this object. Main thread only.
+class StatusNotifierItem : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
+    Q_PROPERTY(QString Id READ id CONSTANT)
+    Q_PROPERTY(QString Category READ category CONSTANT)
+    Q_PROPERTY(QString Status READ status CONSTANT)
+    Q_PROPERTY(QString Title READ title)
+    Q_PROPERTY(QString XAyatanaLabel READ title)
+    Q_PROPERTY(QString XAyatanaLabelGuide READ title)
+    Q_PROPERTY(QString IconName READ iconName CONSTANT)
+    Q_PROPERTY(QList<StatusPixmap> IconPixmap READ iconPixmap)
+    Q_PROPERTY(StatusToolTip ToolTip READ toolTip)
+    Q_PROPERTY(bool ItemIsMenu READ itemIsMenu CONSTANT)
+    Q_PROPERTY(QDBusObjectPath Menu READ menu CONSTANT)
+
+public:
+    static constexpr char const* path = "/StatusNotifierItem";
+    static constexpr char const* menuPath = "/StatusMenu";
+
+    explicit StatusNotifierItem(platform::StatusItem& item);
+
+    /// Draws for another kind of panel from now on.
+    void setLook(StatusLook look);
+
+    QString id() const { return QStringLiteral("usage-meter"); }
+    QString category() const { return QStringLiteral("ApplicationStatus"); }
+    QString status() const { return QStringLiteral("Active"); }
+    QString title() const { return QString::fromStdString(item_.title.get()); }
+    QString iconName() const { return {}; }
+    QList<StatusPixmap> iconPixmap();
+    StatusToolTip toolTip() const;
+    bool itemIsMenu() const { return true; }
+    QDBusObjectPath menu() const { return QDBusObjectPath(QLatin1String(menuPath)); }
+
+public Q_SLOTS:
+    Q_SCRIPTABLE void Activate(int x, int y);
+    Q_SCRIPTABLE void SecondaryActivate(int x, int y);
+    Q_SCRIPTABLE void ContextMenu(int x, int y);
+    Q_SCRIPTABLE void Scroll(int delta, QString const& orientation);
+    Q_SCRIPTABLE void ProvideXdgActivationToken(QString const& token);
+
+Q_SIGNALS:
+    Q_SCRIPTABLE void NewTitle();
+    Q_SCRIPTABLE void NewIcon();
+    Q_SCRIPTABLE void NewToolTip();
+    Q_SCRIPTABLE void XAyatanaNewLabel(QString const& label, QString const& guide);
+
+    /// The panel leaves it to the program to show the menu.
+    void menuRequested();
+    /// What the user's next click does may come to the front with this token.
+    void activationTokenProvided(QString const& token);
+
+private:
+    /// What panels have been told.
+    struct Told {
+        QString title;
+        QString details;
+        StatusLook look = StatusLook::Icon;
+    };
+
+    QString details() const;
+    void update();
+
+    platform::StatusItem& item_;
+    StatusLook look_ = StatusLook::Icon;
+    /// Drawn when a panel asks.
+    QList<StatusPixmap> pixmaps_;
+    QString drawnTitle_;
+    Told told_;
+    OncePerTurn update_;
+    platform::Subscription titleChanges_;
+    MenuObserver menuChanges_;
+};

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/Color.h"
+
+#include <QColor>
+#include <QString>
+
+#include <string_view>
+
+// The one place where the core's texts and colours become Qt's.
+
+inline QString toQt(std::string_view text)
+{
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+inline QColor toQt(platform::Color color) { return { color.red, color.green, color.blue }; }
+
+/// A text for a button or a menu line, where Qt would take "&" for the mark of a shortcut, and a tab for the beginning
+/// of its name.
+inline QString asLabel(std::string_view text)
+{
+    return toQt(text).replace(QLatin1Char('&'), QLatin1String("&&")).replace(QLatin1Char('\t'), QLatin1Char(' '));
+}
+
+/// A text for a window's title, where Qt would take "[*]" for the mark of a change.
+inline QString asWindowTitle(std::string_view text)
+{
+    return toQt(text).replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
+}

@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: MIT
+// The status item as a panel finds it on a real session bus.
+#include "desktop/StatusArea.h"
+#include "tests/support/PanelTest.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QElapsedTimer>
+
+#include <limits>
+#include <set>
+
+using platform::Menu;
+using platform::MenuItem;
+
+namespace {
+
+std::shared_ptr<MenuItem> makeLine(std::string const& title)
+{
+    auto line = std::make_shared<MenuItem>();
+    line->title.set(title);
+    return line;
+}
+
+class StatusItem : public PanelTest {
+protected:
+    StatusItem()
+    {
+        menu_.setItems({ figure_, update_ });
+        item_.title.set("57.3GB");
+    }
+
+    void startArea()
+    {
+        area_.emplace(
+            item_, StatusArea::Handlers { [this] { ++timesWithoutPlace_; }, {}, {} }, connectionOf("program"));
+    }
+
+    void start()
+    {
+        startWatcher();
+        startArea();
+        ASSERT_TRUE(waitFor([this] { return reader_.hasItem(); }));
+    }
+
+    bool waitForLines(Texts const& expected)
+    {
+        return waitFor([&] { return lines() == expected; });
+    }
+
+    QDBusPendingCall callMenu(char const* method, QVariantList const& arguments)
+    {
+        auto message = QDBusMessage::createMethodCall(connectionOf("program").baseService(),
+            QStringLiteral("/StatusMenu"), QStringLiteral("com.canonical.dbusmenu"), QLatin1String(method));
+        message.setArguments(arguments);
+        return panel_.asyncCall(message);
+    }
+
+    // The program shares this process, so the main loop has to run for its answer.
+    QDBusMessage::MessageType answerOf(char const* method, QVariantList const& arguments)
+    {
+        QDBusPendingCallWatcher const call(callMenu(method, arguments));
+        EXPECT_TRUE(waitFor([&call] { return call.isFinished(); })) << method;
+        return call.reply().type();
+    }
+
+    int timesWithoutPlace_ = 0;
+    std::shared_ptr<MenuItem> figure_ = makeLine("Downloaded: 52.35GB");
+    std::shared_ptr<MenuItem> update_ = makeLine("Update now");
+    Menu submenu_;
+    Menu menu_;
+    platform::StatusItem item_ { menu_ };
+    std::optional<StatusArea> area_;
+};
+
+using Names = std::multiset<std::string>;
+
+// The signals of the program's item and menu, in whatever order they come.
+class SignalLog : public QObject {
+    Q_OBJECT
+
+public:
+    SignalLog(QDBusConnection bus, QString const& service)
+    {
+        for (auto const& [path, interface] : { std::pair("/StatusNotifierItem", "org.kde.StatusNotifierItem"),
+                 { "/StatusMenu", "com.canonical.dbusmenu" } })
+            bus.connect(
+                service, QLatin1String(path), QLatin1String(interface), QString(), this, SLOT(write(QDBusMessage)));
+    }
+
+    Q_SLOT void write(QDBusMessage const& message) { names.insert(message.member().toStdString()); }
+
+    Names names;
+};
+
+TEST_F(StatusItem, ShowsItsTitleAndItsMenu)
+{
+    update_->submenu = &submenu_;
+    submenu_.setItems({ makeLine("Home"), makeLine("Cottage_by_the__sea") });
+    submenu_.items()[0]->on.set(true);
+    menu_.setItems({ figure_, makeLine("Cap: 100GB"), makeLine(""), update_ });
+    menu_.items()[1]->hidden.set(true);
+    menu_.items()[2]->isSeparator = true;
+    start();
+    EXPECT_EQ(reader_.title(), "57.3GB");
+    EXPECT_TRUE(waitForLines({ "Downloaded: 52.35GB", "--", "Update now", "  * Home", "  Cottage_by_the__sea" }));
+}
+
+TEST_F(StatusItem, TellsTheChangesOfOneTurnAsOneUpdateAndNothingThatIsNotNew)
+{
+    figure_->on.set(true);
+    start();
+    SignalLog log(panel_, connectionOf("program").baseService());
+    item_.title.set("Please wait");
+    item_.title.set("58GB");
+    figure_->title.set("Downloaded: 53GB");
+    figure_->on.set(false);
+    update_->on.set(true);
+    ASSERT_TRUE(waitForLines({ "Downloaded: 53GB", "* Update now" }));
+    ASSERT_TRUE(waitFor([this] { return reader_.title() == "58GB"; }));
+    EXPECT_EQ(log.names, (Names { "NewTitle", "XAyatanaNewLabel", "NewIcon", "NewToolTip", "ItemsPropertiesUpdated" }));
+
+    log.names.clear();
+    item_.title.set("Please wait");
+    item_.title.set("58GB");
+    figure_->title.set("Downloaded: ...");
+    figure_->title.set("Downloaded: 53GB");
+    menu_.setItems({ figure_ });
+    ASSERT_TRUE(waitForLines({ "Downloaded: 53GB" }));
+    EXPECT_EQ(log.names, (Names { "LayoutUpdated", "NewToolTip" }));
+}
+
+TEST_F(StatusItem, AnswersAClickBeforeItActsOnIt)
+{
+    start();
+    QVariantList const click { reader_.lines()[1].id, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(0)),
+        0U };
+    QDBusPendingCallWatcher const answer(callMenu("Event", click));
+    int clicks = 0;
+    update_->action = [&](platform::Sender const&) {
+        // Were the action run inside the call, the answer could not come while it waits.
+        EXPECT_TRUE(waitFor([&answer] { return answer.isFinished(); }));
+        menu_.setItems({});
+        ++clicks;
+    };
+    update_.reset();
+    EXPECT_TRUE(waitFor([&clicks] { return clicks == 1; }));
+    EXPECT_TRUE(waitForLines({}));
+    EXPECT_EQ(answerOf("Event", click), QDBusMessage::ErrorMessage) << "the line has gone";
+}
+
+TEST_F(StatusItem, RefusesMalformedCallsAndLivesOn)
+{
+    start();
+    auto const nothing = QVariant::fromValue(QDBusVariant(0));
+    auto const many = QVariant::fromValue(QList<int>(100'000, 1));
+    struct Case {
+        char const* method;
+        QVariantList arguments;
+        QDBusMessage::MessageType answer = QDBusMessage::ErrorMessage;
+    };
+    std::vector<Case> const cases {
+        { "GetLayout", { -1, -1, QStringList() } },
+        { "GetLayout", { QStringLiteral("0") } },
+        { "Event", { 999, QStringLiteral("clicked"), nothing, 0U } },
+        { "Event", { 0, QStringLiteral("clacked"), nothing, 0U } },
+        { "AboutToShowGroup", { QVariant::fromValue(QList<int> { 999, 999 }) } },
+        { "Explode", {} },
+        { "GetLayout", { 0, std::numeric_limits<int>::min(), QStringList() }, QDBusMessage::ReplyMessage },
+        { "GetGroupProperties", { many, QStringList() }, QDBusMessage::ReplyMessage },
+        { "AboutToShowGroup", { many }, QDBusMessage::ReplyMessage },
+    };
+    for (auto const& [method, arguments, answer] : cases)
+        EXPECT_EQ(answerOf(method, arguments), answer) << method;
+}
+
+TEST_F(StatusItem, RebuildsTenThousandLinesInLittleTime)
+{
+    update_->submenu = &submenu_;
+    start();
+    QElapsedTimer timer;
+    timer.start();
+    for (std::string const stem : { "first ", "second " }) {
+        Menu::Items items;
+        for (int i = 0; i < 10'000; ++i)
+            items.push_back(makeLine(stem + std::to_string(i)));
+        submenu_.setItems(std::move(items));
+        ASSERT_TRUE(waitFor([&] { return lines().back() == "  " + stem + "9999"; }));
+    }
+    EXPECT_LT(timer.elapsed(), 5000);
+}
+
+TEST_F(StatusItem, SaysThatThereIsNoPlaceAndFollowsPanelsThatComeAndGo)
+{
+    startArea();
+    ASSERT_TRUE(waitFor([this] { return timesWithoutPlace_ == 1; }));
+    startWatcher();
+    EXPECT_TRUE(waitFor([this] { return reader_.hasItem(); }));
+
+    watcher_.reset();
+    startWatcher();
+    EXPECT_TRUE(watcher_->items().isEmpty());
+    EXPECT_TRUE(waitFor([this] { return !watcher_->items().isEmpty(); }));
+    EXPECT_EQ(timesWithoutPlace_, 1);
+}
+
+}
+
+#include "StatusItemTest.moc"
