@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/Binder.h"
+
+#include "desktop/LevelBar.h"
+#include "desktop/Text.h"
+#include "platform/Bundle.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QEvent>
+#include <QGraphicsOpacityEffect>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPropertyAnimation>
+#include <QPushButton>
+
+namespace {
+
+QStringList toQtList(std::vector<std::string> const& texts)
+{
+    QStringList list;
+    for (auto const& text : texts)
+        list.append(toQt(text));
+    return list;
+}
+
+// Faded-out and hidden widgets keep their place, so that nothing jumps.
+void keepPlaceWhenHidden(QWidget& widget)
+{
+    auto policy = widget.sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    widget.setSizePolicy(policy);
+}
+
+}
+
+bool WheelGuard::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::Wheel)
+        return QObject::eventFilter(watched, event);
+    event->ignore();
+    return true;
+}
+
+QComboBox& Binder::comboBox(char const* outlet)
+{
+    auto& box = widget<QComboBox>(outlet);
+    box.installEventFilter(&wheelGuard_);
+    return box;
+}
+
+Binder::Binder(QWidget& window, platform::Bundle const& bundle, platform::RunLoop const& runLoop)
+    : window_(window)
+    , runLoop_(runLoop)
+{
+    localizeTexts(bundle);
+}
+
+void Binder::localizeTexts(platform::Bundle const& bundle)
+{
+    auto const localized = [&bundle](QString const& key) { return toQt(bundle.localizedString(key.toStdString())); };
+    for (auto* const label : window_.findChildren<QLabel*>()) {
+        if (!label->text().isEmpty())
+            label->setText(localized(label->text()));
+        if (auto* const named = label->buddy())
+            named->setAccessibleName(label->text());
+    }
+    for (auto* const button : window_.findChildren<QAbstractButton*>()) {
+        if (!button->text().isEmpty())
+            button->setText(asLabel(bundle.localizedString(button->text().toStdString())));
+    }
+    for (auto* const input : window_.findChildren<QLineEdit*>()) {
+        if (!input->placeholderText().isEmpty())
+            input->setPlaceholderText(localized(input->placeholderText()));
+    }
+    for (auto* const named : window_.findChildren<QWidget*>()) {
+        if (!named->accessibleName().isEmpty())
+            named->setAccessibleName(localized(named->accessibleName()));
+    }
+}
+
+void Binder::mirrorHidden(QWidget& widget, platform::Property<bool>& hidden)
+{
+    keep(hidden.observe([&widget](bool isHidden) { widget.setVisible(!isHidden); }));
+}
+
+void Binder::mirrorOpacity(QWidget& widget, platform::Opacity& opacity)
+{
+    keepPlaceWhenHidden(widget);
+    auto* const effect = new QGraphicsOpacityEffect(&widget);
+    widget.setGraphicsEffect(effect);
+    auto* const animation = new QPropertyAnimation(effect, "opacity", &widget);
+    // An effect that does nothing still costs a detour at every repaint.
+    auto const restEffect = [effect] { effect->setEnabled(effect->opacity() != 1.0); };
+    QObject::connect(animation, &QPropertyAnimation::finished, effect, restEffect);
+    keep(opacity.fade.observe([this, effect, animation, restEffect](platform::Fade const& fade) {
+        animation->stop();
+        auto const uptime = runLoop_.uptime();
+        double const now = fade.at(uptime);
+        effect->setOpacity(now);
+        restEffect();
+        if (now == fade.to)
+            return;
+        effect->setEnabled(true);
+        animation->setStartValue(now);
+        animation->setEndValue(fade.to);
+        auto const left = std::chrono::ceil<std::chrono::milliseconds>(fade.start + fade.duration - uptime);
+        animation->setDuration(static_cast<int>(left.count()));
+        animation->start();
+    }));
+}
+
+void Binder::bind(char const* outlet, platform::Button& model)
+{
+    auto& button = widget<QPushButton>(outlet);
+    QObject::connect(&button, &QPushButton::clicked, &button, [&model] { model.userClicked(); });
+}
+
+void Binder::bind(char const* outlet, platform::CheckBox& model)
+{
+    auto& box = widget<QCheckBox>(outlet);
+    keep(model.on.observe([&box](bool on) { box.setChecked(on); }));
+    mirrorHidden(box, model.hidden);
+    keep(model.titleColor.observe([&box](std::optional<platform::Color> const& color) {
+        auto palette = box.palette();
+        if (color)
+            palette.setColor(QPalette::WindowText, toQt(*color));
+        box.setPalette(palette);
+    }));
+    // clicked, not toggled: a change made by the program must not come back as the user's.
+    QObject::connect(&box, &QCheckBox::clicked, &box, [&model](bool on) { model.userToggled(on); });
+}
+
+void Binder::bind(char const* outlet, platform::ComboBox& model)
+{
+    auto& box = comboBox(outlet);
+    // The text may be no item: then it shows in place of one.
+    auto const showText = [&box, &model] {
+        auto const text = toQt(model.text.get());
+        int const index = box.findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive);
+        box.setPlaceholderText(index < 0 ? text : QString());
+        box.setCurrentIndex(index);
+    };
+    keep(model.items.observe([&box, showText](std::vector<std::string> const& items) {
+        box.clear();
+        box.addItems(toQtList(items));
+        showText();
+    }));
+    keep(model.text.observeChanges([showText](std::string const&) { showText(); }));
+    QObject::connect(&box, &QComboBox::activated, &box,
+        [&model](int index) { model.userSelected(static_cast<std::size_t>(index)); });
+}
+
+void Binder::bind(char const* outlet, platform::PopUpButton& model)
+{
+    auto& box = comboBox(outlet);
+    keep(model.items.observe([&box, &model](std::vector<std::string> const& items) {
+        box.clear();
+        box.addItems(toQtList(items));
+        box.setCurrentIndex(model.indexOfSelectedItem.get());
+    }));
+    keep(model.indexOfSelectedItem.observeChanges([&box](int index) { box.setCurrentIndex(index); }));
+    QObject::connect(&box, &QComboBox::activated, &box, [&model](int index) { model.userSelected(index); });
+}
+
+void Binder::bindLabel(char const* outlet, platform::TextField& model)
+{
+    auto& label = widget<QLabel>(outlet);
+    label.setTextFormat(Qt::PlainText);
+    keep(model.text.observe([&label](std::string const& text) { label.setText(toQt(text)); }));
+    keep(model.toolTip.observe([&label](std::string const& text) { label.setToolTip(toQt(text)); }));
+    mirrorHidden(label, model.hidden);
+    mirrorOpacity(label, model.opacity);
+}
+
+void Binder::bindInput(char const* outlet, platform::TextField& model)
+{
+    auto& input = widget<QLineEdit>(outlet);
+    keep(model.text.observe([&input](std::string const& text) {
+        // Setting the text moves the cursor, which the user's own typing must not.
+        if (auto const shown = toQt(text); shown != input.text())
+            input.setText(shown);
+    }));
+    QObject::connect(
+        &input, &QLineEdit::textEdited, &input, [&model](QString const& text) { model.userTyped(text.toStdString()); });
+}
+
+void Binder::bind(char const* outlet, platform::LevelIndicator& model)
+{
+    auto& bar = widget<LevelBar>(outlet);
+    keep(model.maxValue.observe([&bar](double value) { bar.setMaximum(value); }));
+    keep(model.doubleValue.observe([&bar](double value) { bar.setValue(value); }));
+    keep(model.warningValue.observe([&bar](double value) { bar.setWarningValue(value); }));
+    keep(model.criticalValue.observe([&bar](double value) { bar.setCriticalValue(value); }));
+    mirrorHidden(bar, model.hidden);
+    mirrorOpacity(bar, model.opacity);
+}

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/ComboBox.h"
+#include "platform/Controls.h"
+#include "platform/RunLoop.h"
+
+#include <QWidget>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+class QComboBox;
+
+namespace platform {
+class Bundle;
+}
+
+/// Keeps the mouse wheel from picking what the pointer only passes over.
+class WheelGuard final : public QObject {
+    Q_OBJECT
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+};
+
+/// Ties the models of controls to a window's widgets, found by the outlets' names: a widget shows what its model holds,
+/// and passes on what the user does. A layout without such a widget throws std::logic_error, which the tests see.
+class Binder {
+public:
+    /// The window, its binder's texts and the clock of its fades outlive the binder.
+    Binder(QWidget& window, platform::Bundle const& bundle, platform::RunLoop const& runLoop);
+
+    void bind(char const* outlet, platform::Button& model);
+    void bind(char const* outlet, platform::CheckBox& model);
+    void bind(char const* outlet, platform::ComboBox& model);
+    void bind(char const* outlet, platform::PopUpButton& model);
+    /// A text to read.
+    void bindLabel(char const* outlet, platform::TextField& model);
+    /// A text to type into.
+    void bindInput(char const* outlet, platform::TextField& model);
+    void bind(char const* outlet, platform::LevelIndicator& model);
+
+private:
+    template <typename Widget> Widget& widget(char const* outlet)
+    {
+        if (auto* const found = window_.findChild<Widget*>(QLatin1String(outlet)))
+            return *found;
+        throw std::logic_error(std::string("the layout has no such outlet: ") + outlet);
+    }
+
+    QComboBox& comboBox(char const* outlet);
+    void keep(platform::Subscription subscription) { subscriptions_.push_back(std::move(subscription)); }
+    /// Layouts hold the keys of their texts.
+    void localizeTexts(platform::Bundle const& bundle);
+    void mirrorHidden(QWidget& widget, platform::Property<bool>& hidden);
+    void mirrorOpacity(QWidget& widget, platform::Opacity& opacity);
+
+    QWidget& window_;
+    platform::RunLoop const& runLoop_;
+    WheelGuard wheelGuard_;
+    std::vector<platform::Subscription> subscriptions_;
+};

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/FreedesktopNotifications.h"
+
+#include "desktop/PendingCall.h"
+#include "desktop/Text.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusPendingReply>
+#include <QGuiApplication>
+
+#include <utility>
+
+namespace {
+
+QString const service = QStringLiteral("org.freedesktop.Notifications");
+QString const path = QStringLiteral("/org/freedesktop/Notifications");
+QString const defaultAction = QStringLiteral("default");
+
+QDBusMessage call(char const* method)
+{
+    return QDBusMessage::createMethodCall(service, path, service, QLatin1String(method));
+}
+
+bool isAvailable(QDBusConnection const& bus)
+{
+    if (!bus.isConnected())
+        return false;
+    auto* const daemon = bus.interface();
+    return daemon->isServiceRegistered(service) || daemon->activatableServiceNames().value().contains(service);
+}
+
+}
+
+std::unique_ptr<FreedesktopNotifications> FreedesktopNotifications::connectTo(QDBusConnection const& bus)
+{
+    if (!isAvailable(bus))
+        return nullptr;
+    return std::unique_ptr<FreedesktopNotifications>(new FreedesktopNotifications(bus));
+}
+
+FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus)
+    : bus_(std::move(bus))
+    , serviceOwner_(service, bus_, QDBusServiceWatcher::WatchForOwnerChange)
+{
+    // A service that starts anew counts from one again.
+    QObject::connect(&serviceOwner_, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { delivered_.clear(); });
+    auto const listen = [this](char const* signal, char const* slot) {
+        bus_.connect(service, path, service, QLatin1String(signal), this, slot);
+    };
+    listen("ActionInvoked", SLOT(actionInvoked(uint, QString)));
+    listen("NotificationClosed", SLOT(notificationClosed(uint, uint)));
+    listen("ActivationToken", SLOT(activationToken(uint, QString)));
+}
+
+void FreedesktopNotifications::deliver(platform::UserNotification const& notification)
+{
+    auto message = call("Notify");
+    QStringList const actions { defaultAction, toQt(notification.title) };
+    QVariantMap const hints { { QStringLiteral("desktop-entry"), QGuiApplication::desktopFileName() } };
+    message << QCoreApplication::applicationName() << 0U << QStringLiteral("usage-meter") << toQt(notification.title)
+            << toQt(notification.informativeText).toHtmlEscaped() << actions << hints << -1;
+    whenFinished(bus_.asyncCall(message), this, [this](QDBusPendingCall const& finished) {
+        QDBusPendingReply<uint> const reply = finished;
+        if (reply.isValid())
+            delivered_.insert(reply.value());
+    });
+}
+
+void FreedesktopNotifications::removeDelivered(platform::NotificationId id)
+{
+    delivered_.erase(id);
+    auto message = call("CloseNotification");
+    message << id;
+    bus_.send(message);
+}
+
+void FreedesktopNotifications::actionInvoked(uint id, QString const& action)
+{
+    if (delegate_ && action == defaultAction && delivered_.contains(id))
+        delegate_->didActivateNotification(id);
+}
+
+void FreedesktopNotifications::notificationClosed(uint id, uint /*reason*/) { delivered_.erase(id); }
+
+void FreedesktopNotifications::activationToken(uint id, QString const& token)
+{
+    // Where windows are raised by token, Qt takes it from here at the next activation.
+    if (delivered_.contains(id))
+        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+}

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/NotificationCenter.h"
+
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
+#include <QObject>
+
+#include <memory>
+#include <set>
+
+/// The notification centre over the Desktop Notifications protocol 1.2 (org.freedesktop.Notifications).
+class FreedesktopNotifications final : public QObject, public platform::NotificationCenter {
+    Q_OBJECT
+
+public:
+    /// Nothing when the bus has no notification service and could start none.
+    static std::unique_ptr<FreedesktopNotifications> connectTo(QDBusConnection const& bus);
+
+    void setDelegate(platform::NotificationCenterDelegate* delegate) override { delegate_ = delegate; }
+    void deliver(platform::UserNotification const& notification) override;
+    void removeDelivered(platform::NotificationId id) override;
+
+private slots:
+    void actionInvoked(uint id, QString const& action);
+    void notificationClosed(uint id, uint reason);
+    void activationToken(uint id, QString const& token);
+
+private:
+    explicit FreedesktopNotifications(QDBusConnection bus);
+
+    QDBusConnection bus_;
+    platform::NotificationCenterDelegate* delegate_ = nullptr;
+    /// Signals tell of every program's notifications; these are ours.
+    std::set<uint> delivered_;
+    QDBusServiceWatcher serviceOwner_;
+};

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/MainWindows.h"
+
+#include "app/Outlets.h"
+#include "desktop/Text.h"
+#include "platform/Application.h"
+#include "platform/Bundle.h"
+#include "ui_AddKeyWindow.h"
+#include "ui_PreferencesWindow.h"
+#include "ui_UsageWindow.h"
+
+#include <QDialog>
+#include <QMenuBar>
+
+namespace {
+
+template <typename Layout> void setUp(QDialog& window) { Layout().setupUi(&window); }
+
+void bindPreferences(Binder& binder, Outlets& outlets)
+{
+    binder.bind("tarvoUsageKeysComboBox", outlets.tarvoUsageKeysComboBox);
+    binder.bind("addKeyButton", outlets.addKeyButton);
+    binder.bind("removeKeyButton", outlets.removeKeyButton);
+    binder.bindInput("usageLimit", outlets.usageLimit);
+    binder.bind("updateIntervalPopupButton", outlets.updateIntervalPopupButton);
+    binder.bind("statusBarDropdown", outlets.statusBarDropdown);
+    binder.bind("usageCapToggle", outlets.usageCapToggle);
+    binder.bind("remainingUsageToggle", outlets.remainingUsageToggle);
+    binder.bind("lastUpdateToggle", outlets.lastUpdateToggle);
+    binder.bind("nextUpdateToggle", outlets.nextUpdateToggle);
+    binder.bind("onlyKeyNicknamesToggle", outlets.onlyKeyNicknamesToggle);
+    binder.bind("showNotificationsToggle", outlets.showNotificationsToggle);
+    binder.bindLabel("versionText", outlets.versionText);
+    binder.bind("clearCacheButton", outlets.clearCacheButton);
+    binder.bindLabel("cacheClearedText", outlets.cacheClearedText);
+    binder.bind("useConnectionButton", outlets.useConnectionButton);
+}
+
+void bindAddKey(Binder& binder, Outlets& outlets)
+{
+    binder.bindInput("usageID", outlets.usageID);
+    binder.bindInput("keyNewNickname", outlets.keyNewNickname);
+    binder.bind("autoRetrieveCodeButton", outlets.autoRetrieveCodeButton);
+    binder.bind("getUsageCodeButton", outlets.getUsageCodeButton);
+    binder.bind("cancelButton", outlets.cancelButton);
+    binder.bind("confirmKeyButton", outlets.confirmKeyButton);
+}
+
+void bindUsage(Binder& binder, Outlets& outlets)
+{
+    binder.bindLabel("downloadUsage", outlets.downloadUsage);
+    binder.bindLabel("uploadUsage", outlets.uploadUsage);
+    binder.bindLabel("totalUsage", outlets.totalUsage);
+    binder.bindLabel("downloadFreeUsage", outlets.downloadFreeUsage);
+    binder.bindLabel("uploadFreeUsage", outlets.uploadFreeUsage);
+    binder.bindLabel("totalFreeUsage", outlets.totalFreeUsage);
+    binder.bindLabel("finalTotalUsage", outlets.finalTotalUsage);
+    binder.bindLabel("usageCapText", outlets.usageCapText);
+    binder.bindLabel("usageRemainingText", outlets.usageRemainingText);
+    binder.bind("usageBar", outlets.usageBar);
+    binder.bindLabel("usageCapPercentageText", outlets.usageCapPercentageText);
+    binder.bind("detailedUsageButton", outlets.detailedUsageButton);
+}
+
+}
+
+MainWindows::MainWindows(Outlets& outlets, platform::Bundle const& bundle, platform::RunLoop const& runLoop)
+    : outlets_(outlets)
+    , preferences_(outlets.window, bundle, runLoop, setUp<Ui::PreferencesWindow>,
+          [&outlets](Binder& binder) { bindPreferences(binder, outlets); })
+    , addKey_(
+          outlets.addKeyWindow, bundle, runLoop, setUp<Ui::AddKeyWindow>,
+          [&outlets](Binder& binder) { bindAddKey(binder, outlets); }, &preferences_)
+    , usage_(outlets.monitorWindow, bundle, runLoop, setUp<Ui::UsageWindow>,
+          [&outlets](Binder& binder) { bindUsage(binder, outlets); })
+    , productName_(toQt(bundle.infoText("CFBundleDisplayName")))
+{
+}
+
+void MainWindows::showUsageWindowWithMenu(platform::Application& application)
+{
+    if (!menu_) {
+        menu_ = std::make_unique<MenuMirror>(outlets_.dropDownMenu);
+        menu_->setTitle(productName_);
+        auto* const menuBar = new QMenuBar(&usage_.widget());
+        menuBar->addMenu(menu_.get());
+        usage_.widget().layout()->setMenuBar(menuBar);
+    }
+    outlets_.monitorWindow.closeAction = [&application] { application.terminate(); };
+    // A user who is typing in another window of ours goes on there.
+    if (outlets_.window.visible.get())
+        outlets_.monitorWindow.visible.set(true);
+    else
+        outlets_.monitorWindow.makeKeyAndOrderFront();
+}
+
+void MainWindows::leaveMenuToStatusArea() { outlets_.monitorWindow.closeAction = nullptr; }

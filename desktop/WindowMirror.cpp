@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/WindowMirror.h"
+
+#include "desktop/Text.h"
+#include "platform/Bundle.h"
+
+#include <QDialog>
+#include <QEvent>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QWindow>
+
+namespace {
+
+constexpr char const* returnCodeProperty = "returnCode";
+// In pixels: whatever an alert has to say, its buttons stay on the screen.
+constexpr int longestDetails = 240;
+
+QMessageBox::Icon icon(platform::Alert::Style style)
+{
+    switch (style) {
+    case platform::Alert::Style::Informational:
+        return QMessageBox::Information;
+    case platform::Alert::Style::Critical:
+        return QMessageBox::Critical;
+    case platform::Alert::Style::Warning:
+        break;
+    }
+    return QMessageBox::Warning;
+}
+
+}
+
+WindowMirror::WindowMirror(platform::Window& model, platform::Bundle const& bundle, platform::RunLoop const& runLoop,
+    Build build, Bind bind, WindowMirror* parent)
+    : model_(model)
+    , bundle_(bundle)
+    , runLoop_(runLoop)
+    , build_(std::move(build))
+    , bind_(std::move(bind))
+    , parent_(parent)
+{
+    subscriptions_.push_back(model.visible.observe([this](bool visible) { setShown(visible); }));
+    subscriptions_.push_back(model.observeFrontRequests([this] { bringToFront(); }));
+}
+
+WindowMirror::~WindowMirror() = default;
+
+QDialog& WindowMirror::widget()
+{
+    if (!widget_)
+        buildWidget();
+    return *widget_;
+}
+
+void WindowMirror::buildWidget()
+{
+    widget_ = std::make_unique<QDialog>(parent_ ? &parent_->widget() : nullptr);
+    if (parent_)
+        widget_->setWindowModality(Qt::WindowModal);
+    else
+        widget_->setWindowFlags(Qt::Window);
+    build_(*widget_);
+    binder_ = std::make_unique<Binder>(*widget_, bundle_, runLoop_);
+    bind_(*binder_);
+    widget_->installEventFilter(this);
+
+    auto const keep
+        = [this](platform::Subscription subscription) { subscriptions_.push_back(std::move(subscription)); };
+    keep(model_.title.observe([this](std::string const& title) { widget_->setWindowTitle(asWindowTitle(title)); }));
+    keep(model_.backgroundColor.observe([this](auto const& color) { setBackground(color); }));
+    keep(model_.attachedSheet.observeChanges([this](auto const&) { showAlert(); }));
+}
+
+void WindowMirror::setShown(bool shown)
+{
+    if (shown)
+        widget().show();
+    else if (widget_)
+        widget_->hide();
+    showAlert();
+}
+
+void WindowMirror::bringToFront()
+{
+    widget_->setWindowState(widget_->windowState() & ~Qt::WindowMinimized);
+    widget_->raise();
+    widget_->activateWindow();
+}
+
+void WindowMirror::setBackground(std::optional<platform::Color> const& color)
+{
+    auto palette = QPalette();
+    if (color) {
+        palette.setColor(QPalette::Window, toQt(*color));
+        palette.setColor(QPalette::WindowText, Qt::white);
+        // What has the focus, or is picked, stands out from the ground and from a field alike.
+        palette.setColor(QPalette::Highlight, QColor(0xFF, 0xC1, 0x07));
+        palette.setColor(QPalette::HighlightedText, Qt::black);
+    }
+    widget_->setPalette(palette);
+}
+
+// Closed by the title bar or by Escape: the model has to know.
+bool WindowMirror::eventFilter(QObject* watched, QEvent* event)
+{
+    bool const isGoing = event->type() == QEvent::Hide && !event->spontaneous() && watched == widget_.get();
+    if (isGoing && model_.visible.get())
+        model_.userClosed();
+    return QObject::eventFilter(watched, event);
+}
+
+// An alert on a window that is not shown waits for the window.
+void WindowMirror::showAlert()
+{
+    if (sheet_)
+        sheet_->deleteLater();
+    sheet_.clear();
+    auto const* const attached = std::get_if<std::shared_ptr<platform::Alert const>>(&model_.attachedSheet.get());
+    if (!attached || !model_.visible.get())
+        return;
+
+    auto const alert = *attached;
+    sheet_ = new QMessageBox(widget_.get());
+    sheet_->setWindowModality(Qt::WindowModal);
+    sheet_->setIcon(icon(alert->style));
+    sheet_->setText(toQt(alert->messageText));
+    sheet_->setInformativeText(toQt(alert->informativeText));
+    // The box's own text format leaves its informative text out.
+    for (auto* const label : sheet_->findChildren<QLabel*>())
+        label->setTextFormat(Qt::PlainText);
+    if (auto* const details = sheet_->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel")))
+        details->setMaximumHeight(longestDetails);
+    auto titles = alert->buttons;
+    if (titles.empty())
+        titles.push_back(bundle_.localizedString("OK"));
+    int returnCode = platform::Alert::firstButtonReturn;
+    for (auto const& title : titles) {
+        bool const isFirst = returnCode == platform::Alert::firstButtonReturn;
+        auto* const button
+            = sheet_->addButton(asLabel(title), isFirst ? QMessageBox::AcceptRole : QMessageBox::RejectRole);
+        button->setProperty(returnCodeProperty, returnCode++);
+        if (isFirst)
+            sheet_->setDefaultButton(button);
+        sheet_->setEscapeButton(button);
+    }
+    QObject::connect(sheet_, &QMessageBox::finished, this, [this, sheet = sheet_] {
+        auto const* const clicked = sheet->clickedButton();
+        model_.userAnswered(clicked ? clicked->property(returnCodeProperty).toInt() : platform::Alert::dismissedReturn);
+    });
+    sheet_->open();
+}

@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: MIT
+#include "app/AppDelegate.h"
+#include "app/Outlets.h"
+#include "desktop/ColorScheme.h"
+#include "desktop/DesktopRunLoop.h"
+#include "desktop/DesktopServices.h"
+#include "desktop/ExitSignals.h"
+#include "desktop/FreedesktopNotifications.h"
+#include "desktop/MainWindows.h"
+#include "desktop/SingleInstance.h"
+#include "desktop/StatusArea.h"
+#include "desktop/Text.h"
+#include "platform/Bundle.h"
+#include "platform/Locale.h"
+#include "platform/Platform.h"
+#include "platform/ProcessUrlLoader.h"
+#include "platform/ThreadQueues.h"
+#include "platform/UserDefaults.h"
+#include "ui/MainLayout.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QIcon>
+#include <QLibraryInfo>
+#include <QSessionManager>
+#include <QTranslator>
+
+#include <cstdio>
+#include <malloc.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// What has not ended by then is left to the end of the process.
+constexpr platform::Seconds patienceAtExit = 50ms;
+
+void printError(QString const& message)
+{
+    std::fprintf(stderr, "usage-meter: %s\n", qPrintable(message.section(QLatin1Char('\n'), 0, 0).trimmed()));
+}
+
+bool isError(QtMsgType type) { return type != QtDebugMsg && type != QtInfoMsg; }
+
+// A desktop that cannot be reached makes Qt warn, advise to reinstall and abort(); a user is better served by the
+// warning alone and a plain failure.
+void reportFailedStart(QtMsgType type, QMessageLogContext const& /*context*/, QString const& message)
+{
+    static QString reason;
+    if (type == QtFatalMsg) {
+        printError(reason.isEmpty() ? message : reason);
+        _exit(EXIT_FAILURE);
+    }
+    if (isError(type))
+        reason = message;
+}
+
+void reportError(QtMsgType type, QMessageLogContext const& /*context*/, QString const& message)
+{
+    if (isError(type))
+        printError(message);
+    if (type == QtFatalMsg)
+        _exit(EXIT_FAILURE);
+}
+
+std::filesystem::path userFolder(char const* variable, char const* inHome)
+{
+    // The XDG rules: a relative path counts as none.
+    std::filesystem::path const folder = qEnvironmentVariable(variable).toStdString();
+    return folder.is_absolute() ? folder : std::filesystem::path(QDir::homePath().toStdString()) / inHome;
+}
+
+// A place beside the program's own folder, the same in the build folder and in an installation.
+std::filesystem::path besideProgram(char const* place)
+{
+    return QDir::cleanPath(QDir(QCoreApplication::applicationDirPath()).filePath(QLatin1String(place))).toStdString();
+}
+
+std::filesystem::path additionalAuthority(platform::Bundle const& bundle)
+{
+    auto const file = bundle.infoText("ProviderCertificateAuthority");
+    return file.empty() ? std::filesystem::path() : bundle.folder() / file;
+}
+
+int run(platform::Bundle const& bundle, SingleInstance& instance)
+{
+    auto const bus = QDBusConnection::sessionBus();
+    DesktopRunLoop runLoop;
+    platform::ThreadQueues queues;
+    platform::ProcessUrlLoader urlLoader(
+        besideProgram("../lib/usage-meter/usage-meter-fetch"), additionalAuthority(bundle));
+    auto const settingsFile = userFolder("XDG_CONFIG_HOME", ".config") / bundle.identifier() / "preferences.plist";
+    platform::UserDefaults userDefaults(settingsFile, runLoop);
+    auto const notifications = FreedesktopNotifications::connectTo(bus);
+    DesktopWorkspace workspace;
+    DesktopApplication desktopApplication;
+    platform::Platform platform {
+        .runLoop = runLoop,
+        .backgroundQueues = queues,
+        .userDefaults = userDefaults,
+        .urlLoader = urlLoader,
+        .bundle = bundle,
+        .workspace = workspace,
+        .application = desktopApplication,
+        .notificationCenter = notifications.get(),
+        .cachesFolder = userFolder("XDG_CACHE_HOME", ".cache"),
+        .numberLocale = platform::userLocale("LC_NUMERIC"),
+        .dateLocale = platform::userLocale("LC_TIME"),
+    };
+
+    Outlets outlets;
+    MainLayout layout(outlets, bundle, userDefaults);
+    AppDelegate controller(platform, outlets);
+    layout.wire(controller);
+    MainWindows windows(outlets, bundle, runLoop);
+    instance.whenActivated([&controller] { controller.showPreferences(); });
+    StatusArea const statusArea(controller.usageStatusItem(),
+        { .noStatusArea = [&windows, &desktopApplication] { windows.showUsageWindowWithMenu(desktopApplication); },
+            .placed = [&windows] { windows.leaveMenuToStatusArea(); },
+            .activationToken = [](QString const& token) { qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8()); } },
+        bus);
+    ColorScheme const colorScheme(bus, [&outlets](platform::Appearance appearance) {
+        applyPalette(appearance);
+        for (auto* const window : { &outlets.window, &outlets.addKeyWindow, &outlets.monitorWindow })
+            window->effectiveAppearance.set(appearance);
+    });
+    // A refresh needs much memory for a moment, and the next one is hours away.
+    auto const trimming = controller.usageStatusItem().title.observeChanges(
+        [&runLoop](std::string const&) { runLoop.performAfter(1s, [] { malloc_trim(0); }); });
+    controller.applicationDidFinishLaunching();
+
+    int const status = QApplication::exec();
+    userDefaults.flush();
+    urlLoader.cancel();
+    if (!queues.waitUntilIdle(patienceAtExit))
+        _exit(status);
+    return status;
+}
+
+}
+
+int main(int argc, char** argv)
+{
+    ExitSignals::endProcess();
+    qInstallMessageHandler(reportFailedStart);
+    QApplication const application(argc, argv);
+    qInstallMessageHandler(reportError);
+    QApplication::setQuitOnLastWindowClosed(false);
+    // A style that takes its colours from the palette, so that light and dark can change at any time.
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    applyPalette(platform::Appearance::Light);
+    ExitSignals const exitSignals;
+    // Whether it starts at login is the user's choice, not the session's memory.
+    QObject::connect(&application, &QGuiApplication::saveStateRequest,
+        [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
+
+    auto const folder = besideProgram("../share/usage-meter");
+    auto const bundle = platform::Bundle::open(folder, platform::userLanguages());
+    if (!bundle) {
+        std::fprintf(stderr, "usage-meter: %s/Info.plist is missing or damaged\n", folder.c_str());
+        return EXIT_FAILURE;
+    }
+    // Not the display name, which the toolkit adds to every window's title.
+    QApplication::setApplicationName(toQt(bundle->infoText("CFBundleDisplayName")));
+    QApplication::setDesktopFileName(toQt(bundle->identifier()));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("usage-meter")));
+
+    // The toolkit has texts of its own, such as those of a text field's menu.
+    QTranslator translator;
+    if (translator.load(QLocale(toQt(bundle->language())), QStringLiteral("qtbase"), QStringLiteral("_"),
+            QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(&translator);
+
+    SingleInstance instance(toQt(bundle->identifier()), QDBusConnection::sessionBus());
+    if (!instance.becomeFirst())
+        return EXIT_SUCCESS;
+    return run(*bundle, instance);
+}

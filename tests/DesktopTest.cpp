@@ -1,0 +1,306 @@
+// SPDX-License-Identifier: MIT
+// The desktop's half of the program: real event loop, real widgets, a real bus.
+#include "app/Outlets.h"
+#include "desktop/ColorScheme.h"
+#include "desktop/DesktopRunLoop.h"
+#include "desktop/FreedesktopNotifications.h"
+#include "desktop/LevelBar.h"
+#include "desktop/MainWindows.h"
+#include "platform/Bundle.h"
+#include "platform/UserDefaults.h"
+#include "storage/SettingsKeys.h"
+#include "tests/support/TemporaryFolder.h"
+#include "ui/MainLayout.h"
+
+#include <QDBusConnection>
+#include <QTest>
+#include <QtWidgets>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+using namespace std::chrono_literals;
+using platform::Alert;
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+TEST(DesktopRunLoop, TasksWaitTheirTurnAndTimersMayEndInTheirOwnTaskAndFireAtOnceForADatePast)
+{
+    DesktopRunLoop loop;
+    Texts fired;
+    std::thread([&] { loop.perform([&fired] { fired.emplace_back("thread's"); }); }).join();
+    loop.perform([&fired] { fired.emplace_back("queued"); });
+    EXPECT_TRUE(fired.empty()) << "a task may not run inside the call that queues it";
+    ASSERT_TRUE(QTest::qWaitFor([&fired] { return fired.size() == 2; }));
+    auto const first = loop.now() - 90min;
+    auto const hourly = loop.repeat(first, 1h, [&fired] { fired.emplace_back("overdue"); });
+    loop.after(5ms, [&fired] { fired.emplace_back("cancelled"); })->cancel();
+    std::unique_ptr<platform::Timer> own;
+    own = loop.repeat(loop.now() + 10ms, 1ms, [&] {
+        own.reset();
+        fired.emplace_back("own");
+    });
+    loop.performAfter(30ms, [&fired] { fired.emplace_back("loop's"); });
+    ASSERT_TRUE(QTest::qWaitFor([&fired] { return fired.size() == 5; }));
+    EXPECT_EQ(fired, (Texts { "thread's", "queued", "overdue", "own", "loop's" }));
+    EXPECT_EQ(hourly->fireDate(), first + 2h);
+}
+
+TEST(SleepWatch, NoticesEachSleepOnceAndNoUnevenReading)
+{
+    SleepWatch watch(100s, 90s);
+    EXPECT_FALSE(watch.noticesSleep(200s, 189.95s));
+    EXPECT_TRUE(watch.noticesSleep(300s, 280s));
+    EXPECT_FALSE(watch.noticesSleep(400s, 380s));
+}
+
+/// Both windows on the outlets, as the program sets them up, without the controller.
+class WindowsTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        outlets_.window.makeKeyAndOrderFront();
+        outlets_.monitorWindow.makeKeyAndOrderFront();
+    }
+
+    /// A widget of that outlet, wherever it is; a test without it has nothing to say.
+    template <typename Widget> Widget& find(char const* outlet)
+    {
+        for (auto* const widget : QApplication::allWidgets()) {
+            if (widget->objectName() == QLatin1String(outlet))
+                return dynamic_cast<Widget&>(*widget);
+        }
+        throw std::logic_error(outlet);
+    }
+
+    QWidget& window() { return *find<QLineEdit>("usageLimit").window(); }
+    TemporaryFolder folder_;
+    DesktopRunLoop loop_;
+    platform::Bundle bundle_ = *platform::Bundle::open(USAGE_METER_BUNDLE, { "en" });
+    platform::UserDefaults defaults_ { folder_.path() / "preferences.plist", loop_ };
+    Outlets outlets_;
+    MainLayout layout_ { outlets_, bundle_, defaults_ };
+    MainWindows windows_ { outlets_, bundle_, loop_ };
+};
+
+TEST_F(WindowsTest, TheUsersHandReachesTheModelsAndTheSettings)
+{
+    int actions = 0;
+    outlets_.useConnectionButton.action = [&](platform::Sender) { ++actions; };
+    outlets_.updateIntervalPopupButton.action = [&] { ++actions; };
+    outlets_.usageLimit.text.set("1");
+    QTest::keyClicks(&find<QLineEdit>("usageLimit"), QStringLiteral("0.5"));
+    QTest::mouseClick(&find<QPushButton>("useConnectionButton"), Qt::LeftButton);
+    QTest::keyClick(&find<QCheckBox>("usageCapToggle"), Qt::Key_Space);
+    QTest::keyClick(&find<QComboBox>("updateIntervalPopupButton"), Qt::Key_Down);
+    EXPECT_EQ(outlets_.usageLimit.text.get(), "10.5");
+    EXPECT_EQ(*defaults_.get<bool>(settings::showUsageCap), false);
+    EXPECT_EQ(*defaults_.get<std::int64_t>(settings::hourUpdateInterval), 1);
+    EXPECT_EQ(actions, 2);
+
+    QTest::keyClick(&window(), Qt::Key_Escape);
+    EXPECT_FALSE(outlets_.window.visible.get());
+    EXPECT_FALSE(window().isVisible());
+    outlets_.window.makeKeyAndOrderFront();
+    EXPECT_TRUE(window().isVisible());
+}
+
+TEST_F(WindowsTest, WhatTheProgramSetsIsShownAndNotTakenForTheUsers)
+{
+    outlets_.showNotificationsToggle.on.set(true);
+    outlets_.statusBarDropdown.indexOfSelectedItem.set(3);
+    outlets_.usageCapText.text.set("<b>1</b> & more");
+    auto const width = window().sizeHint().width();
+    std::string const endless(10'000, 'W');
+    outlets_.tarvoUsageKeysComboBox.addItems({ endless });
+    outlets_.tarvoUsageKeysComboBox.selectItemAtIndex(0);
+    outlets_.usageLimit.text.set(endless);
+    outlets_.usageBar.maxValue.set(50'000);
+    outlets_.usageBar.doubleValue.set(55'123);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(window().sizeHint().width(), width) << "overlong texts do not break the layout";
+    EXPECT_TRUE(find<QCheckBox>("showNotificationsToggle").isChecked());
+    EXPECT_EQ(find<QComboBox>("statusBarDropdown").currentText(), "Remaining volume");
+    EXPECT_EQ(find<QLabel>("usageCapText").text(), "<b>1</b> & more");
+    EXPECT_EQ(find<QLabel>("usageCapText").textFormat(), Qt::PlainText);
+    EXPECT_EQ(find<LevelBar>("usageBar").percentage(), 110);
+    EXPECT_FALSE(defaults_.contains(settings::showNotificationsMenu));
+}
+
+TEST_F(WindowsTest, AComboBoxShowsATextThatIsNoItemInPlaceOfOne)
+{
+    auto& model = outlets_.tarvoUsageKeysComboBox;
+    auto& box = find<QComboBox>("tarvoUsageKeysComboBox");
+    model.text.set("Boat - K3");
+    model.addItems({ "Home - K1", "Cottage - K2" });
+    EXPECT_EQ(box.currentIndex(), -1);
+    EXPECT_EQ(box.placeholderText(), "Boat - K3");
+    QTest::keyClick(&box, Qt::Key_Down);
+    EXPECT_EQ(*defaults_.get<std::string>(settings::tarvoKeySelected), "Home - K1");
+    model.removeAllItems();
+    EXPECT_EQ(box.placeholderText(), "Home - K1");
+}
+
+TEST_F(WindowsTest, ASheetShowsPlainTextAndAnswersByKey)
+{
+    for (auto const& [key, expected] :
+        { std::pair(Qt::Key_Escape, Alert::firstButtonReturn + 1), { Qt::Key_Return, Alert::firstButtonReturn } }) {
+        int answered = 0;
+        outlets_.window.beginSheet({ "<b>bold</b> & one", "<b>bold</b> & two", { "Fish & Chips", "Cancel" } },
+            [&answered](int answer) { answered = answer; });
+        auto* const sheet = window().findChild<QMessageBox*>();
+        ASSERT_NE(sheet, nullptr);
+        EXPECT_EQ(sheet->defaultButton()->text(), "Fish && Chips");
+        for (char const* const label : { "qt_msgbox_label", "qt_msgbox_informativelabel" })
+            EXPECT_EQ(sheet->findChild<QLabel*>(QLatin1String(label))->textFormat(), Qt::PlainText) << label;
+        QTest::keyClick(sheet, key);
+        EXPECT_EQ(answered, expected);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+}
+
+TEST_F(WindowsTest, TheAddKeySheetNeedsOnlyTheKeyboard)
+{
+    Texts done;
+    outlets_.confirmKeyButton.action = [&](platform::Sender) { done.push_back(outlets_.usageID.text.get()); };
+    outlets_.addKeyWindow.closeAction = [&] { outlets_.window.endSheet(outlets_.addKeyWindow); };
+    outlets_.window.beginSheet(outlets_.addKeyWindow);
+    auto& field = find<QLineEdit>("usageID");
+    auto& sheet = *field.window();
+    EXPECT_EQ(sheet.windowModality(), Qt::WindowModal);
+    EXPECT_EQ(sheet.parentWidget(), &window());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&sheet));
+    EXPECT_EQ(sheet.focusWidget(), &field);
+    QTest::keyClicks(&field, QStringLiteral("K1"));
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_EQ(done, (Texts { "K1" }));
+    QTest::keyClick(&sheet, Qt::Key_Escape);
+    EXPECT_FALSE(sheet.isVisible());
+}
+
+TEST_F(WindowsTest, EveryControlHasANameAndTheFocusFollowsTheEye)
+{
+    outlets_.window.beginSheet(outlets_.addKeyWindow);
+    for (auto* const top : { &window(), find<LevelBar>("usageBar").window(), find<QLineEdit>("usageID").window() }) {
+        QPoint previous(0, 0);
+        for (auto* next = top->nextInFocusChain(); next != top; next = next->nextInFocusChain()) {
+            if (!next->isVisible() || next->focusPolicy() == Qt::NoFocus || next->window() != top)
+                continue;
+            auto* const accessible = QAccessible::queryAccessibleInterface(next);
+            EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty()) << next->objectName().toStdString();
+            auto const place = next->mapTo(top, next->rect().center());
+            bool const sameRow = std::abs(place.y() - previous.y()) < 10;
+            EXPECT_TRUE(place.y() > previous.y() || (sameRow && place.x() > previous.x()))
+                << next->objectName().toStdString();
+            previous = place;
+        }
+    }
+}
+
+TEST_F(WindowsTest, OverlongTextsStayOnTheScreen)
+{
+    std::string const endless(10'000, 'W');
+    Outlets outlets;
+    MainWindows const windows(outlets, bundle_, loop_);
+    outlets.tarvoUsageKeysComboBox.addItems({ endless + " - K1" });
+    outlets.tarvoUsageKeysComboBox.selectItemAtIndex(0);
+    outlets.usageLimit.text.set(endless);
+    outlets.window.makeKeyAndOrderFront();
+    outlets.window.beginSheet({ endless.substr(0, 40), endless, { "Remove", "Keep" } });
+    for (auto const* const top : QApplication::topLevelWidgets()) {
+        EXPECT_LT(top->width(), 1000) << top->objectName().toStdString();
+        EXPECT_LT(top->height(), 600) << top->objectName().toStdString();
+    }
+}
+
+/// A settings portal that prefers dark, with a connection of its own.
+class SettingsPortal : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public:
+    SettingsPortal()
+    {
+        bus.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), this, QDBusConnection::ExportAllContents);
+        EXPECT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
+    }
+
+    Q_SLOT QDBusVariant Read(QString const&, QString const&)
+    {
+        return QDBusVariant(QVariant::fromValue(QDBusVariant(1U)));
+    }
+    Q_SIGNAL void SettingChanged(QString const& space, QString const& key, QDBusVariant const& value);
+
+    QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));
+};
+
+TEST(ColorScheme, TellsThePresentPreferenceAndEveryLaterOne)
+{
+    SettingsPortal portal;
+    std::vector<platform::Appearance> told;
+    ColorScheme const scheme(QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("program")),
+        [&told](platform::Appearance appearance) { told.push_back(appearance); });
+    ASSERT_TRUE(QTest::qWaitFor([&told] { return told.size() == 1; }));
+    for (char const* const key : { "accent-color", "color-scheme" })
+        Q_EMIT portal.SettingChanged(
+            QStringLiteral("org.freedesktop.appearance"), QLatin1String(key), QDBusVariant(2U));
+    ASSERT_TRUE(QTest::qWaitFor([&told] { return told.size() == 2; }));
+    EXPECT_EQ(told, (std::vector { platform::Appearance::Dark, platform::Appearance::Light }));
+}
+
+/// Only writes down what it is asked for.
+class NotificationService : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+
+public:
+    NotificationService()
+    {
+        bus.registerObject(QStringLiteral("/org/freedesktop/Notifications"), this, QDBusConnection::ExportAllContents);
+        EXPECT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.Notifications")));
+    }
+
+    QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("service"));
+    std::vector<Texts> notified;
+
+    Q_SLOT uint Notify(QString const& /*application*/, uint /*replaced*/, QString const& /*icon*/,
+        QString const& summary, QString const& body, QStringList const& actions, QVariantMap const& /*hints*/,
+        int /*timeout*/)
+    {
+        notified.push_back({ summary.toStdString(), body.toStdString(), actions.value(0).toStdString() });
+        return 40 + static_cast<uint>(notified.size());
+    }
+
+    Q_SIGNAL void ActionInvoked(uint, QString const&);
+};
+
+struct ActivationLog final : platform::NotificationCenterDelegate {
+    void didActivateNotification(platform::NotificationId id) override { activated.push_back(id); }
+    std::vector<platform::NotificationId> activated;
+};
+
+TEST(FreedesktopNotifications, DeliversAndTellsOfClicksOnItsOwnOnly)
+{
+    NotificationService service;
+    auto const center = FreedesktopNotifications::connectTo(
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("program")));
+    ActivationLog log;
+    center->setDelegate(&log);
+    for (int i = 0; i < 2; ++i)
+        center->deliver({ "Fish & Chips", "1 <b>bold</b> & one" });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return service.notified.size() == 2; }));
+    EXPECT_EQ(service.notified[0], (Texts { "Fish & Chips", "1 &lt;b&gt;bold&lt;/b&gt; &amp; one", "default" }));
+
+    Q_EMIT service.ActionInvoked(7, QStringLiteral("default"));
+    Q_EMIT service.ActionInvoked(41, QStringLiteral("another"));
+    Q_EMIT service.ActionInvoked(42, QStringLiteral("default"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !log.activated.empty(); }));
+    EXPECT_EQ(log.activated, std::vector<platform::NotificationId> { 42 });
+}
+
+}
+
+#include "DesktopTest.moc"
