@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/AtomicFile.h"
+#include "platform/PropertyList.h"
+#include "storage/SettingsKeys.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <QProcess>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <string>
+
+/// The real program, staged as it is installed into a folder of its own, with settings, caches and an identifier that
+/// nobody else has.
+class ProgramUnderTest {
+public:
+    static constexpr char const* identifier = "net.tarvo.UsageMeter.test";
+
+    ProgramUnderTest()
+    {
+        std::filesystem::path const build = USAGE_METER_BUILD;
+        for (auto const* const part : { "bin/usage-meter", "lib", USAGE_METER_BUNDLE }) {
+            std::filesystem::create_directories((folder_.path() / part).parent_path());
+            std::filesystem::copy(build / part, folder_.path() / part, std::filesystem::copy_options::recursive);
+        }
+        setInfo("CFBundleIdentifier", identifier);
+
+        for (auto const& [variable, folder] :
+            { std::pair("HOME", "home"), { "XDG_CONFIG_HOME", "config" }, { "XDG_CACHE_HOME", "cache" } })
+            setVariable(variable, (folder_.path() / folder).c_str());
+        setVariable("LC_ALL", "en_US.UTF-8");
+        for (char const* const variable : { "LANGUAGE", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY" })
+            environment_.remove(QLatin1String(variable));
+        process_.setProcessChannelMode(QProcess::MergedChannels);
+    }
+
+    void setInfo(std::string const& key, std::string const& text) const
+    {
+        auto info = *platform::readPropertyList(*platform::readFile(infoFile));
+        info.insert_or_assign(key, text);
+        platform::writeFileAtomically(infoFile, platform::writePropertyList(info));
+    }
+
+    void setVariable(char const* name, char const* value)
+    {
+        environment_.insert(QLatin1String(name), QString::fromUtf8(value));
+    }
+
+    void start()
+    {
+        process_.setProcessEnvironment(environment_);
+        process_.start(QString::fromStdString(folder_.path() / "bin/usage-meter"), {});
+        process_.waitForStarted();
+    }
+
+    /// With these connections, the first of them selected, and a cap for it that may be empty.
+    void startWith(platform::Array const& entries, std::string const& cap = {})
+    {
+        auto const selected = *entries.at(0).as<std::string>();
+        platform::Dictionary const stored { { settings::tarvoKeys, entries }, { settings::tarvoKeySelected, selected },
+            { settings::usageCapValues, platform::Dictionary { { selected, cap } } } };
+        platform::makePrivateFolder(settingsFile.parent_path());
+        platform::writeFileAtomically(settingsFile, platform::writePropertyList(stored));
+        start();
+    }
+
+    qint64 processId() const { return process_.processId(); }
+    void signal(int number) const { ::kill(static_cast<pid_t>(processId()), number); }
+
+    /// The exit status; -1 when it runs on or a signal ended it.
+    int waitForExit(std::chrono::milliseconds bound)
+    {
+        process_.waitForFinished(static_cast<int>(bound.count()));
+        bool const exited = process_.state() == QProcess::NotRunning && process_.exitStatus() == QProcess::NormalExit;
+        return exited ? process_.exitCode() : -1;
+    }
+
+    /// All that it wrote on standard output and error, over all its starts.
+    std::string const& output() { return output_ += process_.readAll().toStdString(); }
+
+private:
+    TemporaryFolder folder_;
+    QProcessEnvironment environment_ = QProcessEnvironment::systemEnvironment();
+    QProcess process_;
+    std::string output_;
+
+public:
+    std::filesystem::path const infoFile = folder_.path() / "share/usage-meter/Info.plist";
+    std::filesystem::path const settingsFile = folder_.path() / "config" / identifier / "preferences.plist";
+    std::filesystem::path const cacheFolder = folder_.path() / "cache" / identifier;
+};
