@@ -121,7 +121,8 @@ public:
     void doRemoveKeyAndAlert(int andReturnCode);
     void getUsageCode();
     void checkUpdates();
-    void viewDailyUsageDataButton();
+    /// Makes room for the day-by-day window: the usage window goes if it was asked from there.
+    void viewDailyUsageDataButton(platform::Sender sender);
     void comboBoxSelectionDidChange() override;
 
     // Preferences

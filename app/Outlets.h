@@ -8,6 +8,9 @@
 
 #include <memory>
 
+/// The tag of the usage window's own button for the day-by-day window, which takes the usage window's place.
+inline constexpr int detailedUsageButtonTag = 69;
+
 /// Every control that the controller and the desktop meet at. A desktop's widget has the name of its outlet.
 struct Outlets {
     using MenuItem = std::shared_ptr<platform::MenuItem>;

@@ -5,7 +5,7 @@
 #include "platform/Bundle.h"
 
 #include <QDialog>
-#include <QEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -14,6 +14,7 @@
 namespace {
 
 constexpr char const* returnCodeProperty = "returnCode";
+constexpr char const* dismissedProperty = "dismissed";
 // In pixels: whatever an alert has to say, its buttons stay on the screen.
 constexpr int longestDetails = 240;
 
@@ -28,6 +29,13 @@ QMessageBox::Icon icon(platform::Alert::Style style)
         break;
     }
     return QMessageBox::Warning;
+}
+
+bool isDismissal(QEvent* event)
+{
+    bool const isEscape
+        = event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel);
+    return isEscape || event->type() == QEvent::Close;
 }
 
 }
@@ -108,6 +116,8 @@ bool WindowMirror::eventFilter(QObject* watched, QEvent* event)
     bool const isGoing = event->type() == QEvent::Hide && !event->spontaneous() && watched == widget_.get();
     if (isGoing && model_.visible.get())
         model_.userClosed();
+    if (watched == sheet_ && isDismissal(event))
+        sheet_->setProperty(dismissedProperty, true);
     return QObject::eventFilter(watched, event);
 }
 
@@ -146,8 +156,11 @@ void WindowMirror::showAlert()
         sheet_->setEscapeButton(button);
     }
     QObject::connect(sheet_, &QMessageBox::finished, this, [this, sheet = sheet_] {
-        auto const* const clicked = sheet->clickedButton();
-        model_.userAnswered(clicked ? clicked->property(returnCodeProperty).toInt() : platform::Alert::dismissedReturn);
+        // Without a button to refuse with, the toolkit takes Escape for the only one there is.
+        bool const dismissed = sheet->buttons().size() == 1 && sheet->property(dismissedProperty).toBool();
+        model_.userAnswered(dismissed ? platform::Alert::dismissedReturn
+                                      : sheet->clickedButton()->property(returnCodeProperty).toInt());
     });
+    sheet_->installEventFilter(this);
     sheet_->open();
 }

@@ -146,11 +146,22 @@ TEST_F(WindowsTest, AComboBoxShowsATextThatIsNoItemInPlaceOfOne)
 
 TEST_F(WindowsTest, ASheetShowsPlainTextAndAnswersByKey)
 {
-    for (auto const& [key, expected] :
-        { std::pair(Qt::Key_Escape, Alert::firstButtonReturn + 1), { Qt::Key_Return, Alert::firstButtonReturn } }) {
-        int answered = 0;
-        outlets_.window.beginSheet({ "<b>bold</b> & one", "<b>bold</b> & two", { "Fish & Chips", "Cancel" } },
-            [&answered](int answer) { answered = answer; });
+    Texts const one { "Fish & Chips" };
+    Texts const two { "Fish & Chips", "Cancel" };
+    struct {
+        Texts buttons;
+        Qt::Key key;
+        int expected;
+    } const cases[] {
+        { two, Qt::Key_Escape, Alert::firstButtonReturn + 1 },
+        { two, Qt::Key_Return, Alert::firstButtonReturn },
+        { one, Qt::Key_Escape, Alert::dismissedReturn },
+        { one, Qt::Key_Return, Alert::firstButtonReturn },
+    };
+    for (auto const& [buttons, key, expected] : cases) {
+        int answered = -1;
+        outlets_.window.beginSheet(
+            { "<b>bold</b> & one", "<b>bold</b> & two", buttons }, [&answered](int answer) { answered = answer; });
         auto* const sheet = window().findChild<QMessageBox*>();
         ASSERT_NE(sheet, nullptr);
         EXPECT_EQ(sheet->defaultButton()->text(), "Fish && Chips");

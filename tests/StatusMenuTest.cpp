@@ -89,7 +89,11 @@ TEST_F(StatusMenuTest, CommandsDoWhatTheySay)
     click("Usage cap: Unlimited");
     EXPECT_TRUE(outlets->window.visible.get());
     click("Usage Window");
+    click("Day by Day…");
     EXPECT_TRUE(outlets->monitorWindow.visible.get());
+    // Its own button has the day-by-day window take its place.
+    outlets->detailedUsageButton.userClicked();
+    EXPECT_FALSE(outlets->monitorWindow.visible.get());
     EXPECT_EQ(desktop.activations, 0);
     click("Preferences…");
     EXPECT_EQ(desktop.activations, 1);

@@ -180,7 +180,11 @@ void AppDelegate::getUsageCode() { platform_.workspace.open(addresses().helpPage
 // Updates come with the system's packages.
 void AppDelegate::checkUpdates() { }
 
-// Nothing to show: the program has no window for the day-by-day page.
-void AppDelegate::viewDailyUsageDataButton() { }
+void AppDelegate::viewDailyUsageDataButton(platform::Sender sender)
+{
+    auto* const* const button = std::get_if<platform::Button*>(&sender);
+    if (button && (*button)->tag == detailedUsageButtonTag)
+        outlets_.monitorWindow.orderOut();
+}
 
 void AppDelegate::comboBoxSelectionDidChange() { doUpdateUsageCapText(); }

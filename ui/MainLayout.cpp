@@ -10,8 +10,6 @@
 
 namespace {
 
-// Tells the usage window's own button from the menu's command.
-constexpr int detailedUsageTag = 69;
 // In hours.
 constexpr int longestInterval = 24;
 // Where a text takes its number.
@@ -63,7 +61,7 @@ MainLayout::MainLayout(Outlets& outlets, platform::Bundle const& bundle, platfor
     outlets.usageCapPercentageText.opacity.set(0.0);
     outlets.cacheClearedText.text.set(bundle.localizedString("CACHE_CLEARED"));
     outlets.cacheClearedText.hidden.set(true);
-    outlets.detailedUsageButton.tag = detailedUsageTag;
+    outlets.detailedUsageButton.tag = detailedUsageButtonTag;
 
     outlets.updateIntervalPopupButton.items.set(intervalTitles(bundle));
     outlets.statusBarDropdown.items.set({ bundle.localizedString("TITLE_USED"), bundle.localizedString("TITLE_FREE"),
@@ -97,7 +95,8 @@ void MainLayout::wire(AppDelegate& controller)
     wireButton(outlets_.getUsageCodeButton, &AppDelegate::getUsageCode);
     wireButton(outlets_.cancelButton, &AppDelegate::cancelButton);
     wireButton(outlets_.confirmKeyButton, &AppDelegate::addKeyAction);
-    wireButton(outlets_.detailedUsageButton, &AppDelegate::viewDailyUsageDataButton);
+    outlets_.detailedUsageButton.action
+        = [&controller](platform::Sender sender) { controller.viewDailyUsageDataButton(sender); };
     outlets_.addKeyWindow.closeAction = [&controller] { controller.cancelButton(); };
     auto const showBy = [](platform::CheckBox& toggle, Outlets::MenuItem const& item) {
         toggle.action = [&toggle, item] { item->hidden.set(!toggle.on.get()); };
@@ -115,11 +114,14 @@ void MainLayout::wire(AppDelegate& controller)
 
 void MainLayout::fillMenu(AppDelegate& controller)
 {
-    auto const command = [this, &controller](char const* titleKey, void (AppDelegate::*operation)()) {
-        auto item = std::make_shared<platform::MenuItem>();
-        item->title.set(bundle_.localizedString(titleKey));
-        item->action = [&controller, operation](platform::Sender) { (controller.*operation)(); };
-        return item;
+    auto const item = [this](char const* titleKey, platform::Action action) {
+        auto made = std::make_shared<platform::MenuItem>();
+        made->title.set(bundle_.localizedString(titleKey));
+        made->action = std::move(action);
+        return made;
+    };
+    auto const command = [&](char const* titleKey, void (AppDelegate::*operation)()) {
+        return item(titleKey, [&controller, operation](platform::Sender) { (controller.*operation)(); });
     };
     outlets_.changeConnectionMenuItem->submenu = &outlets_.connectionMenu;
     // Every group keeps a visible line whatever the user hides, so that no two separators meet.
@@ -137,7 +139,8 @@ void MainLayout::fillMenu(AppDelegate& controller)
         command("UPDATE_NOW", &AppDelegate::updateButton),
         separator(),
         command("USAGE_WINDOW", &AppDelegate::showUsageWindow),
-        command("DETAILED_USAGE_TITLE", &AppDelegate::viewDailyUsageDataButton),
+        item("DETAILED_USAGE_TITLE",
+            [&controller](platform::Sender sender) { controller.viewDailyUsageDataButton(sender); }),
         command("PREFERENCES", &AppDelegate::showPreferences),
         separator(),
         command("QUIT", &AppDelegate::quitButton),
