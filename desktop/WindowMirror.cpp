@@ -116,7 +116,8 @@ bool WindowMirror::eventFilter(QObject* watched, QEvent* event)
     bool const isGoing = event->type() == QEvent::Hide && !event->spontaneous() && watched == widget_.get();
     if (isGoing && model_.visible.get())
         model_.userClosed();
-    if (watched == sheet_ && isDismissal(event))
+    // In this order, for a sheet that is being destroyed still has events, and is no sheet any more.
+    if (isDismissal(event) && watched == sheet_)
         sheet_->setProperty(dismissedProperty, true);
     return QObject::eventFilter(watched, event);
 }
