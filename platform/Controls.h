@@ -16,6 +16,9 @@ namespace platform {
 class Button {
 public:
     Property<std::string> title;
+    Property<bool> highlighted { false };
+    /// Nothing: the desktop's own button colour.
+    Property<std::optional<Color>> bezelColor;
     int tag = 0;
     Action action;
 

@@ -31,6 +31,8 @@ struct Platform {
     /// The user's locales, as ICU names them.
     std::string numberLocale = "en_US";
     std::string dateLocale = "en_US";
+    /// Whether the keyboard has a bar of buttons for the window in front.
+    bool touchBarAvailable = false;
 };
 
 }

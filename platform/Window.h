@@ -12,6 +12,7 @@
 
 namespace platform {
 
+struct TouchBar;
 class Window;
 
 /// What can stand on a window until the user is done with it: an alert or another window.
@@ -29,6 +30,8 @@ public:
     Property<Appearance> effectiveAppearance { Appearance::Light };
     /// What stands on the window now; one sheet at most.
     Property<Sheet> attachedSheet;
+    /// What the keyboard shows while the window is in front; nothing: no bar of its own.
+    Property<std::shared_ptr<TouchBar>> touchBar;
     /// What the user's closing of the window does; nothing: the window goes.
     std::function<void()> closeAction;
 
