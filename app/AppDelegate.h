@@ -7,6 +7,7 @@
 #include "platform/RunLoop.h"
 #include "platform/Sender.h"
 #include "platform/StatusItem.h"
+#include "platform/TouchBar.h"
 #include "platform/Value.h"
 
 #include <cstdint>
@@ -31,7 +32,9 @@ struct UsageFigures;
 
 /// The application's controller. It owns the current report, the timers and the status item, and drives everything
 /// through the models of its outlets. Lives for the whole run; main thread only.
-class AppDelegate final : private platform::ComboBoxDelegate, private platform::NotificationCenterDelegate {
+class AppDelegate final : private platform::ComboBoxDelegate,
+                          private platform::NotificationCenterDelegate,
+                          private platform::TouchBarDelegate {
 public:
     AppDelegate(platform::Platform& platform, Outlets& outlets);
     ~AppDelegate() override;
@@ -142,6 +145,16 @@ public:
     /// The user picked another figure for the status item.
     void changeStatusBarDropdown();
 
+    // Touch bar
+
+    /// A bar without connections.
+    std::shared_ptr<platform::TouchBar> makeTouchBar();
+    /// A bar with these connections' items, which may be none.
+    std::shared_ptr<platform::TouchBar> makeTouchBarWithArray(std::vector<std::string> const& connectionIdentifiers);
+    std::unique_ptr<platform::CustomTouchBarItem> makeItemForIdentifier(std::string_view identifier) override;
+    /// Gives the preferences window's bar to the other windows. Always true.
+    bool setTouchBarForAllWindows();
+
     // Appearance
 
     /// Gives the preferences window the ground of the present appearance.
@@ -193,6 +206,11 @@ private:
     void fadeMessage(double opacity, platform::Seconds duration, platform::Task completion);
     void hideMessageLater();
 
+    // Touch bar
+    void showTouchBar(std::vector<std::string> const& connectionIdentifiers);
+    /// The identifiers of the connections that have a place in the bar.
+    std::vector<std::string> touchBarConnections() const;
+
     IntervalChoice intervalChoice() const;
     std::string text(std::string_view key) const;
     /// A label and a value with a blank between.
@@ -218,6 +236,7 @@ private:
     /// The status item waits for a refresh.
     bool waiting_ = false;
     bool animationRanAlready_ = false;
+    bool touchBarAvailable_ = false;
 
     std::vector<platform::Subscription> observations_;
 };

@@ -28,6 +28,8 @@ void AppDelegate::loadKeys()
     outlets_.changeConnectionMenuItem->hidden.set(!hasChoice);
     if (hasChoice)
         doUpdateSubMenu();
+    else if (touchBarAvailable_)
+        showTouchBar({});
 }
 
 std::optional<std::string> AppDelegate::getCurrentlySelectedKey() const

@@ -28,6 +28,9 @@ void AppDelegate::applicationDidFinishLaunching()
 void AppDelegate::performStartupActions()
 {
     prefs_ = &platform_.userDefaults;
+    touchBarAvailable_ = platform_.touchBarAvailable;
+    if (touchBarAvailable_)
+        outlets_.window.touchBar.set(makeTouchBar());
     outlets_.tarvoUsageKeysComboBox.delegate = this;
     doUpdateUsageCapText();
     fileNotifications();

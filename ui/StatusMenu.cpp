@@ -48,6 +48,8 @@ void AppDelegate::doUpdateSubMenu()
         items.push_back(std::move(item));
     }
     outlets_.connectionMenu.setItems(std::move(items));
+    if (touchBarAvailable_)
+        showTouchBar(touchBarConnections());
 }
 
 void AppDelegate::doSelectSubMenuWithMenuItem(platform::Sender sender)

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+#include "platform/TouchBar.h"
+#include "tests/support/ControllerTest.h"
+#include "ui/TouchBarIdentifier.h"
+
+namespace {
+
+class TouchBarTest : public ControllerTest {
+protected:
+    TouchBarTest() { platform.touchBarAvailable = true; }
+
+    std::shared_ptr<platform::TouchBar> bar() const { return outlets->window.touchBar.get(); }
+    void tap(std::size_t position) const { bar()->items().at(position)->view.userClicked(); }
+
+    /// The connections' buttons from left to right, each with its tag and the mark of the selected one.
+    Texts connectionButtons() const
+    {
+        Texts buttons;
+        for (auto const& item : bar()->items()) {
+            auto const& button = item->view;
+            buttons.push_back(
+                (button.highlighted.get() ? "* " : "") + button.title.get() + "/" + std::to_string(button.tag));
+        }
+        return { buttons.begin() + 2, buttons.end() };
+    }
+};
+
+}
+
+TEST(TouchBarIdentifier, ReadsBackWhatItWasMadeOfAndStandsMissingFields)
+{
+    EXPECT_EQ(touchBarIdentifier(0, "Home", true), "0-Home-yes");
+    EXPECT_EQ(touchBarIdentifier(1, "", false), "1--no");
+    for (auto const& [text, expected] : { std::pair("9-Au lac-yes", TouchBarIdentifier { 9, "Au lac", true }),
+             std::pair("1--no", TouchBarIdentifier { 1, "", false }), std::pair("", TouchBarIdentifier {}),
+             std::pair("x-Home", TouchBarIdentifier { 0, "Home", false }),
+             std::pair("1-Home-yes!", TouchBarIdentifier { 1, "Home", false }),
+             std::pair("1-Two-Parts-yes", TouchBarIdentifier { 1, "Two", false }) })
+        EXPECT_EQ(TouchBarIdentifier::parse(text), expected) << text;
+}
+
+TEST_F(TouchBarTest, HoldsTheCommandsAndFromTwoConnectionsOnTheirButtonsInTheListsOrder)
+{
+    Texts identifiers { "net.tarvo.UsageMeter.forceupdate", "net.tarvo.UsageMeter.detailedusagetouch",
+        std::string(platform::touchBarItemIdentifierFlexibleSpace),
+        std::string(platform::touchBarItemIdentifierOtherItemsProxy) };
+    launch();
+    EXPECT_EQ(bar()->defaultItemIdentifiers, identifiers);
+    launchWith({ home });
+    EXPECT_EQ(bar()->defaultItemIdentifiers, identifiers);
+    EXPECT_EQ(outlets->monitorWindow.touchBar.get(), bar());
+
+    storeKeys({ home, cottage, " - K3" }, cottage);
+    launchAndSettle();
+    identifiers.insert(identifiers.end() - 1, { "0-Home-no", "1-Cottage-yes", "2--no" });
+    EXPECT_EQ(bar()->defaultItemIdentifiers, identifiers);
+    EXPECT_EQ(connectionButtons(), (Texts { "Home/0", "* Cottage/1", "/2" }));
+}
+
+TEST_F(TouchBarTest, OnlyTheFirstTenConnectionsHaveButtons)
+{
+    Texts entries { "A - K1", "B - K1", "C - K1", "D - K1", "E - K1", "F - K1", "G - K1", "H - K1", "I - K1", "J - K1",
+        "K - K1" };
+    storeKeys(entries, entries.back());
+    launchAndSettle();
+    EXPECT_EQ(connectionButtons(), (Texts { "A/0", "B/1", "C/2", "D/3", "E/4", "F/5", "G/6", "H/7", "I/8", "J/9" }));
+    EXPECT_EQ(outlets->connectionMenu.items().size(), entries.size());
+}
+
+TEST_F(TouchBarTest, ATapSwitchesToTheConnectionAndAllWindowsGetTheNewBar)
+{
+    launchWith({ home, cottage });
+    auto const before = bar();
+    tap(3);
+    settle();
+    EXPECT_EQ(title(), "20GB");
+    EXPECT_NE(bar(), before);
+    EXPECT_EQ(connectionButtons(), (Texts { "Home/0", "* Cottage/1" }));
+    EXPECT_EQ(outlets->monitorWindow.touchBar.get(), bar());
+    // Back to a report that is still fresh: no request.
+    tap(2);
+    settle();
+    EXPECT_EQ(title(), "10GB");
+    EXPECT_EQ(requests(), 2U);
+
+    controller->doRemoveKeyAndAlert(1000);
+    EXPECT_EQ(connectionButtons(), Texts());
+    EXPECT_EQ(outlets->monitorWindow.touchBar.get(), bar());
+}
+
+TEST_F(TouchBarTest, ItsCommandsDoWhatTheySayInTheirColours)
+{
+    launchWith({ home, cottage });
+    auto const items = bar()->items();
+    EXPECT_EQ(items[0]->view.title.get(), "Update Now");
+    EXPECT_EQ(items[0]->view.bezelColor.get(), (platform::Color { 133, 200, 75 }));
+    EXPECT_EQ(items[1]->view.title.get(), "Day by Day…");
+    EXPECT_EQ(items[1]->view.bezelColor.get(), (platform::Color { 50, 50, 75 }));
+    EXPECT_EQ(items[2]->view.bezelColor.get(), std::nullopt);
+    tap(0);
+    settle();
+    EXPECT_EQ(requests(), 2U);
+    // Only the usage window's own button has the day-by-day window take its place.
+    controller->showUsageWindow();
+    tap(1);
+    EXPECT_TRUE(outlets->monitorWindow.visible.get());
+}
+
+TEST_F(TouchBarTest, ThereIsNoBarWhereTheDesktopHasNone)
+{
+    platform.touchBarAvailable = false;
+    for (auto const& entries : { Texts { home }, Texts { home, cottage } }) {
+        launchWith(entries);
+        EXPECT_EQ(bar(), nullptr);
+        EXPECT_EQ(outlets->monitorWindow.touchBar.get(), nullptr);
+    }
+}
