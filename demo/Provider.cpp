@@ -10,6 +10,7 @@
 #include <ctime>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 namespace demo {
@@ -49,25 +50,24 @@ std::string_view queryOf(httplib::Request const& request)
 }
 
 // Announces the whole body, sends the first part of it and closes the connection.
-void breakOff(httplib::Response& response, std::string const& body, std::size_t sent)
+void breakOff(httplib::Response& response, Reply const& reply, std::size_t sent)
 {
-    response.set_content_provider(
-        body.size() + 1, xml, [part = body.substr(0, sent)](std::size_t, std::size_t, httplib::DataSink& sink) {
+    response.set_content_provider(reply.body.size() + 1, reply.contentType,
+        [part = reply.body.substr(0, sent)](std::size_t, std::size_t, httplib::DataSink& sink) {
             sink.write(part.data(), part.size());
             return false;
         });
 }
 
-void serveUsagePage(httplib::Request const& request, httplib::Response& response)
+Reply htmlReply(std::string body, int status = 200) { return { std::move(body), Manner::AtOnce, status, html }; }
+
+std::optional<std::chrono::year_month> monthIn(httplib::Request const& request)
 {
     auto const year = numberIn(request, "year");
     auto const month = numberIn(request, "month");
-    if (!year || !month || *month < 1 || *month > 12) {
-        response.status = 404;
-        return;
-    }
-    std::chrono::year_month const asked { std::chrono::year { *year }, std::chrono::month { unsigned(*month) } };
-    response.set_content(usagePage(asked, today()), html);
+    if (!year || !month || *month < 1 || *month > 12)
+        return {};
+    return std::chrono::year { *year } / std::chrono::month { unsigned(*month) };
 }
 
 }
@@ -78,7 +78,7 @@ public:
         : http_ { files.certificate.c_str(), files.privateKey.c_str() }
     {
         for (auto const& [name, key] : demoKeys())
-            replies_.emplace(name, key.reply);
+            setReply(name, key.reply);
     }
 
     bool listen(int port)
@@ -112,10 +112,22 @@ public:
 
     int port() const { return port_; }
 
+    std::string host() const { return "localhost:" + std::to_string(port_); }
+
     void setReply(std::string key, Reply reply)
     {
+        if (reply.contentType.empty())
+            reply.contentType = xml;
         std::lock_guard const lock { mutex_ };
         replies_.insert_or_assign(std::move(key), std::move(reply));
+    }
+
+    void setPage(std::string path, Reply reply)
+    {
+        if (reply.contentType.empty())
+            reply.contentType = html;
+        std::lock_guard const lock { mutex_ };
+        pages_.insert_or_assign(std::move(path), std::move(reply));
     }
 
     void setLookup(std::string body)
@@ -136,6 +148,22 @@ public:
         return changed_.wait_for(lock, bound, [&] { return countOf(key) >= count; });
     }
 
+    std::vector<std::string> pageRequests(std::string_view path)
+    {
+        std::lock_guard const lock { mutex_ };
+        auto const requests = pageRequests_.find(path);
+        return requests == pageRequests_.end() ? std::vector<std::string> {} : requests->second;
+    }
+
+    bool waitForPageRequests(std::string_view path, std::size_t count, std::chrono::milliseconds bound)
+    {
+        std::unique_lock lock { mutex_ };
+        return changed_.wait_for(lock, bound, [&] {
+            auto const requests = pageRequests_.find(path);
+            return requests != pageRequests_.end() && requests->second.size() >= count;
+        });
+    }
+
 private:
     void configure()
     {
@@ -144,59 +172,74 @@ private:
         // An idle connection would hold up the end.
         http_.set_keep_alive_max_count(1);
         http_.set_keep_alive_timeout(1);
-        http_.Get("/account/usage/api",
-            [this](httplib::Request const& request, httplib::Response& response) { serveApi(request, response); });
-        http_.Get("/support/usage", serveUsagePage);
-        http_.Get("/support/usage/api",
-            [](httplib::Request const&, httplib::Response& response) { response.set_content(helpPage(), html); });
-        http_.set_error_handler([](httplib::Request const&, httplib::Response& response) {
-            if (response.body.empty())
-                response.set_content(notFoundPage(), html);
-        });
+        auto const handler
+            = [this](httplib::Request const& request, httplib::Response& response) { serve(request, response); };
+        http_.Get(".*", handler);
+        http_.Post(".*", handler);
+    }
+
+    void serve(httplib::Request const& request, httplib::Response& response)
+    {
+        Reply reply;
+        {
+            std::lock_guard const lock { mutex_ };
+            pageRequests_[request.path].push_back(request.target);
+            reply = replyTo(request);
+        }
+        changed_.notify_all();
+        answer(reply, response);
+    }
+
+    // With the lock held, as what it calls: whoever has seen a request come in changes later answers only.
+    Reply replyTo(httplib::Request const& request)
+    {
+        if (auto const page = pages_.find(request.path); page != pages_.end())
+            return page->second;
+        if (request.path == "/account/usage/api")
+            return replyToApi(request);
+        if (request.path == "/support/usage/api")
+            return htmlReply(helpPage());
+        if (request.path == "/support/site.css")
+            return { siteStyle(), Manner::AtOnce, 200, "text/css; charset=utf-8" };
+        if (auto const month = monthIn(request); month && request.path == "/support/usage")
+            return htmlReply(usagePage(host(), lastKey_, *month, today()));
+        return htmlReply(notFoundPage(), 404);
     }
 
     // The two services share a path and differ in their host, as the provider's own do.
-    void serveApi(httplib::Request const& request, httplib::Response& response)
+    Reply replyToApi(httplib::Request const& request)
     {
         constexpr std::string_view keyMark = "key=";
         std::string_view const query = queryOf(request);
         bool const atWww = request.get_header_value("Host").starts_with("www.");
         if (atWww && query == "request=key")
-            return response.set_content(lookup(), xml);
+            return { lookup_, Manner::AtOnce, 200, xml };
         if (!atWww && query.starts_with(keyMark))
-            return answer(received(query.substr(keyMark.size())), response);
-        response.status = 404;
+            return replyToKey(std::string { query.substr(keyMark.size()) });
+        return htmlReply(notFoundPage(), 404);
     }
 
-    std::string lookup()
+    Reply replyToKey(std::string const& key)
     {
-        std::lock_guard const lock { mutex_ };
-        return lookup_;
-    }
-
-    Reply received(std::string_view key)
-    {
-        Reply reply;
-        {
-            std::lock_guard const lock { mutex_ };
-            ++counts_[std::string { key }];
-            auto const known = replies_.find(key);
-            reply = known == replies_.end() ? demoKeys().at("demoempty").reply : known->second;
-        }
-        changed_.notify_all();
-        return reply;
+        ++counts_[key];
+        // The usage pages do not name a key: they are about the connection that asks, and here that is the last one.
+        lastKey_ = key;
+        auto const known = replies_.find(key);
+        return known == replies_.end() ? replies_.at("demoempty") : known->second;
     }
 
     void answer(Reply const& reply, httplib::Response& response)
     {
+        response.status = reply.status;
+        for (auto const& [name, value] : reply.headers)
+            response.set_header(name, value);
         if (reply.manner == Manner::CutOff)
-            return breakOff(response, reply.body, reply.body.size() / 2);
+            return breakOff(response, reply, reply.body.size() / 2);
         bool const never = reply.manner == Manner::Never;
         bool const held = never || reply.manner == Manner::Slowly;
         bool const stopped = held && stoppedWithin(never ? patience : slowness);
         if (never || stopped)
-            return breakOff(response, reply.body, 0);
-        response.status = reply.status;
+            return breakOff(response, reply, 0);
         response.set_content(reply.body, reply.contentType);
     }
 
@@ -218,7 +261,10 @@ private:
     std::mutex mutex_;
     std::condition_variable changed_;
     std::map<std::string, Reply, std::less<>> replies_;
+    std::map<std::string, Reply, std::less<>> pages_;
     std::map<std::string, int, std::less<>> counts_;
+    std::map<std::string, std::vector<std::string>, std::less<>> pageRequests_;
+    std::string lastKey_;
     std::string lookup_ = lookupBody("demohome");
     bool stopping_ = false;
 };
@@ -240,11 +286,13 @@ Provider::~Provider() { stop(); }
 
 int Provider::port() const { return server_->port(); }
 
-std::string Provider::host() const { return "localhost:" + std::to_string(port()); }
+std::string Provider::host() const { return server_->host(); }
 
 void Provider::setReply(std::string key, Reply reply) { server_->setReply(std::move(key), std::move(reply)); }
 
 void Provider::setReport(std::string key, std::string body) { server_->setReply(std::move(key), { std::move(body) }); }
+
+void Provider::setPage(std::string path, Reply reply) { server_->setPage(std::move(path), std::move(reply)); }
 
 void Provider::setLookup(std::string body) { server_->setLookup(std::move(body)); }
 
@@ -253,6 +301,13 @@ int Provider::requestCount(std::string_view key) const { return server_->request
 bool Provider::waitForRequests(std::string_view key, int count, std::chrono::milliseconds bound) const
 {
     return server_->waitForRequests(key, count, bound);
+}
+
+std::vector<std::string> Provider::pageRequests(std::string_view path) const { return server_->pageRequests(path); }
+
+bool Provider::waitForPageRequests(std::string_view path, std::size_t count, std::chrono::milliseconds bound) const
+{
+    return server_->waitForPageRequests(path, count, bound);
 }
 
 void Provider::stop() { server_->stop(); }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace demo {
 
@@ -35,11 +36,20 @@ public:
     /// What the key lookup is answered from now on.
     void setLookup(std::string body);
 
+    /// What the path ("/support/usage") is answered from now on, whatever follows it, in place of the provider's own.
+    void setPage(std::string path, Reply reply);
+
     /// How many reports the key was asked for, those held back or broken off included.
     int requestCount(std::string_view key) const;
 
     /// Waits until the count is reached; false when it is not within the bound.
     bool waitForRequests(std::string_view key, int count, std::chrono::milliseconds bound) const;
+
+    /// What was asked for under the path so far, in order and with the queries ("/support/usage?year=2026&month=11").
+    std::vector<std::string> pageRequests(std::string_view path) const;
+
+    /// Waits until so many pages were asked for under the path; false when they are not within the bound.
+    bool waitForPageRequests(std::string_view path, std::size_t count, std::chrono::milliseconds bound) const;
 
     /// Breaks off what is held back, and ends. Later calls do nothing.
     void stop();

@@ -43,6 +43,7 @@ std::map<std::string, DemoKey, std::less<>> makeDemoKeys()
              { "demoerror", "A web page that reports a fault.",
                  { errorPage, Manner::AtOnce, 503, "text/html; charset=utf-8" } },
              { "demolatin", "An answer in another encoding than UTF-8.", { notUtf8 } },
+             { noticeKey, "A failure notice on the daily usage page.", { home } },
              { "demoempty", "An answer without a figure.", { noFigures } },
          })
         keys.emplace(key.key, key);

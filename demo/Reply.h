@@ -11,12 +11,15 @@ namespace demo {
 /// How an answer comes: at once, after some seconds, not at all, or with half of the body missing.
 enum class Manner { AtOnce, Slowly, Never, CutOff };
 
-/// What one usage key is answered.
+/// What one usage key or one page is answered.
 struct Reply {
-    std::string body;
+    std::string body = {};
     Manner manner = Manner::AtOnce;
     int status = 200;
-    std::string contentType = "text/xml; charset=utf-8";
+    /// XML for a usage key and HTML for a page, when empty.
+    std::string contentType = {};
+    /// Further headers, such as "Location".
+    std::map<std::string, std::string> headers = {};
 };
 
 /// The six volumes of a usage report, in bytes.
@@ -41,6 +44,9 @@ struct DemoKey {
     std::string_view shows;
     Reply reply;
 };
+
+/// The key whose connection has a failure notice on its usage pages.
+constexpr std::string_view noticeKey = "demonotice";
 
 /// The keys that the provider knows from the start, by key.
 std::map<std::string, DemoKey, std::less<>> const& demoKeys();
