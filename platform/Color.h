@@ -16,4 +16,11 @@ struct Color {
 
 enum class Appearance { Light, Dark };
 
+/// The desktop's own colours of a window, a text, and the ground of what holds content.
+struct SystemColors {
+    Color windowBackground { 255, 255, 255 };
+    Color text {};
+    Color controlBackground { 255, 255, 255 };
+};
+
 }

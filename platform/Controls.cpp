@@ -21,6 +21,13 @@ void PopUpButton::userSelected(int index)
         action();
 }
 
+void DatePicker::userPicked(Date date)
+{
+    dateValue.set(date);
+    if (action)
+        action();
+}
+
 void TextField::userTyped(std::string const& typed) { text.set(typed); }
 
 }

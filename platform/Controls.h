@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/Color.h"
+#include "platform/Date.h"
 #include "platform/Opacity.h"
 #include "platform/Property.h"
 #include "platform/Sender.h"
@@ -19,6 +20,7 @@ public:
     Property<bool> highlighted { false };
     /// Nothing: the desktop's own button colour.
     Property<std::optional<Color>> bezelColor;
+    Property<bool> hidden { false };
     int tag = 0;
     Action action;
 
@@ -62,6 +64,30 @@ public:
     Opacity opacity { 1.0 };
 
     void userTyped(std::string const& typed);
+};
+
+/// Lets the user pick a month between two dates. It holds a whole date, of which only the month is shown.
+class DatePicker {
+public:
+    Property<Date> minDate {};
+    Property<Date> maxDate {};
+    Property<Date> dateValue {};
+    /// The locale, as ICU names it, whose calendar and words the months are shown in.
+    std::string locale = "en_US";
+    Property<bool> hidden { false };
+
+    std::function<void()> action;
+
+    void userPicked(Date date);
+};
+
+/// Shows that something is under way, without telling how far it is.
+class ProgressIndicator {
+public:
+    Property<bool> spinning { false };
+    Property<bool> hidden { false };
+
+    void startAnimation() { spinning.set(true); }
 };
 
 /// A bar from 0 to a maximum with a warning and a critical zone.

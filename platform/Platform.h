@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/Color.h"
+
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace platform {
@@ -33,6 +36,7 @@ struct Platform {
     std::string dateLocale = "en_US";
     /// Whether the keyboard has a bar of buttons for the window in front.
     bool touchBarAvailable = false;
+    std::function<SystemColors(Appearance)> systemColors = [](Appearance) { return SystemColors {}; };
 };
 
 }

@@ -32,6 +32,13 @@ void Window::endSheet(Window& sheet)
     attachNextSheet();
 }
 
+void Window::endAlerts()
+{
+    std::erase_if(
+        sheets_, [](Begun const& begun) { return std::holds_alternative<std::shared_ptr<Alert const>>(begun.sheet); });
+    attachNextSheet();
+}
+
 void Window::userAnswered(int returnCode)
 {
     if (!std::holds_alternative<std::shared_ptr<Alert const>>(attachedSheet.get()))

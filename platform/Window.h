@@ -27,6 +27,8 @@ public:
     Property<bool> visible { false };
     /// Nothing: the desktop's own window colour.
     Property<std::optional<Color>> backgroundColor;
+    /// Changed by the program and by the user alike.
+    Property<bool> fullScreen { false };
     Property<Appearance> effectiveAppearance { Appearance::Light };
     /// What stands on the window now; one sheet at most.
     Property<Sheet> attachedSheet;
@@ -38,6 +40,7 @@ public:
     /// Shows the window if it is not shown, and makes it the key window.
     void makeKeyAndOrderFront();
     void orderOut() { visible.set(false); }
+    void toggleFullScreen() { fullScreen.set(!fullScreen.get()); }
 
     /// Tells whenever the window, already shown, is to come to the front as key window.
     Subscription observeFrontRequests(std::function<void()> observer)
@@ -51,6 +54,8 @@ public:
     void beginSheet(Window& sheet);
     /// Ends a window's being a sheet, or its waiting to be one, and takes it off the screen.
     void endSheet(Window& sheet);
+    /// Takes the attached alert and all that wait away. That is no answer: no completion runs.
+    void endAlerts();
 
     /// The user answered the attached alert.
     void userAnswered(int returnCode);
