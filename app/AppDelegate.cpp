@@ -2,6 +2,7 @@
 #include "app/AppDelegate.h"
 
 #include "app/Outlets.h"
+#include "detail/DetailedUsageViewController.h"
 #include "platform/Bundle.h"
 #include "platform/NumberFormatter.h"
 #include "platform/Platform.h"

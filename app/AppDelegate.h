@@ -26,6 +26,7 @@ class UserDefaults;
 struct Platform;
 }
 class CacheData;
+class DetailedUsageViewController;
 class ProviderAddresses;
 struct Outlets;
 struct UsageFigures;
@@ -124,7 +125,7 @@ public:
     void doRemoveKeyAndAlert(int andReturnCode);
     void getUsageCode();
     void checkUpdates();
-    /// Makes room for the day-by-day window: the usage window goes if it was asked from there.
+    /// Opens the day-by-day window. The usage window makes room for it if it was asked from there.
     void viewDailyUsageDataButton(platform::Sender sender);
     void comboBoxSelectionDidChange() override;
 
@@ -237,6 +238,7 @@ private:
     bool waiting_ = false;
     bool animationRanAlready_ = false;
     bool touchBarAvailable_ = false;
+    std::unique_ptr<DetailedUsageViewController> detailedUsageController_;
 
     std::vector<platform::Subscription> observations_;
 };

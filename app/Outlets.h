@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "detail/DetailedUsageLayout.h"
 #include "platform/ComboBox.h"
 #include "platform/Controls.h"
 #include "platform/Menu.h"
@@ -70,4 +71,6 @@ struct Outlets {
     platform::Button getUsageCodeButton;
     platform::Button cancelButton;
     platform::Button confirmKeyButton;
+
+    DetailedUsageLayout detailedUsage;
 };

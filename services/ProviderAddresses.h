@@ -21,6 +21,11 @@ public:
     /// The page on how to obtain a usage key.
     std::string helpPage() const;
 
+    /// The day-by-day page of a month, from 1 to 12.
+    std::string usagePage(int year, int month) const;
+    /// Whether a page may lead there: the address of the host over HTTPS stands somewhere in the text.
+    bool admitsNavigation(std::string_view url) const;
+
 private:
     std::string host_;
 };

@@ -89,14 +89,16 @@ TEST_F(StatusMenuTest, CommandsDoWhatTheySay)
     click("Usage cap: Unlimited");
     EXPECT_TRUE(outlets->window.visible.get());
     click("Usage Window");
-    click("Day by Day…");
+    EXPECT_EQ(desktop.activations, 0);
+    click("Daily Usage");
+    EXPECT_TRUE(outlets->detailedUsage.window.visible.get());
     EXPECT_TRUE(outlets->monitorWindow.visible.get());
     // Its own button has the day-by-day window take its place.
     outlets->detailedUsageButton.userClicked();
     EXPECT_FALSE(outlets->monitorWindow.visible.get());
-    EXPECT_EQ(desktop.activations, 0);
+    EXPECT_EQ(desktop.activations, 2);
     click("Preferences…");
-    EXPECT_EQ(desktop.activations, 1);
+    EXPECT_EQ(desktop.activations, 3);
     click("Quit");
     EXPECT_EQ(desktop.terminations, 1);
     outlets->getUsageCodeButton.userClicked();

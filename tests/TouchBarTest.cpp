@@ -94,7 +94,7 @@ TEST_F(TouchBarTest, ItsCommandsDoWhatTheySayInTheirColours)
     auto const items = bar()->items();
     EXPECT_EQ(items[0]->view.title.get(), "Update Now");
     EXPECT_EQ(items[0]->view.bezelColor.get(), (platform::Color { 133, 200, 75 }));
-    EXPECT_EQ(items[1]->view.title.get(), "Day by Day…");
+    EXPECT_EQ(items[1]->view.title.get(), "Daily Usage");
     EXPECT_EQ(items[1]->view.bezelColor.get(), (platform::Color { 50, 50, 75 }));
     EXPECT_EQ(items[2]->view.bezelColor.get(), std::nullopt);
     tap(0);

@@ -2,6 +2,8 @@
 // The controller's part in confirming, adding and removing connections.
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
+#include "detail/DetailedUsageViewController.h"
+#include "platform/Application.h"
 #include "platform/BackgroundQueues.h"
 #include "platform/Platform.h"
 #include "platform/UserDefaults.h"
@@ -185,6 +187,12 @@ void AppDelegate::viewDailyUsageDataButton(platform::Sender sender)
     auto* const* const button = std::get_if<platform::Button*>(&sender);
     if (button && (*button)->tag == detailedUsageButtonTag)
         outlets_.monitorWindow.orderOut();
+    if (!detailedUsageController_)
+        detailedUsageController_ = std::make_unique<DetailedUsageViewController>(platform_, outlets_.detailedUsage);
+    detailedUsageController_->doShowUsageWindow();
+    if (touchBarAvailable_)
+        outlets_.detailedUsage.window.touchBar.set(outlets_.window.touchBar.get());
+    platform_.application.activateIgnoringOtherApps();
 }
 
 void AppDelegate::comboBoxSelectionDidChange() { doUpdateUsageCapText(); }

@@ -3,6 +3,7 @@
 #include "platform/TouchBar.h"
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
+#include "detail/DetailedUsageViewController.h"
 #include "platform/Bundle.h"
 #include "platform/Platform.h"
 #include "storage/KeyEntry.h"
@@ -65,7 +66,10 @@ std::unique_ptr<platform::CustomTouchBarItem> AppDelegate::makeItemForIdentifier
 
 bool AppDelegate::setTouchBarForAllWindows()
 {
-    outlets_.monitorWindow.touchBar.set(outlets_.window.touchBar.get());
+    auto const& bar = outlets_.window.touchBar.get();
+    if (detailedUsageController_)
+        outlets_.detailedUsage.window.touchBar.set(bar);
+    outlets_.monitorWindow.touchBar.set(bar);
     return true;
 }
 

@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: MIT
+#include "detail/DetailedUsageViewController.h"
+
+#include "detail/DetailedUsageLayout.h"
+#include "detail/PageScripts.h"
+#include "platform/BackgroundQueues.h"
+#include "platform/Bundle.h"
+#include "platform/Calendar.h"
+#include "platform/Platform.h"
+#include "services/ProviderAddresses.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// Long enough for a user to pass over some months.
+constexpr platform::Seconds monthChangeDelay = 500ms;
+constexpr platform::Seconds closingPoll = 200ms;
+constexpr int monthsBack = 12;
+
+constexpr char const* descriptionKey(platform::LoadError error)
+{
+    switch (error) {
+    case platform::LoadError::Unreachable:
+        return "LOAD_ERROR_UNREACHABLE";
+    case platform::LoadError::NameNotResolved:
+        return "LOAD_ERROR_NAME";
+    case platform::LoadError::CertificateNotTrusted:
+        return "LOAD_ERROR_CERTIFICATE";
+    case platform::LoadError::Stopped:
+        return "LOAD_ERROR_STOPPED";
+    case platform::LoadError::PageLost:
+        return "LOAD_ERROR_PAGE_LOST";
+    case platform::LoadError::EngineMissing:
+        return "LOAD_ERROR_ENGINE_MISSING";
+    case platform::LoadError::EngineNotIsolated:
+        return "LOAD_ERROR_ENGINE_NOT_ISOLATED";
+    case platform::LoadError::BadAnswer:
+        break;
+    }
+    return "LOAD_ERROR_ANSWER";
+}
+
+}
+
+DetailedUsageViewController::DetailedUsageViewController(platform::Platform& platform, DetailedUsageLayout& layout)
+    : platform_(platform)
+    , layout_(layout)
+{
+}
+
+void DetailedUsageViewController::windowDidLoad()
+{
+    layout_.usageWebView.delegate = this;
+    observations_.push_back(
+        layout_.window.effectiveAppearance.observeChanges([this](platform::Appearance) { updateDarkAppearance(); }));
+    observations_.push_back(layout_.window.fullScreen.observeChanges(
+        [this](bool entering) { entering ? windowWillEnterFullScreen() : windowWillExitFullScreen(); }));
+    layout_.exitFullScreen.action = [this](platform::Sender) { exitFullScreenAction(); };
+    layout_.usageMonthPicker.action = [this] { changeMonth(); };
+
+    layout_.exitFullScreen.title.set(text("DETAILED_USAGE_EXIT_FULLSCREEN"));
+    layout_.window.title.set(text("DETAILED_USAGE_TITLE"));
+    layout_.loadingText.text.set(text("DETAILED_USAGE_LOADING"));
+    layout_.usageMonthPicker.locale = platform_.dateLocale;
+    boundMonthPicker();
+}
+
+// Anew at each showing, for a run may pass into another month.
+void DetailedUsageViewController::boundMonthPicker()
+{
+    auto const now = platform_.runLoop.now();
+    layout_.usageMonthPicker.minDate.set(platform::addingMonths(now, -monthsBack));
+    layout_.usageMonthPicker.maxDate.set(now);
+    layout_.usageMonthPicker.dateValue.set(now);
+}
+
+void DetailedUsageViewController::doShowUsageWindow()
+{
+    if (!secondRun_)
+        windowDidLoad();
+    layout_.window.makeKeyAndOrderFront();
+    if (secondRun_) {
+        boundMonthPicker();
+        doReload();
+    } else {
+        secondRun_ = true;
+        doBeginLoadUsage();
+    }
+    layout_.progressIndicator.startAnimation();
+}
+
+void DetailedUsageViewController::changeMonth()
+{
+    changeMonthTimer_ = platform_.runLoop.after(monthChangeDelay, [this] { doChangeMonth(); });
+}
+
+void DetailedUsageViewController::doChangeMonth()
+{
+    doBeginLoadUsageWithDate(layout_.usageMonthPicker.dateValue.get());
+}
+
+void DetailedUsageViewController::doReload() { doBeginLoadUsageWithDate(layout_.usageMonthPicker.dateValue.get()); }
+
+void DetailedUsageViewController::doBeginLoadUsage() { doBeginLoadUsageWithDate({}); }
+
+void DetailedUsageViewController::doBeginLoadUsageWithDate(std::optional<platform::Date> date)
+{
+    closeTimer_.reset();
+    layout_.window.endAlerts();
+    didAlreadySetInformativeTitle_ = false;
+    platform_.backgroundQueues.async("detailedusage_background", [this, date] {
+        auto const now = platform_.runLoop.now();
+        auto const month = platform::calendarMonth(date.value_or(now), platform_.dateLocale);
+        bool const isCurrentMonth = month == platform::calendarMonth(now, platform_.dateLocale);
+        platform_.runLoop.perform([this, isCurrentMonth, url = addresses().usagePage(month.year, month.month)] {
+            selectedMonthIsCurrentMonth_ = isCurrentMonth;
+            layout_.usageWebView.load(url);
+        });
+    });
+}
+
+platform::NavigationPolicy DetailedUsageViewController::decidePolicyForNavigationAction(std::string_view url)
+{
+    return addresses().admitsNavigation(url) ? platform::NavigationPolicy::Use : platform::NavigationPolicy::Ignore;
+}
+
+void DetailedUsageViewController::didStartProvisionalLoadForFrame()
+{
+    ++load_;
+    setLoading(true);
+    layout_.loadingText.text.set(text("DETAILED_USAGE_LOADING"));
+}
+
+void DetailedUsageViewController::setLoading(bool loading)
+{
+    layout_.usageWebView.hidden.set(loading);
+    layout_.progressIndicator.hidden.set(!loading);
+    layout_.loadingText.hidden.set(!loading);
+    layout_.usageMonthPicker.hidden.set(loading);
+}
+
+void DetailedUsageViewController::didFinishLoadForFrame()
+{
+    // A frame that is still on its way brings another notice.
+    if (layout_.usageWebView.isLoading())
+        return;
+    auto const scripts = restylingScripts();
+    auto const last = std::prev(scripts.end());
+    std::for_each(scripts.begin(), last, [this](std::string const& script) { layout_.usageWebView.evaluate(script); });
+    evaluate(*last, [this](std::string const&) { showPage(); });
+}
+
+std::vector<std::string> DetailedUsageViewController::restylingScripts()
+{
+    std::vector scripts { pageScripts::restyling() };
+    if (selectedMonthIsCurrentMonth_) {
+        scripts.push_back(pageScripts::todayHighlight());
+        scripts.push_back(pageScripts::todayLegend());
+    }
+    if (!std::exchange(didAlreadySetInformativeTitle_, true))
+        scripts.push_back(pageScripts::banner(text("DETAILED_USAGE_WARNING")));
+    return scripts;
+}
+
+void DetailedUsageViewController::showPage()
+{
+    setLoading(false);
+    updateDarkAppearance();
+    evaluate(pageScripts::failureNotice(), [this](std::string const& notice) { reportFailureNotice(notice); });
+}
+
+void DetailedUsageViewController::reportFailureNotice(std::string const& notice)
+{
+    if (notice.find("error") == std::string::npos)
+        return;
+    layout_.window.beginSheet({ .messageText = text("USAGE_ERROR_TITLE"),
+        .informativeText = text("USAGE_ERROR_MESSAGE"),
+        .buttons = { text("DISMISS") },
+        .style = platform::Alert::Style::Critical });
+}
+
+void DetailedUsageViewController::evaluate(
+    std::string const& script, std::function<void(std::string const& result)> next)
+{
+    layout_.usageWebView.evaluate(script, [this, load = load_, goOn = std::move(next)](std::string const& result) {
+        if (load == load_)
+            goOn(result);
+    });
+}
+
+void DetailedUsageViewController::updateDarkAppearance()
+{
+    auto const colors = platform_.systemColors(layout_.window.effectiveAppearance.get());
+    for (auto const& script : { pageScripts::pageBackground(colors.windowBackground),
+             pageScripts::pageText(colors.text), pageScripts::boxBackground(colors.controlBackground),
+             pageScripts::rowBackground(colors.controlBackground, selectedMonthIsCurrentMonth_) })
+        layout_.usageWebView.evaluate(script);
+}
+
+void DetailedUsageViewController::didFailProvisionalLoadWithError(platform::LoadError error)
+{
+    doDisplayErrorPromptWithWebView(error);
+}
+
+void DetailedUsageViewController::didFailLoadWithError(platform::LoadError error)
+{
+    doDisplayErrorPromptWithWebView(error);
+}
+
+void DetailedUsageViewController::doDisplayErrorPromptWithWebView(platform::LoadError andError)
+{
+    layout_.window.beginSheet(
+        { .messageText = text("USAGE_DETAIL_ERROR_LOAD_TITLE"),
+            .informativeText = text("USAGE_DETAIL_ERROR_LOAD_MESSAGE") + " " + text(descriptionKey(andError)),
+            .buttons = { text("RETRY"), text("REMOVE_KEY_CONFIRM_DONT_REMOVE_BUTTON") },
+            .style = platform::Alert::Style::Critical },
+        [this](int returnCode) {
+            if (returnCode == platform::Alert::firstButtonReturn)
+                doReload();
+            else
+                doCloseWindow();
+        });
+}
+
+void DetailedUsageViewController::doCloseWindow()
+{
+    if (std::holds_alternative<std::monostate>(layout_.window.attachedSheet.get()))
+        layout_.window.orderOut();
+    else
+        closeTimer_ = platform_.runLoop.after(closingPoll, [this] { doCloseWindow(); });
+}
+
+void DetailedUsageViewController::exitFullScreenAction() { layout_.window.toggleFullScreen(); }
+
+void DetailedUsageViewController::windowWillEnterFullScreen() { layout_.exitFullScreen.hidden.set(false); }
+
+void DetailedUsageViewController::windowWillExitFullScreen() { layout_.exitFullScreen.hidden.set(true); }
+
+std::string DetailedUsageViewController::text(std::string_view key) const
+{
+    return platform_.bundle.localizedString(key);
+}
+
+ProviderAddresses DetailedUsageViewController::addresses() const
+{
+    return ProviderAddresses(platform_.bundle.providerHost());
+}

@@ -1,0 +1,288 @@
+// SPDX-License-Identifier: MIT
+#include "detail/PageScripts.h"
+#include "services/ProviderAddresses.h"
+#include "tests/support/ControllerTest.h"
+
+#include <algorithm>
+
+namespace {
+
+using platform::Appearance;
+using platform::LoadError;
+
+/// Writes down what it is to load and to run; a test plays the page.
+struct ScriptedEngine final : platform::WebEngine {
+    void load(std::string const& url) override { urls.push_back(url); }
+    bool isLoading() const override { return loading; }
+    void evaluate(std::string const& script, platform::WebView::Completion completion) override
+    {
+        scripts.push_back(script);
+        pending.push_back([this, script, goOn = std::move(completion)] {
+            if (goOn)
+                goOn(script == pageScripts::failureNotice() ? notice : std::string());
+        });
+    }
+
+    /// The page answers every script, and those that follow from the answers.
+    void answer()
+    {
+        while (!pending.empty()) {
+            auto const next = pending.front();
+            pending.erase(pending.begin());
+            next();
+        }
+    }
+
+    bool loading = false;
+    std::string notice;
+    Texts urls;
+    Texts scripts;
+    std::vector<platform::Task> pending;
+};
+
+class DetailedUsageTest : public ControllerTest {
+protected:
+    DetailedUsageTest()
+    {
+        platform.systemColors = [](Appearance appearance) {
+            return appearance == Appearance::Dark ? platform::SystemColors { { 1, 1, 1 }, { 2, 2, 2 }, { 3, 3, 3 } }
+                                                  : platform::SystemColors { { 4, 4, 4 }, { 5, 5, 5 }, { 6, 6, 6 } };
+        };
+        launchWith({ home, cottage });
+        page().engine = &engine;
+    }
+
+    DetailedUsageLayout& detailed() { return outlets->detailedUsage; }
+    platform::WebView& page() { return detailed().usageWebView; }
+    platform::WebViewDelegate& events() { return *page().delegate; }
+
+    void show()
+    {
+        controller->viewDailyUsageDataButton({});
+        settle();
+    }
+
+    void pick(int year, unsigned month, unsigned day)
+    {
+        detailed().usageMonthPicker.userPicked(
+            std::chrono::sys_days(std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(day)) + 12h);
+    }
+
+    /// A load from its start to its end; what the page answers is up to the test.
+    void load()
+    {
+        events().didStartProvisionalLoadForFrame();
+        engine.scripts.clear();
+        events().didFinishLoadForFrame();
+    }
+
+    void loadAndAnswer()
+    {
+        load();
+        engine.answer();
+    }
+
+    std::string state() const
+    {
+        auto const& window = outlets->detailedUsage;
+        bool const isLoading = !window.progressIndicator.hidden.get() && !window.loadingText.hidden.get();
+        bool const isShown = !window.usageWebView.hidden.get() && !window.usageMonthPicker.hidden.get();
+        return isLoading == isShown ? "mixed" : isShown ? "shown" : "loading";
+    }
+
+    bool ran(std::string const& script) const
+    {
+        return std::ranges::find(engine.scripts, script) != engine.scripts.end();
+    }
+
+    static std::string address(std::string const& query) { return "https://tarvo.example/support/usage?" + query; }
+
+    std::string const banner = pageScripts::banner(bundle.localizedString("DETAILED_USAGE_WARNING"));
+    ScriptedEngine engine;
+};
+
+}
+
+TEST_F(DetailedUsageTest, EveryShowingLoadsThePresentMonthAndLetsAYearBackBePicked)
+{
+    show();
+    EXPECT_EQ(engine.urls, Texts { address("year=2026&month=3") });
+    EXPECT_EQ(detailed().window.title.get(), "Daily Usage");
+    EXPECT_EQ(detailed().usageMonthPicker.minDate.get(), std::chrono::sys_days(std::chrono::year(2025) / 3 / 10) + 10h);
+
+    pick(2025, 3, 10);
+    advance(1s);
+    EXPECT_EQ(engine.urls.back(), address("year=2025&month=3"));
+    detailed().window.userClosed();
+    // The run goes on into another month.
+    advance(24h * 30);
+    show();
+    EXPECT_EQ(engine.urls.back(), address("year=2026&month=4"));
+    EXPECT_EQ(detailed().usageMonthPicker.maxDate.get(), runLoop.now());
+    EXPECT_EQ(engine.urls.size(), 3U);
+}
+
+TEST_F(DetailedUsageTest, QuickChangesOfTheMonthLeadToOneLoadOfTheLastOne)
+{
+    show();
+    for (unsigned const month : { 2U, 1U, 3U }) {
+        pick(2026, month, 1);
+        advance(400ms);
+    }
+    EXPECT_EQ(engine.urls.size(), 1U);
+    advance(99ms);
+    EXPECT_EQ(engine.urls.size(), 1U);
+    advance(1ms);
+    EXPECT_EQ(engine.urls, (Texts { address("year=2026&month=3"), address("year=2026&month=3") }));
+    controller->viewDailyUsageDataButton({});
+    EXPECT_EQ(queues.tasks.back().first, "detailedusage_background");
+}
+
+TEST_F(DetailedUsageTest, ThePageMayLeadToTheHostWithoutWwwOverHttpsAndNowhereElse)
+{
+    show();
+    for (auto const& [url, expected] : { std::pair("https://tarvo.example/support/usage?year=2026&month=3", true),
+             std::pair("https://tarvo.example", true), std::pair("https://www.tarvo.example/", false),
+             std::pair("http://tarvo.example/", false), std::pair("https://example.org/", false),
+             std::pair("about:blank", false), std::pair("file:///etc/passwd", false), std::pair("", false),
+             // Anywhere in the text: as far as the rule reaches.
+             std::pair("https://example.org/?back=https://tarvo.example/", true),
+             std::pair("https://tarvo.example.org/", true) })
+        EXPECT_EQ(events().decidePolicyForNavigationAction(url) == platform::NavigationPolicy::Use, expected) << url;
+}
+
+TEST_F(DetailedUsageTest, APageIsShownOnceItIsRestyledAndThenColoured)
+{
+    show();
+    EXPECT_EQ(state(), "loading");
+    EXPECT_TRUE(detailed().progressIndicator.spinning.get());
+    engine.loading = true;
+    load();
+    EXPECT_EQ(engine.scripts, Texts()) << "another frame is still on its way";
+    engine.loading = false;
+    events().didFinishLoadForFrame();
+    EXPECT_EQ(engine.scripts,
+        (Texts { pageScripts::restyling(), pageScripts::todayHighlight(), pageScripts::todayLegend(), banner }));
+    EXPECT_EQ(state(), "loading");
+    engine.scripts.clear();
+    engine.answer();
+    EXPECT_EQ(state(), "shown");
+    Texts const colouring { pageScripts::pageBackground({ 4, 4, 4 }), pageScripts::pageText({ 5, 5, 5 }),
+        pageScripts::boxBackground({ 6, 6, 6 }), pageScripts::rowBackground({ 6, 6, 6 }, true),
+        pageScripts::failureNotice() };
+    EXPECT_EQ(engine.scripts, colouring);
+
+    // The same load may end once more, and keeps its banner.
+    engine.scripts.clear();
+    events().didFinishLoadForFrame();
+    EXPECT_EQ(engine.scripts.back(), pageScripts::todayLegend());
+    engine.answer();
+    EXPECT_EQ(state(), "shown");
+
+    pick(2026, 2, 28);
+    advance(1s);
+    loadAndAnswer();
+    EXPECT_TRUE(ran(banner));
+    EXPECT_FALSE(ran(pageScripts::todayHighlight()) || ran(pageScripts::todayLegend()));
+    EXPECT_TRUE(ran(pageScripts::rowBackground({ 6, 6, 6 }, false)));
+}
+
+TEST_F(DetailedUsageTest, AChangeOfTheAppearanceColoursThePageAnewWithoutLoadingIt)
+{
+    show();
+    loadAndAnswer();
+    engine.scripts.clear();
+    detailed().window.effectiveAppearance.set(Appearance::Dark);
+    EXPECT_EQ(engine.scripts,
+        (Texts { pageScripts::pageBackground({ 1, 1, 1 }), pageScripts::pageText({ 2, 2, 2 }),
+            pageScripts::boxBackground({ 3, 3, 3 }), pageScripts::rowBackground({ 3, 3, 3 }, true) }));
+    EXPECT_EQ(engine.urls.size(), 1U);
+}
+
+TEST_F(DetailedUsageTest, LateAnswersOfAnOlderLoadChangeNothing)
+{
+    show();
+    engine.notice = "error";
+    load();
+    events().didStartProvisionalLoadForFrame();
+    engine.answer();
+    EXPECT_EQ(state(), "loading");
+
+    // The page is shown, but its notice is read too late.
+    load();
+    while (state() == "loading")
+        std::exchange(engine.pending, {}).back()();
+    events().didStartProvisionalLoadForFrame();
+    engine.answer();
+    EXPECT_EQ(state(), "loading");
+    EXPECT_EQ(alertOn(detailed().window), "");
+}
+
+TEST_F(DetailedUsageTest, AFailureNoticeThatHoldsTheWordErrorRaisesAnAlert)
+{
+    show();
+    for (auto const& [notice, expected] : { std::pair("", false), std::pair("<p>All Errors are gone.</p>", false),
+             std::pair("<i id='terrors'></i>", true) }) {
+        engine.notice = notice;
+        loadAndAnswer();
+        EXPECT_EQ(alertOn(detailed().window) == bundle.localizedString("USAGE_ERROR_TITLE"), expected) << notice;
+    }
+    detailed().window.userAnswered(platform::Alert::firstButtonReturn);
+    EXPECT_EQ(state(), "shown");
+    EXPECT_TRUE(detailed().window.visible.get());
+}
+
+TEST_F(DetailedUsageTest, AFailedLoadAsksWhetherToTryAgain)
+{
+    show();
+    pick(2026, 1, 5);
+    advance(1s);
+    events().didStartProvisionalLoadForFrame();
+    events().didFailProvisionalLoadWithError(LoadError::CertificateNotTrusted);
+    auto const alert = *std::get_if<std::shared_ptr<platform::Alert const>>(&detailed().window.attachedSheet.get());
+    EXPECT_EQ(alert->informativeText, "The page of your provider did not load. The site’s certificate is not trusted.");
+    EXPECT_EQ(state(), "loading");
+
+    detailed().window.userAnswered(platform::Alert::firstButtonReturn);
+    settle();
+    EXPECT_EQ(engine.urls.back(), address("year=2026&month=1"));
+    EXPECT_EQ(engine.urls.size(), 3U);
+    events().didFailLoadWithError(LoadError::PageLost);
+    detailed().window.userAnswered(platform::Alert::firstButtonReturn + 1);
+    EXPECT_FALSE(detailed().window.visible.get());
+}
+
+TEST_F(DetailedUsageTest, ClosingWaitsForTheNextPromptAndANewLoadEndsThemAllWithoutAnAnswer)
+{
+    show();
+    auto const failTwice = [this] {
+        events().didFailProvisionalLoadWithError(LoadError::Stopped);
+        events().didFailLoadWithError(LoadError::PageLost);
+    };
+    failTwice();
+    detailed().window.userAnswered(platform::Alert::dismissedReturn);
+    advance(1s);
+    EXPECT_TRUE(detailed().window.visible.get());
+    detailed().window.userAnswered(platform::Alert::dismissedReturn);
+    EXPECT_FALSE(detailed().window.visible.get());
+
+    show();
+    failTwice();
+    detailed().window.userAnswered(platform::Alert::dismissedReturn);
+    pick(2026, 2, 1);
+    advance(1s);
+    EXPECT_EQ(alertOn(detailed().window), "");
+    EXPECT_TRUE(detailed().window.visible.get());
+    EXPECT_EQ(engine.urls.back(), address("year=2026&month=2"));
+}
+
+TEST_F(DetailedUsageTest, FullScreenBringsAButtonThatLeavesIt)
+{
+    show();
+    EXPECT_TRUE(detailed().exitFullScreen.hidden.get());
+    detailed().window.fullScreen.set(true);
+    EXPECT_FALSE(detailed().exitFullScreen.hidden.get());
+    detailed().exitFullScreen.userClicked();
+    EXPECT_FALSE(detailed().window.fullScreen.get());
+    EXPECT_TRUE(detailed().exitFullScreen.hidden.get());
+}
