@@ -4,6 +4,7 @@
 #include "desktop/LevelBar.h"
 #include "desktop/Text.h"
 #include "platform/Bundle.h"
+#include "platform/Calendar.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -11,6 +12,7 @@
 #include <QGraphicsOpacityEffect>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QPropertyAnimation>
 #include <QPushButton>
 
@@ -114,6 +116,12 @@ void Binder::bind(char const* outlet, platform::Button& model)
 {
     auto& button = widget<QPushButton>(outlet);
     QObject::connect(&button, &QPushButton::clicked, &button, [&model] { model.userClicked(); });
+    mirrorHidden(button, model.hidden);
+    keep(model.title.observe([&button](std::string const& title) {
+        // Most titles come with the layout.
+        if (!title.empty())
+            button.setText(asLabel(title));
+    }));
 }
 
 void Binder::bind(char const* outlet, platform::CheckBox& model)
@@ -194,4 +202,45 @@ void Binder::bind(char const* outlet, platform::LevelIndicator& model)
     keep(model.criticalValue.observe([&bar](double value) { bar.setCriticalValue(value); }));
     mirrorHidden(bar, model.hidden);
     mirrorOpacity(bar, model.opacity);
+}
+
+void Binder::bind(char const* outlet, platform::ProgressIndicator& model)
+{
+    auto& bar = widget<QProgressBar>(outlet);
+    // A bar from 0 to 0 is on the move.
+    keep(model.spinning.observe([&bar](bool spinning) { bar.setRange(0, spinning ? 0 : 1); }));
+    mirrorHidden(bar, model.hidden);
+}
+
+void Binder::bind(char const* outlet, platform::DatePicker& model)
+{
+    auto& box = comboBox(outlet);
+    keepPlaceWhenHidden(box);
+    auto const months
+        = [&model] { return platform::monthsBetween(model.minDate.get(), model.maxDate.get(), model.locale); };
+    auto const showMonth = [&box, &model, months] {
+        auto const monthOf = [&model](platform::Date date) { return platform::calendarMonth(date, model.locale); };
+        auto const dates = months();
+        auto const shown = std::ranges::find(dates, monthOf(model.dateValue.get()), monthOf);
+        box.setCurrentIndex(static_cast<int>(shown - dates.begin()));
+    };
+    auto const listMonths = [&box, &model, months, showMonth](platform::Date) {
+        box.clear();
+        for (auto const date : months())
+            box.addItem(toQt(platform::monthTitle(date, model.locale)));
+        showMonth();
+    };
+    keep(model.minDate.observe(listMonths));
+    keep(model.maxDate.observeChanges(listMonths));
+    keep(model.dateValue.observeChanges([showMonth](platform::Date) { showMonth(); }));
+    mirrorHidden(box, model.hidden);
+    QObject::connect(&box, &QComboBox::activated, &box,
+        [&model, months](int index) { model.userPicked(months().at(static_cast<std::size_t>(index))); });
+}
+
+void Binder::bind(char const* outlet, platform::WebView& model, WebPluginLoader& loader)
+{
+    auto& place = widget<QWidget>(outlet);
+    mirrorHidden(place, model.hidden);
+    webViews_.push_back(std::make_unique<WebViewMirror>(model, place, loader));
 }

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "desktop/WebViewMirror.h"
 #include "platform/ComboBox.h"
 #include "platform/Controls.h"
 #include "platform/RunLoop.h"
 
 #include <QWidget>
 
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -40,6 +42,9 @@ public:
     /// A text to type into.
     void bindInput(char const* outlet, platform::TextField& model);
     void bind(char const* outlet, platform::LevelIndicator& model);
+    void bind(char const* outlet, platform::ProgressIndicator& model);
+    void bind(char const* outlet, platform::DatePicker& model);
+    void bind(char const* outlet, platform::WebView& model, WebPluginLoader& loader);
 
 private:
     template <typename Widget> Widget& widget(char const* outlet)
@@ -59,5 +64,6 @@ private:
     QWidget& window_;
     platform::RunLoop const& runLoop_;
     WheelGuard wheelGuard_;
+    std::vector<std::unique_ptr<WebViewMirror>> webViews_;
     std::vector<platform::Subscription> subscriptions_;
 };

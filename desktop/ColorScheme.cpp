@@ -2,6 +2,7 @@
 #include "desktop/ColorScheme.h"
 
 #include "desktop/PendingCall.h"
+#include "desktop/Text.h"
 
 #include <QApplication>
 #include <QDBusMessage>
@@ -56,6 +57,11 @@ QPalette lightPalette()
     return palette;
 }
 
+QPalette palette(platform::Appearance appearance)
+{
+    return appearance == platform::Appearance::Dark ? darkPalette() : lightPalette();
+}
+
 }
 
 ColorScheme::ColorScheme(QDBusConnection bus, std::function<void(platform::Appearance)> observer)
@@ -85,7 +91,11 @@ void ColorScheme::settingChanged(QString const& space, QString const& key, QDBus
         observer_(appearanceOf(numberIn(value.variant())));
 }
 
-void applyPalette(platform::Appearance appearance)
+void applyPalette(platform::Appearance appearance) { QApplication::setPalette(palette(appearance)); }
+
+platform::SystemColors systemColors(platform::Appearance appearance)
 {
-    QApplication::setPalette(appearance == platform::Appearance::Dark ? darkPalette() : lightPalette());
+    auto const colors = palette(appearance);
+    return { fromQt(colors.color(QPalette::Window)), fromQt(colors.color(QPalette::WindowText)),
+        fromQt(colors.color(QPalette::Base)) };
 }

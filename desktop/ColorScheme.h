@@ -30,3 +30,5 @@ private:
 
 /// Gives all windows a light or a dark palette.
 void applyPalette(platform::Appearance appearance);
+/// The colours of that palette.
+platform::SystemColors systemColors(platform::Appearance appearance);

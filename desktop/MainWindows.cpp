@@ -6,15 +6,24 @@
 #include "platform/Application.h"
 #include "platform/Bundle.h"
 #include "ui_AddKeyWindow.h"
+#include "ui_DetailedUsageViewController.h"
 #include "ui_PreferencesWindow.h"
 #include "ui_UsageWindow.h"
 
 #include <QDialog>
 #include <QMenuBar>
+#include <QShortcut>
 
 namespace {
 
 template <typename Layout> void setUp(QDialog& window) { Layout().setupUi(&window); }
+
+void setUpDetailedUsage(QDialog& window, platform::Window& model)
+{
+    setUp<Ui::DetailedUsageWindow>(window);
+    auto* const shortcut = new QShortcut(QKeySequence::FullScreen, &window);
+    QObject::connect(shortcut, &QShortcut::activated, &window, [&model] { model.toggleFullScreen(); });
+}
 
 void bindPreferences(Binder& binder, Outlets& outlets)
 {
@@ -62,10 +71,21 @@ void bindUsage(Binder& binder, Outlets& outlets)
     binder.bind("detailedUsageButton", outlets.detailedUsageButton);
 }
 
+void bindDetailedUsage(Binder& binder, DetailedUsageLayout& layout, WebPluginLoader& webPlugin)
+{
+    binder.bind("usageMonthPicker", layout.usageMonthPicker);
+    binder.bind("exitFullScreen", layout.exitFullScreen);
+    binder.bind("progressIndicator", layout.progressIndicator);
+    binder.bindLabel("loadingText", layout.loadingText);
+    binder.bind("usageWebView", layout.usageWebView, webPlugin);
 }
 
-MainWindows::MainWindows(Outlets& outlets, platform::Bundle const& bundle, platform::RunLoop const& runLoop)
+}
+
+MainWindows::MainWindows(
+    Outlets& outlets, platform::Bundle const& bundle, platform::RunLoop const& runLoop, std::filesystem::path webFolder)
     : outlets_(outlets)
+    , webPlugin_(std::move(webFolder))
     , preferences_(outlets.window, bundle, runLoop, setUp<Ui::PreferencesWindow>,
           [&outlets](Binder& binder) { bindPreferences(binder, outlets); })
     , addKey_(
@@ -73,6 +93,10 @@ MainWindows::MainWindows(Outlets& outlets, platform::Bundle const& bundle, platf
           [&outlets](Binder& binder) { bindAddKey(binder, outlets); }, &preferences_)
     , usage_(outlets.monitorWindow, bundle, runLoop, setUp<Ui::UsageWindow>,
           [&outlets](Binder& binder) { bindUsage(binder, outlets); })
+    , detailedUsage_(
+          outlets.detailedUsage.window, bundle, runLoop,
+          [&outlets](QDialog& window) { setUpDetailedUsage(window, outlets.detailedUsage.window); },
+          [this](Binder& binder) { bindDetailedUsage(binder, outlets_.detailedUsage, webPlugin_); })
     , productName_(toQt(bundle.infoText("CFBundleDisplayName")))
 {
 }
@@ -87,6 +111,11 @@ void MainWindows::showUsageWindowWithMenu(platform::Application& application)
         usage_.widget().layout()->setMenuBar(menuBar);
     }
     outlets_.monitorWindow.closeAction = [&application] { application.terminate(); };
+    // The day-by-day window takes its place for a while only.
+    detailedUsageClosing_ = outlets_.detailedUsage.window.visible.observeChanges([this](bool visible) {
+        if (!visible)
+            outlets_.monitorWindow.makeKeyAndOrderFront();
+    });
     // A user who is typing in another window of ours goes on there.
     if (outlets_.window.visible.get())
         outlets_.monitorWindow.visible.set(true);
@@ -94,4 +123,8 @@ void MainWindows::showUsageWindowWithMenu(platform::Application& application)
         outlets_.monitorWindow.makeKeyAndOrderFront();
 }
 
-void MainWindows::leaveMenuToStatusArea() { outlets_.monitorWindow.closeAction = nullptr; }
+void MainWindows::leaveMenuToStatusArea()
+{
+    outlets_.monitorWindow.closeAction = nullptr;
+    detailedUsageClosing_ = {};
+}

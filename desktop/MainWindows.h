@@ -2,10 +2,12 @@
 #pragma once
 
 #include "desktop/MenuMirror.h"
+#include "desktop/WebPluginLoader.h"
 #include "desktop/WindowMirror.h"
 
 #include <QString>
 
+#include <filesystem>
 #include <memory>
 
 namespace platform {
@@ -13,10 +15,12 @@ class Application;
 }
 struct Outlets;
 
-/// The preferences window with its add-key sheet, and the usage window.
+/// The preferences window with its add-key sheet, the usage window and the detailed usage window.
 class MainWindows final {
 public:
-    MainWindows(Outlets& outlets, platform::Bundle const& bundle, platform::RunLoop const& runLoop);
+    /// The web engine's libraries are looked for in the folder when the detailed usage window is first opened.
+    MainWindows(Outlets& outlets, platform::Bundle const& bundle, platform::RunLoop const& runLoop,
+        std::filesystem::path webFolder);
 
     /// Shows the usage window with the status menu in it, for a desktop that has no place for a status item. Without
     /// one the window is the program: closing it is its end.
@@ -26,9 +30,12 @@ public:
 
 private:
     Outlets& outlets_;
+    WebPluginLoader webPlugin_;
     WindowMirror preferences_;
     WindowMirror addKey_;
     WindowMirror usage_;
+    WindowMirror detailedUsage_;
     QString productName_;
     std::unique_ptr<MenuMirror> menu_;
+    platform::Subscription detailedUsageClosing_;
 };

@@ -30,12 +30,12 @@ QMessageBox::Icon icon(platform::Alert::Style style)
     return QMessageBox::Warning;
 }
 
-bool isDismissal(QEvent* event)
+bool isEscape(QEvent* event)
 {
-    bool const isEscape
-        = event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel);
-    return isEscape || event->type() == QEvent::Close;
+    return event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel);
 }
+
+bool isDismissal(QEvent* event) { return isEscape(event) || event->type() == QEvent::Close; }
 
 }
 
@@ -77,6 +77,10 @@ void WindowMirror::buildWidget()
         = [this](platform::Subscription subscription) { subscriptions_.push_back(std::move(subscription)); };
     keep(model_.title.observe([this](std::string const& title) { widget_->setWindowTitle(asWindowTitle(title)); }));
     keep(model_.backgroundColor.observe([this](auto const& color) { setBackground(color); }));
+    keep(model_.fullScreen.observe([this](bool fullScreen) {
+        auto const state = widget_->windowState();
+        widget_->setWindowState(fullScreen ? state | Qt::WindowFullScreen : state & ~Qt::WindowFullScreen);
+    }));
     keep(model_.attachedSheet.observeChanges([this](auto const&) { showAlert(); }));
 }
 
@@ -115,6 +119,13 @@ bool WindowMirror::eventFilter(QObject* watched, QEvent* event)
     bool const isGoing = event->type() == QEvent::Hide && !event->spontaneous() && watched == widget_.get();
     if (isGoing && model_.visible.get())
         model_.userClosed();
+    if (event->type() == QEvent::WindowStateChange && watched == widget_.get())
+        model_.fullScreen.set(widget_->isFullScreen());
+    // Escape leaves one thing at a time.
+    if (isEscape(event) && watched == widget_.get() && model_.fullScreen.get()) {
+        model_.fullScreen.set(false);
+        return true;
+    }
     // In this order, for a sheet that is being destroyed still has events, and is no sheet any more.
     if (isDismissal(event) && watched == sheet_)
         sheet_->setProperty(dismissedProperty, true);

@@ -107,13 +107,14 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
         .cachesFolder = userFolder("XDG_CACHE_HOME", ".cache"),
         .numberLocale = platform::userLocale("LC_NUMERIC"),
         .dateLocale = platform::userLocale("LC_TIME"),
+        .systemColors = systemColors,
     };
 
     Outlets outlets;
     MainLayout layout(outlets, bundle, userDefaults);
     AppDelegate controller(platform, outlets);
     layout.wire(controller);
-    MainWindows windows(outlets, bundle, runLoop);
+    MainWindows windows(outlets, bundle, runLoop, besideProgram("../lib/usage-meter"));
     instance.whenActivated([&controller] { controller.showPreferences(); });
     StatusArea const statusArea(controller.usageStatusItem(),
         { .noStatusArea = [&windows, &desktopApplication] { windows.showUsageWindowWithMenu(desktopApplication); },
@@ -122,7 +123,8 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
         bus);
     ColorScheme const colorScheme(bus, [&outlets](platform::Appearance appearance) {
         applyPalette(appearance);
-        for (auto* const window : { &outlets.window, &outlets.addKeyWindow, &outlets.monitorWindow })
+        for (auto* const window :
+            { &outlets.window, &outlets.addKeyWindow, &outlets.monitorWindow, &outlets.detailedUsage.window })
             window->effectiveAppearance.set(appearance);
     });
     // A refresh needs much memory for a moment, and the next one is hours away.

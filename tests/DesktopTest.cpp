@@ -83,7 +83,7 @@ protected:
     platform::UserDefaults defaults_ { folder_.path() / "preferences.plist", loop_ };
     Outlets outlets_;
     MainLayout layout_ { outlets_, bundle_, defaults_ };
-    MainWindows windows_ { outlets_, bundle_, loop_ };
+    MainWindows windows_ { outlets_, bundle_, loop_, {} };
 };
 
 TEST_F(WindowsTest, TheUsersHandReachesTheModelsAndTheSettings)
@@ -215,12 +215,12 @@ TEST_F(WindowsTest, OverlongTextsStayOnTheScreen)
 {
     std::string const endless(10'000, 'W');
     Outlets outlets;
-    MainWindows const windows(outlets, bundle_, loop_);
+    MainWindows const windows(outlets, bundle_, loop_, {});
     outlets.tarvoUsageKeysComboBox.addItems({ endless + " - K1" });
     outlets.tarvoUsageKeysComboBox.selectItemAtIndex(0);
     outlets.usageLimit.text.set(endless);
     outlets.window.makeKeyAndOrderFront();
-    outlets.window.beginSheet({ endless.substr(0, 40), endless, { "Remove", "Keep" } });
+    outlets.window.beginSheet({ endless.substr(0, 40), endless, { "Remove", "Cancel" } });
     for (auto const* const top : QApplication::topLevelWidgets()) {
         EXPECT_LT(top->width(), 1000) << top->objectName().toStdString();
         EXPECT_LT(top->height(), 600) << top->objectName().toStdString();

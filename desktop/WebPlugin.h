@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QtPlugin>
+
+#include <memory>
+
+class QWidget;
+
+namespace platform {
+class WebEngine;
+class WebView;
+}
+
+/// The web engine, in a library of its own that is loaded when a page is first shown.
+class WebPlugin {
+public:
+    virtual ~WebPlugin() = default;
+
+    /// Fills a widget with a new page, which ends with what is returned. The view's delegate follows its loads.
+    virtual std::unique_ptr<platform::WebEngine> makePage(platform::WebView& model, QWidget& place) = 0;
+};
+
+Q_DECLARE_INTERFACE(WebPlugin, "net.tarvo.UsageMeter.WebPlugin/1.0")

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/WebPlugin.h"
+#include "desktop/web/WebPageView.h"
+
+#include <QLayout>
+
+/// The library's way in.
+class WebEnginePlugin final : public QObject, public WebPlugin {
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID "net.tarvo.UsageMeter.WebPlugin/1.0")
+    Q_INTERFACES(WebPlugin)
+
+public:
+    std::unique_ptr<platform::WebEngine> makePage(platform::WebView& model, QWidget& place) override
+    {
+        auto view = std::make_unique<WebPageView>(*model.delegate, place);
+        place.layout()->addWidget(view.get());
+        return view;
+    }
+};
+
+#include "WebEnginePlugin.moc"

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/web/WebPageView.h"
+
+#include "desktop/Text.h"
+
+#include <QEvent>
+#include <QUrl>
+#include <QWebEngineScript>
+
+WebPageView::WebPageView(platform::WebViewDelegate& delegate, QWidget& place)
+    : QWebEngineView(&place)
+    , page_(profile_, delegate)
+{
+    setPage(&page_);
+    setGround();
+    setContextMenuPolicy(Qt::NoContextMenu);
+    setAcceptDrops(false);
+}
+
+// The view lets go of the page before that goes.
+WebPageView::~WebPageView() { setPage(nullptr); }
+
+void WebPageView::load(std::string const& url) { page_.load(QUrl(toQt(url))); }
+
+void WebPageView::evaluate(std::string const& script, platform::WebView::Completion completion)
+{
+    page_.runJavaScript(
+        toQt(script), QWebEngineScript::ApplicationWorld, [goOn = std::move(completion)](QVariant const& result) {
+            if (goOn)
+                goOn(result.toString().toStdString());
+        });
+}
+
+void WebPageView::changeEvent(QEvent* event)
+{
+    QWebEngineView::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        setGround();
+}
+
+// What a page stands on until it brings a ground of its own: no white flash on a dark desktop.
+void WebPageView::setGround() { page_.setBackgroundColor(palette().color(QPalette::Window)); }

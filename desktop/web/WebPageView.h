@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "desktop/web/WebPage.h"
+
+#include <QWebEngineProfile>
+#include <QWebEngineView>
+
+/// A page in a widget, with a profile of its own that leaves nothing behind.
+class WebPageView final : public QWebEngineView, public platform::WebEngine {
+    Q_OBJECT
+
+public:
+    WebPageView(platform::WebViewDelegate& delegate, QWidget& place);
+    ~WebPageView() override;
+
+    void load(std::string const& url) override;
+    bool isLoading() const override { return page_.isLoading(); }
+    void evaluate(std::string const& script, platform::WebView::Completion completion) override;
+
+private:
+    void changeEvent(QEvent* event) override;
+    void setGround();
+
+    QWebEngineProfile profile_;
+    WebPage page_;
+};
