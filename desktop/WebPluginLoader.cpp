@@ -34,22 +34,23 @@ bool mayIsolatePages()
     return ::geteuid() != 0 && mayMakeNamespaces();
 }
 
-// The engine crashes without one.
-void shareGraphics()
+// The engine crashes without a context to share. Tells whether that is one that can draw.
+bool shareGraphics()
 {
-    if (QOpenGLContext::globalShareContext())
-        return;
+    if (auto const* const shared = QOpenGLContext::globalShareContext())
+        return shared->isValid();
     auto* const context = new QOpenGLContext(QCoreApplication::instance());
-    context->create();
     qt_gl_set_global_share_context(context);
+    return context->create();
 }
 
 }
 
 void WebPluginLoader::prepareWindow(QWidget& window) const
 {
-    shareGraphics();
     using Prepare = void (*)(QWidget*);
+    if (!shareGraphics())
+        return;
     auto const prepare = reinterpret_cast<Prepare>(
         QLibrary::resolve(toQt((folder_ / "usage-meter-surface").string()), "prepareWindow"));
     if (prepare)
