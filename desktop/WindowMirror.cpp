@@ -167,10 +167,12 @@ void WindowMirror::showAlert()
         sheet_->setEscapeButton(button);
     }
     QObject::connect(sheet_, &QMessageBox::finished, this, [this, sheet = sheet_] {
+        auto const* const clicked = sheet->clickedButton();
         // Without a button to refuse with, the toolkit takes Escape for the only one there is.
-        bool const dismissed = sheet->buttons().size() == 1 && sheet->property(dismissedProperty).toBool();
-        model_.userAnswered(dismissed ? platform::Alert::dismissedReturn
-                                      : sheet->clickedButton()->property(returnCodeProperty).toInt());
+        bool const dismissed
+            = !clicked || (sheet->buttons().size() == 1 && sheet->property(dismissedProperty).toBool());
+        model_.userAnswered(
+            dismissed ? platform::Alert::dismissedReturn : clicked->property(returnCodeProperty).toInt());
     });
     sheet_->installEventFilter(this);
     sheet_->open();

@@ -157,6 +157,9 @@ TEST_F(WindowsTest, ASheetShowsPlainTextAndAnswersByKey)
         { two, Qt::Key_Return, Alert::firstButtonReturn },
         { one, Qt::Key_Escape, Alert::dismissedReturn },
         { one, Qt::Key_Return, Alert::firstButtonReturn },
+        // By its title bar, or as the program ends.
+        { two, Qt::Key_Close, Alert::dismissedReturn },
+        { one, Qt::Key_Close, Alert::dismissedReturn },
     };
     for (auto const& [buttons, key, expected] : cases) {
         int answered = -1;
@@ -167,7 +170,10 @@ TEST_F(WindowsTest, ASheetShowsPlainTextAndAnswersByKey)
         EXPECT_EQ(sheet->defaultButton()->text(), "Fish && Chips");
         for (char const* const label : { "qt_msgbox_label", "qt_msgbox_informativelabel" })
             EXPECT_EQ(sheet->findChild<QLabel*>(QLatin1String(label))->textFormat(), Qt::PlainText) << label;
-        QTest::keyClick(sheet, key);
+        if (key == Qt::Key_Close)
+            sheet->close();
+        else
+            QTest::keyClick(sheet, key);
         EXPECT_EQ(answered, expected);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
