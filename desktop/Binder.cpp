@@ -233,7 +233,15 @@ void Binder::bind(char const* outlet, platform::DatePicker& model)
     keep(model.minDate.observe(listMonths));
     keep(model.maxDate.observeChanges(listMonths));
     keep(model.dateValue.observeChanges([showMonth](platform::Date) { showMonth(); }));
-    mirrorHidden(box, model.hidden);
+    // Hidden while its month loads, it loses the focus that the next pick by key needs.
+    auto const hadFocus = std::make_shared<bool>();
+    keep(model.hidden.observe([&box, hadFocus](bool isHidden) {
+        if (isHidden)
+            *hadFocus = box.hasFocus() || !box.window()->isVisible();
+        box.setVisible(!isHidden);
+        if (!isHidden && *hadFocus)
+            box.setFocus();
+    }));
     QObject::connect(&box, &QComboBox::activated, &box,
         [&model, months](int index) { model.userPicked(months().at(static_cast<std::size_t>(index))); });
 }

@@ -21,7 +21,7 @@ template <typename Layout> void setUp(QDialog& window) { Layout().setupUi(&windo
 void setUpDetailedUsage(QDialog& window, platform::Window& model)
 {
     setUp<Ui::DetailedUsageWindow>(window);
-    auto* const shortcut = new QShortcut(QKeySequence::FullScreen, &window);
+    auto* const shortcut = new QShortcut(Qt::Key_F11, &window);
     QObject::connect(shortcut, &QShortcut::activated, &window, [&model] { model.toggleFullScreen(); });
 }
 

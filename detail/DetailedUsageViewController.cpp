@@ -138,10 +138,10 @@ void DetailedUsageViewController::didStartProvisionalLoadForFrame()
 
 void DetailedUsageViewController::setLoading(bool loading)
 {
+    layout_.usageMonthPicker.hidden.set(loading);
     layout_.usageWebView.hidden.set(loading);
     layout_.progressIndicator.hidden.set(!loading);
     layout_.loadingText.hidden.set(!loading);
-    layout_.usageMonthPicker.hidden.set(loading);
 }
 
 void DetailedUsageViewController::didFinishLoadForFrame()
