@@ -155,15 +155,6 @@ public:
         return requests == pageRequests_.end() ? std::vector<std::string> {} : requests->second;
     }
 
-    bool waitForPageRequests(std::string_view path, std::size_t count, std::chrono::milliseconds bound)
-    {
-        std::unique_lock lock { mutex_ };
-        return changed_.wait_for(lock, bound, [&] {
-            auto const requests = pageRequests_.find(path);
-            return requests != pageRequests_.end() && requests->second.size() >= count;
-        });
-    }
-
 private:
     void configure()
     {
@@ -304,11 +295,6 @@ bool Provider::waitForRequests(std::string_view key, int count, std::chrono::mil
 }
 
 std::vector<std::string> Provider::pageRequests(std::string_view path) const { return server_->pageRequests(path); }
-
-bool Provider::waitForPageRequests(std::string_view path, std::size_t count, std::chrono::milliseconds bound) const
-{
-    return server_->waitForPageRequests(path, count, bound);
-}
 
 void Provider::stop() { server_->stop(); }
 

@@ -48,9 +48,6 @@ public:
     /// What was asked for under the path so far, in order and with the queries ("/support/usage?year=2026&month=11").
     std::vector<std::string> pageRequests(std::string_view path) const;
 
-    /// Waits until so many pages were asked for under the path; false when they are not within the bound.
-    bool waitForPageRequests(std::string_view path, std::size_t count, std::chrono::milliseconds bound) const;
-
     /// Breaks off what is held back, and ends. Later calls do nothing.
     void stop();
 
