@@ -83,6 +83,8 @@ void DetailedUsageViewController::doShowUsageWindow()
 {
     if (!secondRun_)
         windowDidLoad();
+    // A page that was shown went with the window.
+    setLoading(true);
     layout_.window.makeKeyAndOrderFront();
     if (secondRun_) {
         boundMonthPicker();
@@ -119,6 +121,8 @@ void DetailedUsageViewController::doBeginLoadUsageWithDate(std::optional<platfor
         bool const isCurrentMonth = month == platform::calendarMonth(now, platform_.dateLocale);
         platform_.runLoop.perform([this, isCurrentMonth, url = addresses().usagePage(month.year, month.month)] {
             selectedMonthIsCurrentMonth_ = isCurrentMonth;
+            // An earlier load may have ended meanwhile.
+            didAlreadySetInformativeTitle_ = false;
             layout_.usageWebView.load(url);
         });
     });

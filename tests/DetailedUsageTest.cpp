@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "detail/PageScripts.h"
+#include "platform/Calendar.h"
 #include "services/ProviderAddresses.h"
 #include "tests/support/ControllerTest.h"
 
@@ -113,13 +114,25 @@ TEST_F(DetailedUsageTest, EveryShowingLoadsThePresentMonthAndLetsAYearBackBePick
     pick(2025, 3, 10);
     advance(1s);
     EXPECT_EQ(engine.urls.back(), address("year=2025&month=3"));
+    loadAndAnswer();
+    EXPECT_FALSE(ran(pageScripts::todayHighlight())) << "the same month of another year";
     detailed().window.userClosed();
     // The run goes on into another month.
     advance(24h * 30);
     show();
+    EXPECT_EQ(state(), "loading");
+    EXPECT_EQ(detailed().usageMonthPicker.minDate.get(), platform::addingMonths(runLoop.now(), -12));
     EXPECT_EQ(engine.urls.back(), address("year=2026&month=4"));
     EXPECT_EQ(detailed().usageMonthPicker.maxDate.get(), runLoop.now());
     EXPECT_EQ(engine.urls.size(), 3U);
+}
+
+TEST_F(DetailedUsageTest, AMonthIsNamedAsTheUsersCalendarHasIt)
+{
+    platform.dateLocale = "th_TH";
+    show();
+    EXPECT_EQ(engine.urls.back(), address("year=2569&month=3"));
+    EXPECT_EQ(detailed().usageMonthPicker.locale, "th_TH");
 }
 
 TEST_F(DetailedUsageTest, QuickChangesOfTheMonthLeadToOneLoadOfTheLastOne)
@@ -218,6 +231,16 @@ TEST_F(DetailedUsageTest, LateAnswersOfAnOlderLoadChangeNothing)
     EXPECT_EQ(alertOn(detailed().window), "");
 }
 
+TEST_F(DetailedUsageTest, ALoadThatEndsWhileTheNextOneIsPreparedLeavesThatOneItsBanner)
+{
+    show();
+    controller->viewDailyUsageDataButton({});
+    loadAndAnswer();
+    settle();
+    load();
+    EXPECT_TRUE(ran(banner));
+}
+
 TEST_F(DetailedUsageTest, AFailureNoticeThatHoldsTheWordErrorRaisesAnAlert)
 {
     show();
@@ -241,6 +264,7 @@ TEST_F(DetailedUsageTest, AFailedLoadAsksWhetherToTryAgain)
     events().didFailProvisionalLoadWithError(LoadError::CertificateNotTrusted);
     auto const alert = *std::get_if<std::shared_ptr<platform::Alert const>>(&detailed().window.attachedSheet.get());
     EXPECT_EQ(alert->informativeText, "The page of your provider did not load. The site’s certificate is not trusted.");
+    EXPECT_EQ(alert->buttons, (Texts { "Try Again", "Cancel" }));
     EXPECT_EQ(state(), "loading");
 
     detailed().window.userAnswered(platform::Alert::firstButtonReturn);
