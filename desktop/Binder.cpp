@@ -216,17 +216,16 @@ void Binder::bind(char const* outlet, platform::DatePicker& model)
 {
     auto& box = comboBox(outlet);
     keepPlaceWhenHidden(box);
-    auto const months
-        = [&model] { return platform::monthsBetween(model.minDate.get(), model.maxDate.get(), model.locale); };
-    auto const showMonth = [&box, &model, months] {
+    auto const listed = std::make_shared<std::vector<platform::Date>>();
+    auto const showMonth = [&box, &model, listed] {
         auto const monthOf = [&model](platform::Date date) { return platform::calendarMonth(date, model.locale); };
-        auto const dates = months();
-        auto const shown = std::ranges::find(dates, monthOf(model.dateValue.get()), monthOf);
-        box.setCurrentIndex(static_cast<int>(shown - dates.begin()));
+        auto const shown = std::ranges::find(*listed, monthOf(model.dateValue.get()), monthOf);
+        box.setCurrentIndex(static_cast<int>(shown - listed->begin()));
     };
-    auto const listMonths = [&box, &model, months, showMonth](platform::Date) {
+    auto const listMonths = [&box, &model, listed, showMonth](platform::Date) {
+        *listed = platform::monthsBetween(model.minDate.get(), model.maxDate.get(), model.locale);
         box.clear();
-        for (auto const date : months())
+        for (auto const date : *listed)
             box.addItem(toQt(platform::monthTitle(date, model.locale)));
         showMonth();
     };
@@ -243,7 +242,7 @@ void Binder::bind(char const* outlet, platform::DatePicker& model)
             box.setFocus();
     }));
     QObject::connect(&box, &QComboBox::activated, &box,
-        [&model, months](int index) { model.userPicked(months().at(static_cast<std::size_t>(index))); });
+        [&model, listed](int index) { model.userPicked(listed->at(static_cast<std::size_t>(index))); });
 }
 
 void Binder::bind(char const* outlet, platform::WebView& model, WebPluginLoader& loader)

@@ -21,8 +21,17 @@ template <typename Layout> void setUp(QDialog& window) { Layout().setupUi(&windo
 void setUpDetailedUsage(QDialog& window, platform::Window& model)
 {
     setUp<Ui::DetailedUsageWindow>(window);
-    auto* const shortcut = new QShortcut(Qt::Key_F11, &window);
-    QObject::connect(shortcut, &QShortcut::activated, &window, [&model] { model.toggleFullScreen(); });
+    auto const onKey = [&window](Qt::Key key, auto action) {
+        QObject::connect(new QShortcut(key, &window), &QShortcut::activated, &window, action);
+    };
+    onKey(Qt::Key_F11, [&model] { model.toggleFullScreen(); });
+    // The page would keep this key from the window. It leaves one thing at a time.
+    onKey(Qt::Key_Escape, [&window, &model] {
+        if (model.fullScreen.get())
+            model.fullScreen.set(false);
+        else
+            window.close();
+    });
 }
 
 void bindPreferences(Binder& binder, Outlets& outlets)

@@ -30,12 +30,12 @@ QMessageBox::Icon icon(platform::Alert::Style style)
     return QMessageBox::Warning;
 }
 
-bool isEscape(QEvent* event)
+bool isDismissal(QEvent* event)
 {
-    return event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel);
+    bool const isEscape
+        = event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel);
+    return isEscape || event->type() == QEvent::Close;
 }
-
-bool isDismissal(QEvent* event) { return isEscape(event) || event->type() == QEvent::Close; }
 
 }
 
@@ -121,11 +121,6 @@ bool WindowMirror::eventFilter(QObject* watched, QEvent* event)
         model_.userClosed();
     if (event->type() == QEvent::WindowStateChange && watched == widget_.get())
         model_.fullScreen.set(widget_->isFullScreen());
-    // Escape leaves one thing at a time.
-    if (isEscape(event) && watched == widget_.get() && model_.fullScreen.get()) {
-        model_.fullScreen.set(false);
-        return true;
-    }
     // In this order, for a sheet that is being destroyed still has events, and is no sheet any more.
     if (isDismissal(event) && watched == sheet_)
         sheet_->setProperty(dismissedProperty, true);

@@ -29,6 +29,10 @@ TEST(Bundle, HasEveryTextInBothLanguagesAndPicksTheFirstItHasOrEnglish)
     for (auto const& [key, text] : english)
         EXPECT_TRUE(french.contains(key)) << key;
     EXPECT_EQ(english.size(), french.size());
+    // It stands between single quotes in a script.
+    for (auto const* const table : { &english, &french })
+        EXPECT_EQ(
+            platform::entry<std::string>(*table, "DETAILED_USAGE_WARNING")->find_first_of("'\\\n"), std::string::npos);
     EXPECT_EQ(Bundle::open(shipped, { "eo", "fr" })->localizedString("QUIT"), "Quitter");
     EXPECT_EQ(Bundle::open(shipped, { "eo" })->localizedString("QUIT"), "Quit");
 }

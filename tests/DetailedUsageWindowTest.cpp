@@ -199,6 +199,9 @@ TEST_F(DetailedUsageWindowTest, TheProvidersPageIsCutDownAndColouredAndTodayStan
     EXPECT_EQ(read(std::string(grounds) + ".at(-2)"), "rgb(255, 255, 255)");
     EXPECT_EQ(read(std::string(grounds) + ".at(-1)"), "rgb(212, 255, 209)");
     EXPECT_EQ(read("getComputedStyle(document.body).userSelect"), "none");
+    for (auto const* const event : { "selectstart", "dragstart" })
+        EXPECT_EQ(read(std::string("document.body.dispatchEvent(new Event('") + event + "', { cancelable: true }))"),
+            "false");
 
     detailed().window.effectiveAppearance.set(platform::Appearance::Dark);
     EXPECT_EQ(ground("document.body"), "rgb(43, 45, 48)");
@@ -225,17 +228,19 @@ TEST_F(DetailedUsageWindowTest, WhatCannotBeShownAsksWhetherToTryAgainAndTheRest
     std::string const table = "<table><tr><td>1</td></tr></table>";
     demo::Reply const elsewhere { .status = 302, .headers = { { "Location", "https://www.localhost/" } } };
     demo::Reply const inCircles { .status = 302, .headers = { { "Location", pagePath } } };
-    bool isFirst = true;
+    open();
+    ASSERT_TRUE(waitForPage());
+    int monthsBack = 1;
     for (auto const& [page, outcome] :
         { Case { { table, demo::Manner::CutOff }, "LOAD_ERROR_ANSWER" }, Case { elsewhere, "LOAD_ERROR_STOPPED" },
             Case { inCircles, "LOAD_ERROR_ANSWER" }, Case { { .status = 204 }, "LOAD_ERROR_STOPPED" },
             Case { { table }, "" }, Case { { table, demo::Manner::AtOnce, 503 }, "" },
+            Case { { table, demo::Manner::AtOnce, 401, {}, { { "WWW-Authenticate", "Basic" } } }, "" },
+            Case { { table + "<script>location = 'https://www.localhost/'</script>" }, "" },
             Case { { "<h2>Usage</h2><iframe src='http://localhost/'></iframe>" + table }, "" } }) {
         provider_->setPage(pagePath, page);
-        if (!std::exchange(isFirst, false))
-            controller_.doReload();
-        else
-            open();
+        detailed().usageMonthPicker.dateValue.set(platform::addingMonths(loop_.now(), -monthsBack++));
+        controller_.doReload();
         if (*outcome) {
             EXPECT_EQ(waitForAlert(),
                 "The daily usage cannot be shown. The page of your provider did not load. "
@@ -273,8 +278,9 @@ TEST_F(DetailedUsageWindowTest, APageThatTriesToLeaveStaysAndOpensAndWritesNothi
     Texts const attempts { "window.open('" + other + "')", "window.open('/file')",
         "document.getElementById('form').submit()", "document.getElementById('blank').click()",
         "document.getElementById('link').click()", "location = '" + other + "'", "location = 'file:///etc/passwd'",
-        "location = 'data:text/html,https://" + provider_->host() + "/'", "location = 'mailto:someone@example.org'",
-        "alert('?')", "document.getElementById('link').requestFullscreen()" };
+        "location = 'data:text/html,https://" + provider_->host() + "/'", "location.replace('" + other + "')",
+        "location = 'mailto:someone@example.org'", "alert('?')",
+        "document.getElementById('link').requestFullscreen()" };
     for (auto const& attempt : attempts) {
         read(attempt);
         // An answer from the page that is still the same one, and shown.

@@ -104,6 +104,9 @@ TEST_F(TouchBarTest, ItsCommandsDoWhatTheySayInTheirColours)
     controller->showUsageWindow();
     tap(1);
     EXPECT_TRUE(outlets->monitorWindow.visible.get());
+    EXPECT_EQ(outlets->detailedUsage.window.touchBar.get(), bar());
+    connection(1).userClicked();
+    EXPECT_EQ(outlets->detailedUsage.window.touchBar.get(), bar());
 }
 
 TEST_F(TouchBarTest, ThereIsNoBarWhereTheDesktopHasNone)

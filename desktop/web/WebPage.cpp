@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/web/WebPage.h"
 
+#include <QAuthenticator>
 #include <QFontDatabase>
 #include <QWebEngineLoadingInfo>
 #include <QWebEngineScript>
@@ -15,12 +16,19 @@ namespace {
 constexpr int nameNotResolved = -105;
 constexpr int nameResolutionFailed = -137;
 
-// A style sheet of its own, that the page's scripts do not come across.
+// An adopted style sheet, for an element of style would be the page's first one. The events are stopped before a page
+// that brings styles of its own gets them, and so is its wish to be asked before another one takes its place.
 constexpr auto untouchable = R"(
     const sheet = new CSSStyleSheet();
     sheet.replaceSync('* { user-select: none !important; -webkit-user-drag: none !important; }');
     document.adoptedStyleSheets = [...document.adoptedStyleSheets, sheet];
+    for (const kind of ['selectstart', 'dragstart'])
+        addEventListener(kind, event => event.preventDefault(), true);
+    addEventListener('beforeunload', event => event.stopImmediatePropagation(), true);
 )";
+
+// Nobody is asked for a name and a password; without an answer the engine would try again and again.
+void refuse(QAuthenticator* authenticator) { *authenticator = QAuthenticator(); }
 
 platform::LoadError toLoadError(QWebEngineLoadingInfo const& info)
 {
@@ -46,6 +54,11 @@ WebPage::WebPage(QWebEngineProfile& profile, platform::WebViewDelegate& delegate
 {
     restrict();
     QObject::connect(this, &QWebEnginePage::loadingChanged, this, &WebPage::followLoading);
+    QObject::connect(this, &QWebEnginePage::urlChanged, this, [this] { isCommitted_ = true; });
+    QObject::connect(this, &QWebEnginePage::authenticationRequired, this,
+        [](QUrl const&, QAuthenticator* authenticator) { refuse(authenticator); });
+    QObject::connect(this, &QWebEnginePage::proxyAuthenticationRequired, this,
+        [](QUrl const&, QAuthenticator* authenticator, QString const&) { refuse(authenticator); });
     QObject::connect(this, &QWebEnginePage::renderProcessTerminated, this, [this] {
         isReporting_ = false;
         delegate_.didFailLoadWithError(platform::LoadError::PageLost);
@@ -75,7 +88,9 @@ bool WebPage::acceptNavigationRequest(QUrl const& url, NavigationType type, bool
 {
     bool const accepted
         = delegate_.decidePolicyForNavigationAction(url.toEncoded().toStdString()) == platform::NavigationPolicy::Use;
-    if (isMainFrame && type != NavigationTypeRedirect)
+    // A redirect goes on with a load from the server; once there is a page, it is the page that begins to leave.
+    bool const isServersRedirect = type == NavigationTypeRedirect && isReporting_ && !isCommitted_;
+    if (isMainFrame && !isServersRedirect)
         isRefused_ = !accepted;
     return accepted;
 }
@@ -89,6 +104,7 @@ void WebPage::followLoading(QWebEngineLoadingInfo const& info)
         if (isRefused_)
             return;
         isReporting_ = true;
+        isCommitted_ = false;
         return delegate_.didStartProvisionalLoadForFrame();
     case QWebEngineLoadingInfo::LoadSucceededStatus:
         return reportEnd({});
@@ -98,7 +114,8 @@ void WebPage::followLoading(QWebEngineLoadingInfo const& info)
             return reportEnd({});
         return reportEnd(toLoadError(info));
     case QWebEngineLoadingInfo::LoadStoppedStatus:
-        return reportEnd(platform::LoadError::Stopped);
+        // A page that tries to leave while it arrives is kept, as far as it came.
+        return reportEnd(isRefused_ ? std::nullopt : std::optional(platform::LoadError::Stopped));
     }
 }
 

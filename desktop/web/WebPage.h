@@ -33,6 +33,8 @@ private:
     platform::WebViewDelegate& delegate_;
     /// The delegate was told of a load whose end it was not told yet.
     bool isReporting_ = false;
-    /// The load that is about to start was refused before its first request.
+    /// The page of that load has begun to arrive.
+    bool isCommitted_ = false;
+    /// The last navigation that began was refused before its first request.
     bool isRefused_ = false;
 };

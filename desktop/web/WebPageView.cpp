@@ -3,6 +3,7 @@
 
 #include "desktop/Text.h"
 
+#include <QDialog>
 #include <QEvent>
 #include <QUrl>
 #include <QWebEngineScript>
@@ -17,16 +18,20 @@ WebPageView::WebPageView(platform::WebViewDelegate& delegate, QWidget& place)
     setAcceptDrops(false);
 }
 
-// The view lets go of the page before that goes.
-WebPageView::~WebPageView() { setPage(nullptr); }
+// The view lets go of the page before that goes. The engine then answers every script that still runs.
+WebPageView::~WebPageView()
+{
+    isClosing_ = true;
+    setPage(nullptr);
+}
 
 void WebPageView::load(std::string const& url) { page_.load(QUrl(toQt(url))); }
 
 void WebPageView::evaluate(std::string const& script, platform::WebView::Completion completion)
 {
     page_.runJavaScript(
-        toQt(script), QWebEngineScript::ApplicationWorld, [goOn = std::move(completion)](QVariant const& result) {
-            if (goOn)
+        toQt(script), QWebEngineScript::ApplicationWorld, [this, goOn = std::move(completion)](QVariant const& result) {
+            if (goOn && !isClosing_)
                 goOn(result.toString().toStdString());
         });
 }
@@ -36,6 +41,15 @@ void WebPageView::changeEvent(QEvent* event)
     QWebEngineView::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
         setGround();
+}
+
+// The engine has a dialog of its own, for an input field of colours.
+void WebPageView::childEvent(QChildEvent* event)
+{
+    QWebEngineView::childEvent(event);
+    auto* const dialog = event->polished() ? qobject_cast<QDialog*>(event->child()) : nullptr;
+    if (dialog)
+        QMetaObject::invokeMethod(dialog, &QDialog::reject, Qt::QueuedConnection);
 }
 
 // What a page stands on until it brings a ground of its own: no white flash on a dark desktop.

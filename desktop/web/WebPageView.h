@@ -20,8 +20,10 @@ public:
 
 private:
     void changeEvent(QEvent* event) override;
+    void childEvent(QChildEvent* event) override;
     void setGround();
 
+    bool isClosing_ = false;
     QWebEngineProfile profile_;
     WebPage page_;
 };
