@@ -45,7 +45,7 @@ protected:
 
 }
 
-TEST_F(PresentationTest, ShowsAReportUnderItsCapAndOverIt)
+TEST_F(PresentationTest, ShowsAReportUnderItsCapOverItAndWithoutOne)
 {
     launchWithCap("100");
     EXPECT_EQ(title(), "57.3GB");
@@ -64,16 +64,10 @@ TEST_F(PresentationTest, ShowsAReportUnderItsCapAndOverIt)
     EXPECT_EQ(volumes().back(), "-5.8GB = -5,802.47MB");
     EXPECT_EQ(outlets->usageCapPercentageText.text.get(), "111.6%");
     EXPECT_EQ(controller->usageCapForKey(home), "100");
-}
 
-TEST_F(PresentationTest, ShowsNoCapAsEndlessInTheFieldsAndUnlimitedInTheTitle)
-{
-    launchWithCap("");
+    presentWithCap("");
     EXPECT_EQ(volumes().at(7), "∞ = Unlimited");
     EXPECT_EQ(volumes().at(8), "∞ = Unlimited");
-    EXPECT_TRUE(outlets->usageBar.hidden.get());
-    outlets->statusBarDropdown.userSelected(3);
-    EXPECT_EQ(title(), "Unlimited");
 }
 
 TEST_F(PresentationTest, FadesTheLevelWithTheCap)
@@ -81,6 +75,12 @@ TEST_F(PresentationTest, FadesTheLevelWithTheCap)
     launchWithCap("100");
     EXPECT_FALSE(outlets->usageBar.hidden.get());
     EXPECT_EQ(levelOpacity(), 0.0);
+    // A fade goes on from where the one before has come to.
+    advance(250ms);
+    presentWithCap("");
+    advance(250ms);
+    EXPECT_EQ(levelOpacity(), 0.25);
+    presentWithCap("100");
     advance(500ms);
     EXPECT_EQ(levelOpacity(), 1.0);
     // Shown already: nothing to fade.
@@ -117,10 +117,4 @@ TEST_F(PresentationTest, AFailureLeavesTheLastGoodFiguresBesideItsTexts)
     EXPECT_EQ(volumes().at(7), "No data = 100,000MB");
     EXPECT_EQ(outlets->usageCapPercentageText.text.get(), "55.8%");
     EXPECT_EQ(outlets->monitorWindow.title.get(), "Usage Meter - Home");
-
-    loader.replies[addressOf("K1")] = report;
-    advance(30s);
-    EXPECT_EQ(title(), "57.3GB");
-    EXPECT_EQ(volumeLines().front(), "Downloaded: 52.35GB");
-    EXPECT_EQ(volumes().at(7), "100GB = 100,000MB");
 }

@@ -92,7 +92,7 @@ public:
     Names names;
 };
 
-TEST_F(StatusItem, ShowsItsTitleAndItsMenu)
+TEST_F(StatusItem, ShowsItsTitleAndItsMenuAndRebuildsTenThousandLinesInLittleTime)
 {
     update_->submenu = &submenu_;
     submenu_.setItems({ makeLine("Home"), makeLine("Cottage_by_the__sea") });
@@ -103,6 +103,15 @@ TEST_F(StatusItem, ShowsItsTitleAndItsMenu)
     start();
     EXPECT_EQ(reader_.title(), "57.3GB");
     EXPECT_TRUE(waitForLines({ "Downloaded: 52.35GB", "--", "Update now", "  * Home", "  Cottage_by_the__sea" }));
+
+    Menu::Items items;
+    for (int i = 0; i < 10'000; ++i)
+        items.push_back(makeLine(std::to_string(i)));
+    QElapsedTimer timer;
+    timer.start();
+    submenu_.setItems(std::move(items));
+    EXPECT_TRUE(waitFor([this] { return lines().back() == "  9999"; }));
+    EXPECT_LT(timer.elapsed(), 2500);
 }
 
 TEST_F(StatusItem, TellsTheChangesOfOneTurnAsOneUpdateAndNothingThatIsNotNew)
@@ -171,22 +180,6 @@ TEST_F(StatusItem, RefusesMalformedCallsAndLivesOn)
     };
     for (auto const& [method, arguments, answer] : cases)
         EXPECT_EQ(answerOf(method, arguments), answer) << method;
-}
-
-TEST_F(StatusItem, RebuildsTenThousandLinesInLittleTime)
-{
-    update_->submenu = &submenu_;
-    start();
-    QElapsedTimer timer;
-    timer.start();
-    for (std::string const stem : { "first ", "second " }) {
-        Menu::Items items;
-        for (int i = 0; i < 10'000; ++i)
-            items.push_back(makeLine(stem + std::to_string(i)));
-        submenu_.setItems(std::move(items));
-        ASSERT_TRUE(waitFor([&] { return lines().back() == "  " + stem + "9999"; }));
-    }
-    EXPECT_LT(timer.elapsed(), 5000);
 }
 
 TEST_F(StatusItem, SaysThatThereIsNoPlaceAndFollowsPanelsThatComeAndGo)
