@@ -205,6 +205,7 @@ TEST_F(DetailedUsageWindowTest, TheProvidersPageIsCutDownAndColouredAndTodayStan
 
     detailed().window.effectiveAppearance.set(platform::Appearance::Dark);
     EXPECT_EQ(ground("document.body"), "rgb(43, 45, 48)");
+    EXPECT_NE(read(std::string(grounds) + ".at(-2)"), "rgb(255, 255, 255)");
     EXPECT_EQ(pageCount(), 1U);
 
     // The month before, as the user picks it.
@@ -221,10 +222,7 @@ TEST_F(DetailedUsageWindowTest, TheProvidersPageIsCutDownAndColouredAndTodayStan
 
 TEST_F(DetailedUsageWindowTest, WhatCannotBeShownAsksWhetherToTryAgainAndTheRestIsShownAsFarAsItGoes)
 {
-    struct Case {
-        demo::Reply page;
-        char const* outcome;
-    };
+    using Case = std::pair<demo::Reply, char const*>;
     std::string const table = "<table><tr><td>1</td></tr></table>";
     demo::Reply const elsewhere { .status = 302, .headers = { { "Location", "https://www.localhost/" } } };
     demo::Reply const inCircles { .status = 302, .headers = { { "Location", pagePath } } };
@@ -272,6 +270,7 @@ TEST_F(DetailedUsageWindowTest, APageThatTriesToLeaveStaysAndOpensAndWritesNothi
     std::string const other = "https://www." + elsewhere->host() + "/away";
     provider_->setPage("/file", { .body = "x", .headers = { { "Content-Disposition", "attachment; filename=x" } } });
     openOn({ "<h2>Usage</h2><form id='form' method='post' action='" + other + "'><input name='a'></form>"
+        + "<i class='usage-message-failure'>All Errors are gone.</i>"
         + "<a id='blank' target='_blank' href='/file'>x</a><a id='link' href='" + other + "'>x</a>" });
     ASSERT_TRUE(waitForPage());
     auto const windows = QGuiApplication::topLevelWindows().size();

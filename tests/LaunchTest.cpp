@@ -10,9 +10,7 @@ TEST_F(LaunchTest, AFreshInstallationAsksForAKeyAndStoresOnlyItsVersion)
     defaults.remove(settings::lastInstalledVersion);
     cache().saveCacheFile({ { "used:download", "1" } }, "K1");
     loader.replies["https://www.tarvo.example/account/usage/api?request=key"] = "<r><key>K1</key></r>";
-    launch();
-    EXPECT_EQ(queues.tasks.front().first, "tarvobackground");
-    settle();
+    launchAndSettle();
     EXPECT_EQ(cache().retrieveCachedFileWithName("K1"), std::nullopt);
     EXPECT_EQ(*defaults.get<std::string>(settings::lastInstalledVersion), bundle.shortVersion());
     EXPECT_EQ(outlets->statusBarDropdown.indexOfSelectedItem.get(), 2);
@@ -35,24 +33,6 @@ TEST_F(LaunchTest, AFreshInstallationAsksForAKeyAndStoresOnlyItsVersion)
     EXPECT_FALSE(outlets->addKeyWindow.visible.get());
     EXPECT_EQ(*defaults.get<platform::Array>(settings::tarvoKeys), platform::Array { home });
     EXPECT_EQ(title(), "10GB");
-}
-
-TEST_F(LaunchTest, RestoresWhatTheUserPickedAndNotifiesNobodyWithoutAService)
-{
-    platform.notificationCenter = nullptr;
-    storeKeys({ home, cottage }, cottage);
-    defaults.set(settings::menuBarSelector, 0);
-    defaults.set(settings::hourUpdateInterval, 6);
-    defaults.set(settings::showNotificationsMenu, true);
-    defaults.set(settings::usageCapValues, platform::Dictionary { { cottage, "30" } });
-    launchAndSettle();
-    EXPECT_EQ(title(), "12GB");
-    EXPECT_EQ(outlets->usageLimit.text.get(), "30");
-    EXPECT_EQ(nextLine(), nextUpdate(at(16, 0)));
-    EXPECT_FALSE(outlets->window.visible.get());
-    EXPECT_TRUE(outlets->showNotificationsToggle.hidden.get());
-    advance(6h);
-    EXPECT_EQ(requests(), 2U);
 }
 
 TEST_F(LaunchTest, ConvertsTheKeyOfEarlierVersions)
@@ -96,9 +76,12 @@ TEST_F(LaunchTest, ForeignSettingsOfTheWrongTypeDoNoHarm)
     defaults.set(settings::tarvoKeys, platform::Array { 5, home, platform::Dictionary {} });
     defaults.set(settings::usageCapValues, "none");
     defaults.set(settings::hourUpdateInterval, "2");
+    defaults.set(settings::menuBarSelector, 99);
     defaults.set(settings::tarvoId, 1);
     launchAndSettle();
-    EXPECT_EQ(title(), "10GB");
+    EXPECT_EQ(title(), "6GB");
+    EXPECT_EQ(outlets->statusBarDropdown.indexOfSelectedItem.get(), 0);
+    EXPECT_EQ(outlets->updateIntervalPopupButton.indexOfSelectedItem.get(), 0);
     EXPECT_EQ(outlets->tarvoUsageKeysComboBox.items.get(), (Texts { home }));
     EXPECT_EQ(outlets->usageLimit.text.get(), "");
 }

@@ -18,19 +18,33 @@ protected:
 
 }
 
-TEST_F(PreferencesTest, CheckBoxesTakeEffectAtOnceAndLast)
+TEST_F(PreferencesTest, ChoicesTakeEffectAtOnceAndLast)
 {
     outlets->usageCapToggle.userToggled(false);
     outlets->nextUpdateToggle.userToggled(false);
     outlets->onlyKeyNicknamesToggle.userToggled(true);
+    outlets->showNotificationsToggle.userToggled(true);
+    outlets->statusBarDropdown.userSelected(0);
+    outlets->updateIntervalPopupButton.userSelected(6);
+    settle();
+    // Nobody is notified without a service, whatever is stored.
+    platform.notificationCenter = nullptr;
     for (int launches = 0; launches < 2; ++launches) {
         EXPECT_TRUE(outlets->usageCapMenuItem->hidden.get());
         EXPECT_FALSE(outlets->remainingUsageMenuItem->hidden.get());
         EXPECT_TRUE(outlets->nextUpdateMenuItem->hidden.get());
         EXPECT_EQ(connection(1).title.get(), "Cottage");
-        EXPECT_EQ(requests(), 1U);
+        EXPECT_EQ(title(), "6GB");
+        EXPECT_EQ(nextLine(), nextUpdate(at(16, 0)));
+        EXPECT_EQ(requests(), 2U);
         launchAndSettle();
     }
+    EXPECT_TRUE(outlets->showNotificationsToggle.hidden.get());
+    outlets->window.effectiveAppearance.set(platform::Appearance::Dark);
+    EXPECT_EQ(outlets->window.backgroundColor.get(), bundle.namedColor("mainBackground", platform::Appearance::Dark));
+    EXPECT_FALSE(outlets->window.visible.get());
+    advance(6h);
+    EXPECT_EQ(requests(), 3U);
 }
 
 TEST_F(PreferencesTest, TheTitleChoiceRewritesTheTitleOnlyOverAReport)
@@ -40,7 +54,6 @@ TEST_F(PreferencesTest, TheTitleChoiceRewritesTheTitleOnlyOverAReport)
     EXPECT_EQ(title(), "Please wait…");
     settle();
     EXPECT_EQ(title(), "6GB");
-    outlets->usageCapText.text.set("untouched");
     Texts titles;
     for (int const index : { 1, 2, 3, 4, -1 }) {
         outlets->statusBarDropdown.indexOfSelectedItem.set(index);
@@ -48,7 +61,6 @@ TEST_F(PreferencesTest, TheTitleChoiceRewritesTheTitleOnlyOverAReport)
         titles.push_back(title());
     }
     EXPECT_EQ(titles, (Texts { "4GB", "10GB", "Unlimited", "Error", "Error" }));
-    EXPECT_EQ(outlets->usageCapText.text.get(), "untouched");
 
     failReply("K1");
     refresh();
@@ -69,12 +81,4 @@ TEST_F(PreferencesTest, TheSuccessMessageFadesInStaysAndGoesAfterEveryPress)
         EXPECT_EQ(messageOpacityAfter(750ms), 0.5);
         EXPECT_EQ(messageOpacityAfter(750ms), std::nullopt);
     }
-
-    outlets->clearCacheButton.userClicked();
-    advance(2s);
-    outlets->clearCacheButton.userClicked();
-    EXPECT_EQ(messageOpacityAfter(6s), std::nullopt);
-    // The second one's timer shows the message, opaque, and fades it once more.
-    EXPECT_EQ(messageOpacityAfter(500ms), 1.0);
-    EXPECT_EQ(messageOpacityAfter(1500ms), std::nullopt);
 }

@@ -27,16 +27,16 @@ using Texts = std::vector<std::string>;
 
 /// Queues whose tasks run when a test says so, in the order it says.
 struct ManualQueues final : platform::BackgroundQueues {
-    void async(std::string const& label, platform::Task task) override { tasks.emplace_back(label, std::move(task)); }
+    void async(std::string const& /*label*/, platform::Task task) override { tasks.push_back(std::move(task)); }
 
     void run(std::size_t position)
     {
-        auto const task = tasks.at(position).second;
+        auto const task = tasks.at(position);
         tasks.erase(tasks.begin() + static_cast<std::ptrdiff_t>(position));
         task();
     }
 
-    std::vector<std::pair<std::string, platform::Task>> tasks;
+    std::vector<platform::Task> tasks;
 };
 
 /// A provider that answers what a test put in, and nothing otherwise.
