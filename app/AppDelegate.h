@@ -76,11 +76,16 @@ public:
     bool updateTimer(std::optional<platform::Date> withFireDate, std::int64_t orWithInterval);
     /// Writes the dates of the last and the next update into the menu.
     void updateTitleBarDates();
+    /// Writes the dates that the menu shows anew: "today" is another day by now, or the time zone another one.
+    void menuNeedsUpdate();
     /// The user picked an interval: every cached report goes, and a new one is fetched.
     void doChangeUpdateIntervalDropdown();
     void doFixError();
     /// The computer woke: a refresh that fell due in sleep is made at once.
     void receiveWakeNote();
+    /// The clock was set: where that put the next refresh off beyond a whole interval, it is made at once, and all
+    /// cached reports go, whose due times were put off as well.
+    void receiveClockNote();
 
     // Presentation
 
@@ -160,7 +165,7 @@ public:
 
     /// Gives the preferences window the ground of the present appearance.
     void updateDarkAppearance();
-    /// Begins to observe the computer's waking and the appearance.
+    /// Begins to observe the computer's waking, its clock and the appearance.
     void fileNotifications();
 
 private:
@@ -181,6 +186,7 @@ private:
 
     // Schedule
     void armUpdateInterval(std::optional<platform::Date> fireDate, platform::Seconds interval);
+    void showDates();
 
     // Presentation
     void presentReport();
@@ -232,6 +238,8 @@ private:
     IntervalChoice indexOfSelectedItemUpdateInterval_ = 0;
     std::unique_ptr<platform::Timer> updateInterval_;
     std::unique_ptr<platform::Timer> fixErrorTimer_;
+    /// The last update that the menu tells of; none while it shows no dates.
+    std::optional<platform::Date> shownLastUpdate_;
     /// A connection was picked from the submenu: useConnection() then stores no cap and leaves the window alone.
     bool usedMenuItemForSelection_ = false;
     /// The status item waits for a refresh.

@@ -33,8 +33,20 @@ void AppDelegate::updateTitleBarDates()
         if (auto const* const stored = platform::entry<platform::Date>(*usageDictionary_, reportEntry::lastUpdate))
             lastUpdate = *stored;
     }
+    shownLastUpdate_ = lastUpdate;
+    showDates();
+}
+
+void AppDelegate::menuNeedsUpdate()
+{
+    if (shownLastUpdate_)
+        showDates();
+}
+
+void AppDelegate::showDates()
+{
     platform::DateFormatter const formatter(platform_.dateLocale);
-    outlets_.lastUpdateMenuItem->title.set(labelled("LAST_UPDATE", formatter.string(lastUpdate)));
+    outlets_.lastUpdateMenuItem->title.set(labelled("LAST_UPDATE", formatter.string(*shownLastUpdate_)));
 
     bool const armed = updateInterval_ && updateInterval_->isValid();
     outlets_.nextUpdateMenuItem->title.set(
@@ -57,4 +69,16 @@ void AppDelegate::receiveWakeNote()
         = updateInterval_ && updateInterval_->isValid() && platform_.runLoop.now() > updateInterval_->fireDate();
     if (overdue)
         updateUsageWithCache(false);
+}
+
+void AppDelegate::receiveClockNote()
+{
+    // A clock that is only put right by a little is no reason.
+    constexpr platform::Seconds slack = std::chrono::minutes(1);
+    bool const putOff = updateInterval_ && updateInterval_->isValid()
+        && updateInterval_->fireDate() - platform_.runLoop.now() > periodOf(intervalChoice()) + slack;
+    if (!putOff)
+        return;
+    clearCache();
+    updateUsageWithCache(false);
 }

@@ -202,7 +202,7 @@ QList<int> DBusMenu::EventGroup(QList<DBusMenuEvent> const& events)
 bool DBusMenu::AboutToShow(int id)
 {
     auto const* node = findOrRefuse(id);
-    return node && node->line.submenu && !node->observer;
+    return node && willShow(*node);
 }
 
 QList<int> DBusMenu::AboutToShowGroup(QList<int> const& ids, QList<int>& idErrors)
@@ -212,12 +212,21 @@ QList<int> DBusMenu::AboutToShowGroup(QList<int> const& ids, QList<int>& idError
         auto const* node = find(id);
         if (!node)
             idErrors.push_back(id);
-        else if (node->line.submenu && !node->observer)
+        else if (willShow(*node))
             outdated.push_back(id);
     }
     if (!ids.isEmpty() && outdated.isEmpty() && idErrors.size() == QSet<int>(ids.begin(), ids.end()).size())
         sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("there are no such lines"));
     return outdated;
+}
+
+// Whether the lines under it have to be asked for. What changes at this moment is told like any other change.
+bool DBusMenu::willShow(Node const& node)
+{
+    if (!node.line.submenu)
+        return false;
+    node.line.submenu->willShow();
+    return !node.observer;
 }
 
 DBusMenu::Line DBusMenu::lineOf(platform::MenuItem const& item, bool isChoice)

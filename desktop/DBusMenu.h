@@ -131,6 +131,8 @@ private:
     static QVariantMap properties(Line const& line, QSet<QString> const& names = {});
     static bool isSameLine(Node const& node, std::shared_ptr<platform::MenuItem> const& item, Line const& line);
 
+    static bool willShow(Node const& node);
+
     Node* find(int id);
     /// Finds a line, or answers the present call with an error.
     Node* findOrRefuse(int id);

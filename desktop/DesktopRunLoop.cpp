@@ -4,6 +4,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <ctime>
 #include <sys/timerfd.h>
@@ -147,6 +148,11 @@ platform::Subscription DesktopRunLoop::observeWake(platform::Task observer)
     return wakeObservers_.add(std::move(observer));
 }
 
+platform::Subscription DesktopRunLoop::observeClockChange(platform::Task observer)
+{
+    return clockObservers_.add(std::move(observer));
+}
+
 void DesktopRunLoop::add(WallClockTimer* timer)
 {
     wallClockTimers_.push_back(timer);
@@ -181,9 +187,10 @@ void DesktopRunLoop::setAlarm()
 void DesktopRunLoop::wallClockReached()
 {
     std::uint64_t expirations = 0;
-    // Fails when the clock was set, which is as good a reason to look.
-    [[maybe_unused]] auto const size = ::read(alarm_, &expirations, sizeof expirations);
+    bool const wasSet = ::read(alarm_, &expirations, sizeof expirations) < 0 && errno == ECANCELED;
     noticeSleep();
+    if (wasSet)
+        clockObservers_.tell();
     auto const date = now();
     for (auto* due = nextWallClockTimer(); due && due->fireDate() <= date; due = nextWallClockTimer())
         due->fire(date);

@@ -24,6 +24,7 @@ public:
     std::unique_ptr<platform::Timer> after(platform::Seconds delay, platform::Task task) override;
     void performAfter(platform::Seconds delay, platform::Task task) override;
     platform::Subscription observeWake(platform::Task observer) override;
+    platform::Subscription observeClockChange(platform::Task observer) override;
 
 private:
     class WallClockTimer;
@@ -41,6 +42,7 @@ private:
     QSocketNotifier alarmNotifier_;
     SleepWatch sleepWatch_;
     platform::Observers<> wakeObservers_;
+    platform::Observers<> clockObservers_;
     /// Not owned: a timer takes itself out when it goes.
     std::vector<WallClockTimer*> wallClockTimers_;
 };

@@ -13,6 +13,10 @@ MenuMirror::MenuMirror(platform::Menu& menu, QWidget* parent)
     , update_([this] { synchronize(); })
     , changes_(menu, [this] { update_.request(); })
 {
+    connect(this, &QMenu::aboutToShow, this, [this] {
+        menu_.willShow();
+        synchronize();
+    });
     synchronize();
 }
 

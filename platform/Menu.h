@@ -4,6 +4,7 @@
 #include "platform/Property.h"
 #include "platform/Sender.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -35,6 +36,9 @@ class Menu {
 public:
     using Items = std::vector<std::shared_ptr<MenuItem>>;
 
+    /// Called before the menu is shown, where it has lines whose text depends on the moment.
+    std::function<void()> needsUpdate;
+
     Items const& items() const { return items_; }
 
     void setItems(Items items)
@@ -45,6 +49,12 @@ public:
 
     /// Tells of every new list of items. What an item shows is observed at the item.
     Subscription observeChanges(std::function<void()> observer) { return changes_.add(std::move(observer)); }
+
+    void willShow() const
+    {
+        if (needsUpdate)
+            needsUpdate();
+    }
 
 private:
     Items items_;

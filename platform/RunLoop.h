@@ -47,6 +47,9 @@ public:
 
     /// Tells when the computer woke from sleep, before any timer that fell due meanwhile fires.
     virtual Subscription observeWake(Task observer) = 0;
+
+    /// Tells when the wall clock was set, before any timer that is due by it fires.
+    virtual Subscription observeClockChange(Task observer) = 0;
 };
 
 }

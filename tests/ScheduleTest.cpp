@@ -3,6 +3,8 @@
 #include "storage/UsageReport.h"
 #include "tests/support/ControllerTest.h"
 
+#include <malloc.h>
+
 namespace {
 
 class Schedule : public ControllerTest {
@@ -109,6 +111,71 @@ TEST_F(Schedule, WakingRefreshesOnlyWhatFellDueInSleep)
     outlets->updateIntervalPopupButton.userSelected(0);
     sleep(48h);
     EXPECT_EQ(requests(), 4U);
+}
+
+TEST_F(Schedule, AClockThatIsSetPutsARefreshOffByAnIntervalAtMost)
+{
+    auto const setClock = [this](platform::Seconds forward) {
+        runLoop.setClock(forward);
+        settle();
+    };
+    cache().saveCacheFile({ { "used:download", "1" }, { reportEntry::nextUpdate, at(12, 0) } }, "K2");
+    setClock(-24h);
+    EXPECT_EQ(requests(), 2U);
+    EXPECT_EQ(nextLine(), nextUpdate(at(12, 0) - 24h));
+    EXPECT_EQ(cache().retrieveCachedFileWithName("K2"), std::nullopt) << "it would be fresh for a day";
+    advance(30min);
+    setClock(-30min);
+    EXPECT_EQ(requests(), 2U);
+    setClock(3h);
+    EXPECT_EQ(requests(), 3U);
+    EXPECT_EQ(nextLine(), nextUpdate(at(15, 0) - 24h));
+}
+
+TEST_F(Schedule, AMenuThatIsOpenedHasItsDatesInTheTimeZoneOfTheMoment)
+{
+    ::setenv("TZ", "Asia/Tokyo", 1);
+    platform::DateFormatter const there(platform.dateLocale);
+    outlets->dropDownMenu.willShow();
+    EXPECT_EQ(lastLine(), "Last update: " + there.string(at(10, 0)));
+    EXPECT_EQ(nextLine(), "Next update: " + there.string(at(12, 0)));
+    ::unsetenv("TZ");
+    EXPECT_NE(there.string(at(10, 0)), dates.string(at(10, 0)));
+    controller->updateButton();
+    outlets->dropDownMenu.willShow();
+    EXPECT_EQ(lastLine(), "Last update: …");
+}
+
+TEST_F(Schedule, AWeekOfUseLeavesNothingBehind)
+{
+    outlets->updateIntervalPopupButton.userSelected(1);
+    auto const useForADay = [this] {
+        for (int hour = 0; hour < 24; ++hour) {
+            hour % 5 == 4 ? failReply("K1") : setReply("K1", 10 + hour);
+            hour < 8 ? sleep(1h) : advance(1h);
+            outlets->dropDownMenu.willShow();
+            connection(static_cast<std::size_t>(hour % 2)).userClicked();
+            controller->addKeyWithNickname("Guest", "K3");
+            controller->updateButton();
+            outlets->removeKeyButton.userClicked();
+            outlets->window.userAnswered(1000);
+            controller->viewDailyUsageDataButton({});
+            settle();
+            outlets->detailedUsage.window.orderOut();
+        }
+        EXPECT_GE(requests(), 24U);
+        loader.requests = {};
+        desktop.notified = {};
+        return ::mallinfo2().uordblks;
+    };
+    useForADay();
+    auto const afterADay = useForADay();
+    for (int day = 2; day < 7; ++day)
+        EXPECT_LT(useForADay(), afterADay + 20'000) << "bytes in use";
+    setReply("K1", 10);
+    refresh();
+    advance(1min);
+    EXPECT_EQ(runLoop.timers(), 1U) << "the next refresh";
 }
 
 TEST_F(Schedule, RetriesEveryThirtySecondsUntilTheProviderAnswers)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The controller's part in following the desktop: its light or dark appearance, and its waking from sleep.
+// The controller's part in following the desktop: its light or dark appearance, and its waking from sleep and its
+// clock.
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
 #include "platform/Bundle.h"
@@ -17,6 +18,7 @@ void AppDelegate::updateDarkAppearance()
 void AppDelegate::fileNotifications()
 {
     observations_.push_back(platform_.runLoop.observeWake([this] { receiveWakeNote(); }));
+    observations_.push_back(platform_.runLoop.observeClockChange([this] { receiveClockNote(); }));
     observations_.push_back(
         outlets_.window.effectiveAppearance.observeChanges([this](platform::Appearance) { updateDarkAppearance(); }));
 }

@@ -84,6 +84,7 @@ MainLayout::MainLayout(Outlets& outlets, platform::Bundle const& bundle, platfor
 void MainLayout::wire(AppDelegate& controller)
 {
     fillMenu(controller);
+    outlets_.dropDownMenu.needsUpdate = [&controller] { controller.menuNeedsUpdate(); };
     auto const wireButton = [&controller](platform::Button& button, void (AppDelegate::*operation)()) {
         button.action = [&controller, operation](platform::Sender) { (controller.*operation)(); };
     };

@@ -67,15 +67,20 @@ void ManualRunLoop::advance(Seconds duration)
     now_ = end;
 }
 
-void ManualRunLoop::sleep(Seconds duration)
+void ManualRunLoop::jump(Seconds forward, platform::Observers<>& told)
 {
-    Date::duration const slept = dateAfter(duration) - now_;
-    now_ += slept;
-    uptimeStart_ += slept;
+    Date::duration const distance = dateAfter(forward) - now_;
+    now_ += distance;
+    uptimeStart_ += distance;
     for (std::shared_ptr<Scheduled> const& timer : timers_)
-        timer->date += timer->period > Seconds::zero() ? Date::duration::zero() : slept;
-    wake_.tell();
+        timer->date += timer->period > Seconds::zero() ? Date::duration::zero() : distance;
+    told.tell();
     advance({});
+}
+
+std::size_t ManualRunLoop::timers() const
+{
+    return static_cast<std::size_t>(std::ranges::count_if(timers_, [](auto const& timer) { return timer->valid; }));
 }
 
 std::shared_ptr<ManualRunLoop::Scheduled> ManualRunLoop::schedule(Date date, Seconds period, Task task)
