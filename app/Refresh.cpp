@@ -28,8 +28,10 @@ void AppDelegate::updateUsageWithCache(bool cacheAllowed, bool withNotification)
     if (auto const choice = intervalChoice(); choice != 0)
         updateTimer(std::nullopt, std::chrono::seconds(periodOf(choice)).count());
 
-    platform_.backgroundQueues.async("usage_background",
+    bool const started = platform_.backgroundQueues.async("usage_background",
         [this, refresh = Refresh { selectedKey_, cacheAllowed, withNotification }] { refreshInBackground(refresh); });
+    if (!started)
+        acceptFailure();
 }
 
 // Runs on the refresh's own queue. Whatever it finds goes to the main thread in one task.

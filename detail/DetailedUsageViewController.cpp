@@ -115,7 +115,7 @@ void DetailedUsageViewController::doBeginLoadUsageWithDate(std::optional<platfor
     closeTimer_.reset();
     layout_.window.endAlerts();
     didAlreadySetInformativeTitle_ = false;
-    platform_.backgroundQueues.async("detailedusage_background", [this, date] {
+    bool const started = platform_.backgroundQueues.async("detailedusage_background", [this, date] {
         auto const now = platform_.runLoop.now();
         auto const month = platform::calendarMonth(date.value_or(now), platform_.dateLocale);
         bool const isCurrentMonth = month == platform::calendarMonth(now, platform_.dateLocale);
@@ -126,6 +126,8 @@ void DetailedUsageViewController::doBeginLoadUsageWithDate(std::optional<platfor
             layout_.usageWebView.load(url);
         });
     });
+    if (!started)
+        didFailProvisionalLoadWithError(platform::LoadError::Stopped);
 }
 
 platform::NavigationPolicy DetailedUsageViewController::decidePolicyForNavigationAction(std::string_view url)

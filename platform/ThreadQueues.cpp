@@ -42,7 +42,7 @@ ThreadQueues::ThreadQueues()
 {
 }
 
-void ThreadQueues::async(std::string const& label, Task task)
+bool ThreadQueues::async(std::string const& label, Task task)
 {
     running_->started();
     try {
@@ -52,8 +52,10 @@ void ThreadQueues::async(std::string const& label, Task task)
             task = nullptr; // What it holds goes before the queue counts as ended.
             running->ended();
         }).detach();
+        return true;
     } catch (std::system_error const&) {
         running_->ended();
+        return false;
     }
 }
 

@@ -7,12 +7,12 @@
 
 namespace platform {
 
-/// A thread for each queue, named after its label. A thread that cannot be started drops the task.
+/// A thread for each queue, named after its label.
 class ThreadQueues final : public BackgroundQueues {
 public:
     ThreadQueues();
 
-    void async(std::string const& label, Task task) override;
+    bool async(std::string const& label, Task task) override;
 
     /// Waits for all queues to end, and returns whether they did in time.
     bool waitUntilIdle(Seconds limit);

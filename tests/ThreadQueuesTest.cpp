@@ -11,8 +11,8 @@ TEST(ThreadQueues, AQueueThatWaitsHoldsUpNoOther)
 {
     platform::ThreadQueues queues;
     std::promise<void> end;
-    queues.async("first", [&] { end.get_future().wait(); });
+    EXPECT_TRUE(queues.async("first", [&] { end.get_future().wait(); }));
     EXPECT_FALSE(queues.waitUntilIdle(1ms));
-    queues.async("second", [&] { end.set_value(); });
+    EXPECT_TRUE(queues.async("second", [&] { end.set_value(); }));
     EXPECT_TRUE(queues.waitUntilIdle(10s));
 }

@@ -96,10 +96,12 @@ void AppDelegate::autoRetrieveCodeButton() { checkCurrentKeyWithError(true); }
 
 void AppDelegate::checkCurrentKeyWithError(bool showError)
 {
-    platform_.backgroundQueues.async("tarvobackground", [this, showError] {
+    bool const started = platform_.backgroundQueues.async("tarvobackground", [this, showError] {
         auto key = RetrieveKey(platform_.urlLoader, addresses()).keyForCurrentConnection();
         platform_.runLoop.perform([this, showError, found = std::move(key)] { acceptLookup(found, showError); });
     });
+    if (!started)
+        acceptLookup(std::nullopt, showError);
 }
 
 // The answer counts whenever it comes, whether or not the sheet is still open.

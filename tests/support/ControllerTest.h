@@ -27,7 +27,13 @@ using Texts = std::vector<std::string>;
 
 /// Queues whose tasks run when a test says so, in the order it says.
 struct ManualQueues final : platform::BackgroundQueues {
-    void async(std::string const& /*label*/, platform::Task task) override { tasks.push_back(std::move(task)); }
+    bool async(std::string const& /*label*/, platform::Task task) override
+    {
+        if (isFull)
+            return false;
+        tasks.push_back(std::move(task));
+        return true;
+    }
 
     void run(std::size_t position)
     {
@@ -37,6 +43,7 @@ struct ManualQueues final : platform::BackgroundQueues {
     }
 
     std::vector<platform::Task> tasks;
+    bool isFull = false;
 };
 
 /// A provider that answers what a test put in, and nothing otherwise.
