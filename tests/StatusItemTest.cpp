@@ -136,6 +136,10 @@ TEST_F(StatusItem, TellsTheChangesOfOneTurnAsOneUpdateAndNothingThatIsNotNew)
     menu_.setItems({ figure_ });
     ASSERT_TRUE(waitForLines({ "Downloaded: 53GB" }));
     EXPECT_EQ(log.names, (Names { "LayoutUpdated", "NewToolTip" }));
+
+    menu_.needsUpdate = [this] { figure_->title.set("Downloaded: 54GB"); };
+    EXPECT_EQ(answerOf("AboutToShow", { 0 }), QDBusMessage::ReplyMessage);
+    EXPECT_TRUE(waitForLines({ "Downloaded: 54GB" }));
 }
 
 TEST_F(StatusItem, AnswersAClickBeforeItActsOnIt)
