@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QSocketNotifier>
 
+#include <deque>
+#include <mutex>
 #include <vector>
 
 /// The main loop on Qt's event loop and Linux' clocks. One timerfd on the wall clock serves all wall-clock timers; the
@@ -30,6 +32,7 @@ private:
     class WallClockTimer;
     class EvenTimer;
 
+    void performNext();
     void add(WallClockTimer* timer);
     void remove(WallClockTimer* timer);
     WallClockTimer* nextWallClockTimer() const;
@@ -37,6 +40,8 @@ private:
     void wallClockReached();
     void noticeSleep();
 
+    std::mutex tasksMutex_;
+    std::deque<platform::Task> tasks_;
     QObject context_;
     int alarm_;
     QSocketNotifier alarmNotifier_;

@@ -3,6 +3,7 @@
 #include "demo/Provider.h"
 #include "tests/support/PanelTest.h"
 #include "tests/support/ProgramUnderTest.h"
+#include "tests/support/Slowness.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -15,11 +16,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-#ifdef __SANITIZE_ADDRESS__
-constexpr int slowness = 10;
-#else
-constexpr int slowness = 1;
-#endif
 constexpr auto promptness = 100ms * slowness;
 
 constexpr char const* home = "Home - secretOne";
