@@ -67,10 +67,12 @@ QPalette palette(platform::Appearance appearance)
 ColorScheme::ColorScheme(QDBusConnection bus, std::function<void(platform::Appearance)> observer)
     : bus_(std::move(bus))
     , observer_(std::move(observer))
+    , portal_(service, bus_, QDBusServiceWatcher::WatchForRegistration)
 {
     qRegisterMetaType<QDBusVariant>("QDBusVariant");
     bus_.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
         SLOT(settingChanged(QString, QString, QDBusVariant)));
+    connect(&portal_, &QDBusServiceWatcher::serviceRegistered, this, &ColorScheme::read);
     read();
 }
 

@@ -4,13 +4,14 @@
 #include "platform/Color.h"
 
 #include <QDBusConnection>
+#include <QDBusServiceWatcher>
 #include <QDBusVariant>
 #include <QObject>
 
 #include <functional>
 
 /// Follows the desktop's preference for light or dark windows, as the settings portal tells it
-/// (org.freedesktop.portal.Settings, namespace org.freedesktop.appearance). Without a portal nothing is ever told.
+/// (org.freedesktop.portal.Settings, namespace org.freedesktop.appearance). Nothing is told until there is a portal.
 class ColorScheme final : public QObject {
     Q_OBJECT
 
@@ -26,6 +27,7 @@ private:
 
     QDBusConnection bus_;
     std::function<void(platform::Appearance)> observer_;
+    QDBusServiceWatcher portal_;
 };
 
 /// Gives all windows a light or a dark palette.

@@ -43,7 +43,9 @@ ExitSignals::ExitSignals()
 {
     QObject::connect(&notifier_, &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
     eventOfHandler = event_;
-    handleExitSignals(tellEventLoop);
+    // Out of descriptors: ending at once is better than not at all.
+    if (event_ >= 0)
+        handleExitSignals(tellEventLoop);
 }
 
 ExitSignals::~ExitSignals()

@@ -14,6 +14,8 @@
 #include <QMenuBar>
 #include <QShortcut>
 
+#include <utility>
+
 namespace {
 
 template <typename Layout> void setUp(QDialog& window) { Layout().setupUi(&window); }
@@ -115,10 +117,12 @@ void MainWindows::showUsageWindowWithMenu(platform::Application& application)
     if (!menu_) {
         menu_ = std::make_unique<MenuMirror>(outlets_.dropDownMenu);
         menu_->setTitle(productName_);
-        auto* const menuBar = new QMenuBar(&usage_.widget());
-        menuBar->addMenu(menu_.get());
-        usage_.widget().layout()->setMenuBar(menuBar);
+        menuBar_ = new QMenuBar(&usage_.widget());
+        menuBar_->addMenu(menu_.get());
+        usage_.widget().layout()->setMenuBar(menuBar_);
     }
+    menuBar_->show();
+    isUninvited_ = isUninvited_ || !outlets_.monitorWindow.visible.get();
     outlets_.monitorWindow.closeAction = [&application] { application.terminate(); };
     // The day-by-day window takes its place for a while only.
     detailedUsageClosing_ = outlets_.detailedUsage.window.visible.observeChanges([this](bool visible) {
@@ -134,6 +138,11 @@ void MainWindows::showUsageWindowWithMenu(platform::Application& application)
 
 void MainWindows::leaveMenuToStatusArea()
 {
+    if (!menuBar_)
+        return;
     outlets_.monitorWindow.closeAction = nullptr;
     detailedUsageClosing_ = {};
+    menuBar_->hide();
+    if (std::exchange(isUninvited_, false))
+        outlets_.monitorWindow.orderOut();
 }

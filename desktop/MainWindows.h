@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <memory>
 
+class QMenuBar;
 namespace platform {
 class Application;
 }
@@ -25,7 +26,7 @@ public:
     /// Shows the usage window with the status menu in it, for a desktop that has no place for a status item. Without
     /// one the window is the program: closing it is its end.
     void showUsageWindowWithMenu(platform::Application& application);
-    /// The status item has a place: the usage window is an ordinary one again.
+    /// The status item has a place: the usage window is an ordinary one again, and goes if it came uninvited.
     void leaveMenuToStatusArea();
 
 private:
@@ -37,5 +38,7 @@ private:
     WindowMirror detailedUsage_;
     QString productName_;
     std::unique_ptr<MenuMirror> menu_;
+    QMenuBar* menuBar_ = nullptr;
+    bool isUninvited_ = false;
     platform::Subscription detailedUsageClosing_;
 };

@@ -7,6 +7,9 @@
 
 namespace {
 
+// A first instance that is just starting answers by then.
+constexpr int patienceInMilliseconds = 3000;
+
 QString const interface = QStringLiteral("org.freedesktop.Application");
 
 QString pathOf(QString identifier)
@@ -23,21 +26,26 @@ SingleInstance::SingleInstance(QString identifier, QDBusConnection bus)
 {
 }
 
-bool SingleInstance::becomeFirst()
+SingleInstance::Outcome SingleInstance::start()
 {
     if (!bus_.isConnected())
-        return true;
+        return Outcome::IsFirst;
     // The object stands before the name, so that whoever sees the name can call it.
     bus_.registerObject(pathOf(identifier_), this, QDBusConnection::ExportAllSlots);
-    if (bus_.registerService(identifier_))
-        return true;
-    if (!bus_.interface()->isServiceRegistered(identifier_))
-        return true;
-    activateFirst();
-    return false;
+    if (becomeFirst())
+        return Outcome::IsFirst;
+    if (activateFirst())
+        return Outcome::ActivatedFirst;
+    // One that was ending has left its name by now.
+    return becomeFirst() ? Outcome::IsFirst : Outcome::FirstIsSilent;
 }
 
-void SingleInstance::activateFirst()
+bool SingleInstance::becomeFirst()
+{
+    return bus_.registerService(identifier_) || !bus_.interface()->isServiceRegistered(identifier_);
+}
+
+bool SingleInstance::activateFirst()
 {
     auto message
         = QDBusMessage::createMethodCall(identifier_, pathOf(identifier_), interface, QStringLiteral("Activate"));
@@ -45,7 +53,7 @@ void SingleInstance::activateFirst()
     if (auto const token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN"); !token.isEmpty())
         platformData.insert(QStringLiteral("activation-token"), token);
     message << platformData;
-    bus_.call(message);
+    return bus_.call(message, QDBus::Block, patienceInMilliseconds).type() == QDBusMessage::ReplyMessage;
 }
 
 void SingleInstance::Activate(QVariantMap const& platformData)

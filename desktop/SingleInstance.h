@@ -17,9 +17,11 @@ public:
     /// The identifier is the bus name, and names the object's path.
     SingleInstance(QString identifier, QDBusConnection bus);
 
-    /// True for the first instance, and where there is no bus to tell. A later one has the first activated, and returns
-    /// false.
-    bool becomeFirst();
+    enum class Outcome { IsFirst, ActivatedFirst, FirstIsSilent };
+
+    /// The first instance, also where there is no bus to tell, takes the name. A later one has the first activated, and
+    /// waits some seconds for its answer; should the first end meanwhile, it is the first itself.
+    Outcome start();
 
     /// What the first instance does when a later one activates it.
     void whenActivated(std::function<void()> activated) { activated_ = std::move(activated); }
@@ -30,7 +32,8 @@ public slots:
     void ActivateAction(QString const& action, QVariantList const& parameter, QVariantMap const& platformData);
 
 private:
-    void activateFirst();
+    bool becomeFirst();
+    bool activateFirst();
 
     QString identifier_;
     QDBusConnection bus_;

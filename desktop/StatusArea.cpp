@@ -11,6 +11,7 @@
 #include <QSystemTrayIcon>
 
 #include <chrono>
+#include <limits>
 
 using namespace std::chrono_literals;
 
@@ -59,6 +60,9 @@ void StatusArea::connectItem()
     watcherOwner_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
     watcherOwner_.setConnection(bus_);
     watcherOwner_.addWatchedService(watcherName());
+    // The bus itself went away, which only this end of the connection can tell.
+    bus_.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"), QStringLiteral("org.freedesktop.DBus.Local"),
+        QStringLiteral("Disconnected"), this, SLOT(fallBack()));
     registerItem();
 }
 
@@ -70,7 +74,10 @@ void StatusArea::registerItem()
         QStringLiteral("RegisterStatusNotifierItem"));
     call.setArguments({ bus_.baseService() });
     call.setAutoStartService(false);
-    whenFinished(bus_.asyncCall(call), this, [this](QDBusPendingCall const& reply) {
+    registration_ = std::make_unique<QObject>();
+    // A panel that hangs takes the item when it goes on, however long that is.
+    constexpr int unlimited = std::numeric_limits<int>::max();
+    whenFinished(bus_.asyncCall(call, unlimited), registration_.get(), [this](QDBusPendingCall const& reply) {
         if (reply.isError()) {
             grace_.start();
             return;
@@ -106,6 +113,8 @@ void StatusArea::ownerChanged(QString const& owner)
 
 void StatusArea::fallBack()
 {
+    grace_.stop();
+    registration_.reset();
     // Asked only now: the toolkit settles on a kind of tray once, by what it finds at the first question.
     if (QSystemTrayIcon::isSystemTrayAvailable())
         showTrayIcon();

@@ -18,7 +18,7 @@
 class QSystemTrayIcon;
 
 /// Puts the status item where the desktop has a place for it: with a StatusNotifierItem panel, else in an older tray,
-/// else nowhere. It follows panels that come and go. The model must outlive it. Main thread only.
+/// else nowhere. It follows panels that come and go, and a bus that goes. The model must outlive it. Main thread only.
 class StatusArea : public QObject {
     Q_OBJECT
 
@@ -36,12 +36,14 @@ public:
     StatusArea(platform::StatusItem& item, Handlers handlers, QDBusConnection bus = QDBusConnection::sessionBus());
     ~StatusArea() override;
 
+private slots:
+    void fallBack();
+
 private:
     void connectItem();
     void registerItem();
     void askForLook();
     void ownerChanged(QString const& owner);
-    void fallBack();
     void showTrayIcon();
     void popUpMenu();
 
@@ -53,6 +55,8 @@ private:
     QDBusServiceWatcher watcherOwner_;
     /// Runs only while there is no watcher.
     QTimer grace_;
+    /// Goes with the latest registration: what an earlier watcher answers does not count.
+    std::unique_ptr<QObject> registration_;
     /// Made when a panel first leaves the menu to us.
     std::unique_ptr<MenuMirror> menu_;
     std::unique_ptr<QSystemTrayIcon> trayIcon_;

@@ -25,7 +25,9 @@
 #include <QSessionManager>
 #include <QTranslator>
 
+#include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <malloc.h>
 #include <unistd.h>
 
@@ -35,6 +37,18 @@ using namespace std::chrono_literals;
 
 // What has not ended by then is left to the end of the process.
 constexpr platform::Seconds patienceAtExit = 50ms;
+
+// What is written to a stream that is closed or broken must go nowhere: neither into a file or socket that has taken
+// its number, nor into a signal that ends the program.
+void openStandardStreams()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    int descriptor = -1;
+    do
+        descriptor = open("/dev/null", O_RDWR);
+    while (descriptor >= STDIN_FILENO && descriptor <= STDERR_FILENO);
+    close(descriptor);
+}
 
 void printError(QString const& message)
 {
@@ -130,6 +144,7 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
     // A refresh needs much memory for a moment, and the next one is hours away.
     auto const trimming = controller.usageStatusItem().title.observeChanges(
         [&runLoop](std::string const&) { runLoop.performAfter(1s, [] { malloc_trim(0); }); });
+    ExitSignals const exitSignals;
     controller.applicationDidFinishLaunching();
 
     int const status = QApplication::exec();
@@ -145,6 +160,7 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
 int main(int argc, char** argv)
 {
     ExitSignals::endProcess();
+    openStandardStreams();
     qInstallMessageHandler(reportFailedStart);
     QApplication const application(argc, argv);
     qInstallMessageHandler(reportError);
@@ -152,7 +168,6 @@ int main(int argc, char** argv)
     // A style that takes its colours from the palette, so that light and dark can change at any time.
     QApplication::setStyle(QStringLiteral("Fusion"));
     applyPalette(platform::Appearance::Light);
-    ExitSignals const exitSignals;
     // Whether it starts at login is the user's choice, not the session's memory.
     QObject::connect(&application, &QGuiApplication::saveStateRequest,
         [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
@@ -175,7 +190,14 @@ int main(int argc, char** argv)
         QApplication::installTranslator(&translator);
 
     SingleInstance instance(toQt(bundle->identifier()), QDBusConnection::sessionBus());
-    if (!instance.becomeFirst())
+    switch (instance.start()) {
+    case SingleInstance::Outcome::ActivatedFirst:
         return EXIT_SUCCESS;
+    case SingleInstance::Outcome::FirstIsSilent:
+        printError(QStringLiteral("it runs already, but does not answer"));
+        return EXIT_FAILURE;
+    case SingleInstance::Outcome::IsFirst:
+        break;
+    }
     return run(*bundle, instance);
 }

@@ -3,6 +3,7 @@
 #include "app/Outlets.h"
 #include "desktop/ColorScheme.h"
 #include "desktop/DesktopRunLoop.h"
+#include "desktop/DesktopServices.h"
 #include "desktop/FreedesktopNotifications.h"
 #include "desktop/LevelBar.h"
 #include "desktop/MainWindows.h"
@@ -178,6 +179,22 @@ TEST_F(WindowsTest, ASheetShowsPlainTextAndAnswersByKey)
     }
 }
 
+TEST_F(WindowsTest, TheUsageWindowTakesTheMenuInAndGoesWithItIfItCameUninvited)
+{
+    DesktopApplication application;
+    auto const& shown = outlets_.monitorWindow.visible;
+    for (bool const isInvited : { true, false }) {
+        outlets_.monitorWindow.visible.set(isInvited);
+        for (int i = 0; i < 2; ++i)
+            windows_.showUsageWindowWithMenu(application);
+        EXPECT_TRUE(shown.get());
+        EXPECT_TRUE(find<QMenuBar>("").isVisible());
+        windows_.leaveMenuToStatusArea();
+        EXPECT_EQ(shown.get(), isInvited);
+        EXPECT_FALSE(find<QMenuBar>("").isVisible());
+    }
+}
+
 TEST_F(WindowsTest, TheAddKeySheetNeedsOnlyTheKeyboard)
 {
     Texts done;
@@ -237,12 +254,12 @@ public:
     QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));
 };
 
-TEST(ColorScheme, TellsThePresentPreferenceAndEveryLaterOne)
+TEST(ColorScheme, TellsThePreferenceOfAPortalThatComesAndEveryLaterOne)
 {
-    SettingsPortal portal;
     std::vector<platform::Appearance> told;
     ColorScheme const scheme(QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("program")),
         [&told](platform::Appearance appearance) { told.push_back(appearance); });
+    SettingsPortal portal;
     ASSERT_TRUE(QTest::qWaitFor([&told] { return told.size() == 1; }));
     for (char const* const key : { "accent-color", "color-scheme" })
         Q_EMIT portal.SettingChanged(

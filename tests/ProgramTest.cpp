@@ -194,7 +194,17 @@ TEST_F(ProgramTest, ASecondStartShowsThePreferencesOfTheFirst)
     EXPECT_EQ(second.waitForExit(bound), 0) << second.output();
     EXPECT_TRUE(QTest::qWaitFor(isShown));
     EXPECT_EQ(provider_->requestCount("secretOne"), 1);
-    stop();
+
+    program_.signal(SIGSTOP);
+    second.start();
+    EXPECT_EQ(second.waitForExit(bound), 1);
+    EXPECT_EQ(second.output(), "usage-meter: it runs already, but does not answer\n");
+    program_.signal(SIGCONT);
+
+    screen.kill();
+    EXPECT_EQ(program_.waitForExit(bound), 1);
+    EXPECT_EQ(std::ranges::count(program_.output(), '\n'), 1) << program_.output();
+    EXPECT_TRUE(screen.waitForFinished());
 }
 
 TEST_F(ProgramTest, SaysInOneLineWhyItCannotStart)

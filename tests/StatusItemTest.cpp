@@ -5,7 +5,9 @@
 #include "tests/support/Slowness.h"
 
 #include <QDBusPendingCallWatcher>
+#include <QDBusVirtualObject>
 #include <QElapsedTimer>
+#include <QProcess>
 
 #include <limits>
 #include <set>
@@ -30,10 +32,9 @@ protected:
         item_.title.set("57.3GB");
     }
 
-    void startArea()
+    void startArea(QDBusConnection const& bus = connectionOf("program"))
     {
-        area_.emplace(
-            item_, StatusArea::Handlers { [this] { ++timesWithoutPlace_; }, {}, {} }, connectionOf("program"));
+        area_.emplace(item_, StatusArea::Handlers { [this] { ++timesWithoutPlace_; }, {}, {} }, bus);
     }
 
     void start()
@@ -185,6 +186,45 @@ TEST_F(StatusItem, RefusesMalformedCallsAndLivesOn)
     };
     for (auto const& [method, arguments, answer] : cases)
         EXPECT_EQ(answerOf(method, arguments), answer) << method;
+}
+
+/// A panel that hangs: it takes every call and answers none.
+class SilentPanel : public QDBusVirtualObject {
+public:
+    bool handleMessage(QDBusMessage const&, QDBusConnection const&) override { return isCalled = true; }
+    QString introspect(QString const&) const override { return {}; }
+
+    bool isCalled = false;
+};
+
+TEST_F(StatusItem, AsksNoMoreOfAPanelThatHungOnceAnotherHasTakenItsPlace)
+{
+    SilentPanel silent;
+    auto bus = connectionOf("silent");
+    bus.registerVirtualObject(QStringLiteral("/StatusNotifierWatcher"), &silent);
+    ASSERT_TRUE(bus.registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
+    startArea();
+    ASSERT_TRUE(waitFor([&silent] { return silent.isCalled; }));
+    ASSERT_TRUE(bus.unregisterService(QStringLiteral("org.kde.StatusNotifierWatcher")));
+    startWatcher();
+    ASSERT_TRUE(waitFor([this] { return reader_.hasItem(); }));
+    QDBusConnection::disconnectFromBus(QStringLiteral("silent"));
+    EXPECT_FALSE(reader_.waitFor([this] { return timesWithoutPlace_ > 0; }, std::chrono::seconds(2)));
+}
+
+TEST_F(StatusItem, SaysThatThereIsNoPlaceWhenItsBusGoes)
+{
+    QProcess daemon;
+    daemon.start(QStringLiteral("dbus-daemon"), { "--session", "--nofork", "--nopidfile", "--print-address" });
+    ASSERT_TRUE(daemon.waitForReadyRead());
+    auto const address = QString::fromUtf8(daemon.readLine().trimmed());
+    ASSERT_TRUE(watcher_.emplace(QDBusConnection::connectToBus(address, QStringLiteral("own watcher"))).start());
+    startArea(QDBusConnection::connectToBus(address, QStringLiteral("own program")));
+    ASSERT_TRUE(waitFor([this] { return !watcher_->items().isEmpty(); }));
+    daemon.kill();
+    EXPECT_TRUE(waitFor([this] { return timesWithoutPlace_ == 1; }));
+    item_.title.set("58GB");
+    EXPECT_TRUE(daemon.waitForFinished());
 }
 
 TEST_F(StatusItem, SaysThatThereIsNoPlaceAndFollowsPanelsThatComeAndGo)
