@@ -26,6 +26,15 @@ SingleInstance::SingleInstance(QString identifier, QDBusConnection bus)
 {
 }
 
+// Before the object goes: whoever is refused by then finds the name free.
+SingleInstance::~SingleInstance()
+{
+    auto message = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ReleaseName"));
+    message << identifier_;
+    bus_.send(message);
+}
+
 SingleInstance::Outcome SingleInstance::start()
 {
     if (!bus_.isConnected())

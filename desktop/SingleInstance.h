@@ -16,6 +16,8 @@ class SingleInstance final : public QObject {
 public:
     /// The identifier is the bus name, and names the object's path.
     SingleInstance(QString identifier, QDBusConnection bus);
+    /// Gives the name back, and waits for nobody.
+    ~SingleInstance() override;
 
     enum class Outcome { IsFirst, ActivatedFirst, FirstIsSilent };
 

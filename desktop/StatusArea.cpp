@@ -60,9 +60,9 @@ void StatusArea::connectItem()
     watcherOwner_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
     watcherOwner_.setConnection(bus_);
     watcherOwner_.addWatchedService(watcherName());
-    // The bus itself went away, which only this end of the connection can tell.
+    // The bus itself went away, which only this end of the connection can tell. An older tray may go with it.
     bus_.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"), QStringLiteral("org.freedesktop.DBus.Local"),
-        QStringLiteral("Disconnected"), this, SLOT(fallBack()));
+        QStringLiteral("Disconnected"), &grace_, SLOT(start()));
     registerItem();
 }
 
@@ -113,8 +113,6 @@ void StatusArea::ownerChanged(QString const& owner)
 
 void StatusArea::fallBack()
 {
-    grace_.stop();
-    registration_.reset();
     // Asked only now: the toolkit settles on a kind of tray once, by what it finds at the first question.
     if (QSystemTrayIcon::isSystemTrayAvailable())
         showTrayIcon();

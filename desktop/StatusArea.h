@@ -36,14 +36,12 @@ public:
     StatusArea(platform::StatusItem& item, Handlers handlers, QDBusConnection bus = QDBusConnection::sessionBus());
     ~StatusArea() override;
 
-private slots:
-    void fallBack();
-
 private:
     void connectItem();
     void registerItem();
     void askForLook();
     void ownerChanged(QString const& owner);
+    void fallBack();
     void showTrayIcon();
     void popUpMenu();
 
@@ -53,7 +51,7 @@ private:
     StatusNotifierItem notifierItem_;
     DBusMenu dbusMenu_;
     QDBusServiceWatcher watcherOwner_;
-    /// Runs only while there is no watcher.
+    /// Runs only while there is no watcher, or no bus.
     QTimer grace_;
     /// Goes with the latest registration: what an earlier watcher answers does not count.
     std::unique_ptr<QObject> registration_;

@@ -27,6 +27,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <malloc.h>
 #include <unistd.h>
@@ -76,6 +77,18 @@ void reportError(QtMsgType type, QMessageLogContext const& /*context*/, QString 
         printError(message);
     if (type == QtFatalMsg)
         _exit(EXIT_FAILURE);
+}
+
+// Whose last change must not be lost while the event loop runs.
+platform::UserDefaults* settingsInUse = nullptr;
+
+// The toolkit calls exit() by itself when the display goes. Nothing is torn down then, for its threads are at work.
+void endAbruptly(int status, void* /*unused*/)
+{
+    if (!settingsInUse)
+        return;
+    settingsInUse->flush();
+    _exit(status);
 }
 
 std::filesystem::path userFolder(char const* variable, char const* inHome)
@@ -147,7 +160,10 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
     ExitSignals const exitSignals;
     controller.applicationDidFinishLaunching();
 
+    settingsInUse = &userDefaults;
+    on_exit(endAbruptly, nullptr);
     int const status = QApplication::exec();
+    settingsInUse = nullptr;
     userDefaults.flush();
     urlLoader.cancel();
     if (!queues.waitUntilIdle(patienceAtExit))

@@ -173,7 +173,7 @@ TEST_F(ProgramTest, AnswersItsUserWhileTheProviderDoesNot)
     EXPECT_EQ(program_.waitForExit(promptness), 0);
 }
 
-TEST_F(ProgramTest, ASecondStartShowsThePreferencesOfTheFirst)
+TEST_F(ProgramTest, ASecondStartShowsThePreferencesOfTheFirstAndTheDisplaysEndLosesNothing)
 {
     QProcess screen;
     screen.start(QStringLiteral("Xvfb"), { "-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "800x600x24" });
@@ -186,7 +186,7 @@ TEST_F(ProgramTest, ASecondStartShowsThePreferencesOfTheFirst)
         QStringList const search { "search", "--onlyvisible", "--name", "^Usage Meter Preferences$" };
         return QProcess::execute(QStringLiteral("xdotool"), search) == 0;
     };
-    program_.startWith({ home });
+    program_.startWith({ home, cottage });
     ASSERT_TRUE(waitForTitle("57.3GB"));
     EXPECT_FALSE(isShown());
     ProgramUnderTest second;
@@ -201,10 +201,14 @@ TEST_F(ProgramTest, ASecondStartShowsThePreferencesOfTheFirst)
     EXPECT_EQ(second.output(), "usage-meter: it runs already, but does not answer\n");
     program_.signal(SIGCONT);
 
+    provider_->setReply("secretTwo", { cottageReport, demo::Manner::Never });
+    ASSERT_TRUE(click(cottage));
+    ASSERT_TRUE(provider_->waitForRequests("secretTwo", 1, bound));
     screen.kill();
     EXPECT_EQ(program_.waitForExit(bound), 1);
+    auto const stored = *platform::readPropertyList(*platform::readFile(program_.settingsFile));
+    EXPECT_EQ(*platform::entry<std::string>(stored, settings::tarvoKeySelected), cottage);
     EXPECT_EQ(std::ranges::count(program_.output(), '\n'), 1) << program_.output();
-    EXPECT_TRUE(screen.waitForFinished());
 }
 
 TEST_F(ProgramTest, SaysInOneLineWhyItCannotStart)
