@@ -10,7 +10,9 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <mutex>
+#include <thread>
 
 namespace platform {
 
@@ -40,10 +42,29 @@ bool writeUnfinished(int folder, std::string_view content)
     return file.isOpen() && writeAll(file.get(), content) && ::fsync(file.get()) == 0;
 }
 
-// Ends when the folder is closed. A file system without locks is written to without one.
-void lockFolder(int folder)
+// Whether the folder may be written to now. Another process holds it for the moment of a save; one that holds it for
+// longer than a person would wait is left alone. A file system without locks is written to without one.
+bool lockFolder(int folder)
 {
-    while (::flock(folder, LOCK_EX) != 0 && errno == EINTR) { }
+    for (int tries = 0; ::flock(folder, LOCK_EX | LOCK_NB) != 0; ++tries) {
+        if (errno != EWOULDBLOCK)
+            return true;
+        if (tries == 80)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return true;
+}
+
+bool replaceFile(int folder, std::filesystem::path const& name, std::string_view content)
+{
+    if (!writeUnfinished(folder, content) || ::renameat(folder, unfinishedFileName, folder, name.c_str()) != 0) {
+        ::unlinkat(folder, unfinishedFileName, 0);
+        return false;
+    }
+    // Should this fail, a power cut may bring back the old file, whole.
+    ::fsync(folder);
+    return true;
 }
 
 }
@@ -56,18 +77,12 @@ bool writeFileAtomically(std::filesystem::path const& file, std::string_view con
     std::scoped_lock const lock(mutex);
     std::filesystem::path const parent = file.has_parent_path() ? file.parent_path() : ".";
     Descriptor const folder(::open(parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!folder.isOpen())
+    if (!folder.isOpen() || !lockFolder(folder.get()))
         return false;
-    lockFolder(folder.get());
-
-    if (!writeUnfinished(folder.get(), content)
-        || ::renameat(folder.get(), unfinishedFileName, folder.get(), file.filename().c_str()) != 0) {
-        ::unlinkat(folder.get(), unfinishedFileName, 0);
-        return false;
-    }
-    // Should this fail, a power cut may bring back the old file, whole.
-    ::fsync(folder.get());
-    return true;
+    bool const replaced = replaceFile(folder.get(), file.filename(), content);
+    // Closing does not do it: a process that is being started has a copy of the descriptor for a moment.
+    ::flock(folder.get(), LOCK_UN);
+    return replaced;
 }
 
 std::optional<std::string> readFile(std::filesystem::path const& file)

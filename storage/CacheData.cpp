@@ -2,10 +2,12 @@
 #include "storage/CacheData.h"
 
 #include "platform/AtomicFile.h"
+#include "platform/Descriptor.h"
 #include "platform/PropertyList.h"
 #include "platform/RunLoop.h"
 #include "storage/UsageReport.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,12 +19,21 @@ bool isFileName(std::string_view name)
         && name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
 
-// A link in the folder's place leads to somebody else's files.
-bool isRealFolder(std::filesystem::path const& path)
-{
-    std::error_code ignored;
-    return std::filesystem::is_directory(std::filesystem::symlink_status(path, ignored));
-}
+// The folder held open, so that nothing is done elsewhere when something else takes its place meanwhile. A link there
+// leads to somebody else's files, and is not opened.
+class HeldFolder {
+public:
+    explicit HeldFolder(std::filesystem::path const& folder)
+        : descriptor_(open(folder.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC))
+    {
+    }
+
+    bool isOpen() const { return descriptor_.isOpen(); }
+    std::filesystem::path path() const { return "/proc/self/fd/" + std::to_string(descriptor_.get()); }
+
+private:
+    platform::Descriptor descriptor_;
+};
 
 bool isFresh(platform::Dictionary const& report, platform::Date now)
 {
@@ -51,16 +62,19 @@ CacheData::CacheData(
 
 bool CacheData::saveCacheFile(platform::Dictionary const& report, std::string_view withName) const
 {
-    if (!isFileName(withName) || !platform::makePrivateFolder(folder_) || !isRealFolder(folder_))
+    if (!isFileName(withName) || !platform::makePrivateFolder(folder_))
         return false;
-    return platform::writeFileAtomically(folder_ / withName, platform::writePropertyList(report));
+    HeldFolder const folder(folder_);
+    return folder.isOpen()
+        && platform::writeFileAtomically(folder.path() / withName, platform::writePropertyList(report));
 }
 
 std::optional<platform::Dictionary> CacheData::retrieveCachedFileWithName(std::string_view name) const
 {
-    if (!isFileName(name) || !isRealFolder(folder_))
+    HeldFolder const folder(folder_);
+    if (!isFileName(name) || !folder.isOpen())
         return std::nullopt;
-    auto const path = folder_ / name;
+    auto const path = folder.path() / name;
     auto const bytes = platform::readFile(path);
     auto report = bytes ? platform::readPropertyList(*bytes) : std::nullopt;
     if (!report || isFresh(*report, runLoop_.now()))
@@ -73,9 +87,10 @@ std::optional<platform::Dictionary> CacheData::retrieveCachedFileWithName(std::s
 
 bool CacheData::removeCacheFile(std::string_view name) const
 {
-    if (!isFileName(name) || !isRealFolder(folder_))
+    HeldFolder const folder(folder_);
+    if (!isFileName(name) || !folder.isOpen())
         return false;
-    auto const path = folder_ / name;
+    auto const path = folder.path() / name;
     std::error_code ignored;
     if (!std::filesystem::exists(std::filesystem::symlink_status(path, ignored)))
         return false;
@@ -85,11 +100,12 @@ bool CacheData::removeCacheFile(std::string_view name) const
 
 bool CacheData::clearCache() const
 {
-    if (!isRealFolder(folder_))
+    HeldFolder const folder(folder_);
+    if (!folder.isOpen())
         return true;
     std::error_code ignored;
     std::vector<std::filesystem::path> paths;
-    for (std::filesystem::directory_iterator item(folder_, ignored), end; item != end; item.increment(ignored))
+    for (std::filesystem::directory_iterator item(folder.path(), ignored), end; item != end; item.increment(ignored))
         paths.push_back(item->path());
     for (auto const& path : paths)
         std::filesystem::remove_all(path, ignored);

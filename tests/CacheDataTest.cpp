@@ -2,12 +2,15 @@
 #include "storage/CacheData.h"
 
 #include "platform/AtomicFile.h"
+#include "tests/support/DiskFaults.h"
 #include "tests/support/ManualRunLoop.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
+#include <cstdio>
+#include <fcntl.h>
+#include <thread>
 
 using namespace std::chrono_literals;
 using platform::Dictionary;
@@ -91,6 +94,42 @@ TEST_F(CacheDataTest, RemovesOneFileOrAllButNothingThroughALink)
     EXPECT_FALSE(fs::exists(fileOf("K1")));
     EXPECT_TRUE(cache.clearCache());
     EXPECT_TRUE(fs::is_empty(cache.getCacheDirectory()));
+}
+
+TEST_F(CacheDataTest, TouchesNoOtherFolderWhoseLinkTakesThePlaceOfItsOwnMeanwhile)
+{
+    auto const foreign = folder.path() / "foreign", link = folder.path() / "link";
+    fs::create_directory(foreign);
+    fs::create_directory_symlink(foreign, link);
+    ASSERT_TRUE(cache.saveCacheFile({}, "K1"));
+    write(foreign / "K1", "precious");
+    std::jthread const swapping([&](std::stop_token const& end) {
+        while (!end.stop_requested())
+            renameat2(AT_FDCWD, link.c_str(), AT_FDCWD, cache.getCacheDirectory().c_str(), RENAME_EXCHANGE);
+    });
+    for (int i = 0; i < 1000; ++i) {
+        cache.saveCacheFile({ { "updateInterval", 1 } }, "K1");
+        i % 2 ? cache.removeCacheFile("K1") : cache.clearCache();
+        ASSERT_EQ(platform::readFile(foreign / "K1"), "precious") << i;
+    }
+}
+
+TEST_F(CacheDataTest, TheNextReportIsSavedWhenADiskFaultIsGone)
+{
+    CacheData const nested(folder.path() / "caches", "program", runLoop);
+    Dictionary const report { { "used:upload", "2" } };
+    auto const save = [&] { EXPECT_TRUE(nested.saveCacheFile(report, "K1")); };
+    auto const meetFault = [&] {
+        nested.saveCacheFile({}, "K1");
+        nested.retrieveCachedFileWithName("K1");
+        nested.removeCacheFile("K2");
+    };
+    withEachDiskFault(nested.getCacheDirectory() / "K1", save, meetFault, [&] {
+        save();
+        EXPECT_EQ(nested.retrieveCachedFileWithName("K1"), report);
+        nested.clearCache();
+        EXPECT_TRUE(fs::is_empty(nested.getCacheDirectory()));
+    });
 }
 
 TEST_F(CacheDataTest, RepairUnlinksOnlyRegularFilesNamedByAKeyInTheCachesFolder)

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include "platform/AtomicFile.h"
 #include "services/RetrieveKey.h"
 #include "tests/support/ControllerTest.h"
 #include "tests/support/Slowness.h"
+
+#include <fstream>
+#include <random>
 
 namespace {
 
@@ -10,7 +14,7 @@ constexpr char const* office = "Office - K3";
 
 class KeyManagementTest : public ControllerTest {
 protected:
-    void add(char const* nickname, char const* key)
+    void add(std::string const& nickname, std::string const& key)
     {
         outlets->keyNewNickname.userTyped(nickname);
         outlets->usageID.userTyped(key);
@@ -122,6 +126,56 @@ TEST_F(KeyManagementTest, RemovingTheLastEntryEndsWithAnEmptyListAndALateReportD
     EXPECT_EQ(outlets->monitorWindow.title.get(), "Usage Meter");
     outlets->removeKeyButton.userClicked();
     EXPECT_EQ(alertOn(outlets->window), "");
+}
+
+TEST_F(KeyManagementTest, WhateverTheKeysNothingOutsideTheTwoFoldersIsTouched)
+{
+    Texts const keys { "../K1", "../neighbour", "../settings/preferences.plist", "a/b", ".", "..", ".unfinished", "a",
+        "preferences.plist", std::string("a\0b", 3), "K1\n", std::string(300, 'k'), "\xff\xfe", "\u202Eyek", "",
+        "settings" };
+    for (auto const& key : keys)
+        setReply(key, 10);
+    std::filesystem::create_directory(folder.path() / "a");
+    for (char const* const name : { "neighbour", "a/b" })
+        std::ofstream(folder.path() / name) << "precious";
+    auto const surroundings = [this] {
+        std::map<std::string, std::optional<std::string>> files;
+        for (auto const& item : std::filesystem::recursive_directory_iterator(folder.path())) {
+            auto const name = item.path().lexically_relative(folder.path());
+            if (*name.begin() != "settings" && *name.begin() != cache().getCacheDirectory().filename())
+                files.emplace(name, platform::readFile(item.path()));
+        }
+        return files;
+    };
+    auto const before = surroundings();
+    std::mt19937 random;
+    auto const anyOf = [&random](std::size_t count) { return random() % std::max<std::size_t>(count, 1); };
+    launchWith({ home });
+    for (int step = 0; step < 1000; ++step) {
+        auto const& key = keys[anyOf(keys.size())];
+        std::function<void()> const actions[] {
+            [&] { add("Any", key); },
+            [&] {
+                defaults.remove(settings::fixedCache);
+                defaults.remove(settings::lastInstalledVersion);
+                launchWith({ home, "Any - " + key, key });
+            },
+            [&] { outlets->tarvoUsageKeysComboBox.userSelected(static_cast<int>(anyOf(stored().size()))); },
+            [&] { outlets->useConnectionButton.userClicked(); },
+            [&] { controller->updateButton(); },
+            [&] {
+                outlets->removeKeyButton.userClicked();
+                outlets->window.userAnswered(1000);
+            },
+            [&] { outlets->clearCacheButton.userClicked(); },
+            [&] { cache().saveCacheFile({}, key); },
+            [&] { cache().removeCacheFile(key); },
+        };
+        actions[anyOf(std::size(actions))]();
+        settle();
+        ASSERT_EQ(surroundings(), before) << step << key;
+        ASSERT_TRUE(platform::readFile(folder.path() / "settings" / "preferences.plist"));
+    }
 }
 
 TEST_F(KeyManagementTest, ReadsTheLookupReplyByItsOwnRules)

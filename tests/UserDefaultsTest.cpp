@@ -3,13 +3,11 @@
 
 #include "platform/AtomicFile.h"
 #include "platform/PropertyList.h"
-#include "tests/support/FullDisk.h"
+#include "tests/support/DiskFaults.h"
 #include "tests/support/ManualRunLoop.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
-
-#include <fstream>
 
 namespace fs = std::filesystem;
 using platform::Dictionary;
@@ -80,12 +78,25 @@ TEST_F(UserDefaultsTest, WhatCannotBeReadStaysUntilItsPlaceIsNeeded)
     EXPECT_TRUE(fs::is_directory(file.string() + ".damaged"));
 }
 
-TEST_F(UserDefaultsTest, AFailedWriteIsTriedAgain)
+TEST_F(UserDefaultsTest, TheNextChangeIsWrittenWhenADiskFaultIsGone)
 {
-    UserDefaults settings(file, loop);
-    settings.set("key", "kept in memory");
-    withFullDisk([&] { loop.runQueued(); });
-    EXPECT_FALSE(fs::exists(file));
-    settings.flush();
-    EXPECT_EQ(stored(), (Dictionary { { "key", "kept in memory" } }));
+    file = temporary.path() / "config" / "program" / "preferences.plist";
+    std::optional<UserDefaults> settings;
+    for (bool const startsAnew : { false, true }) {
+        int number = 0;
+        auto const change = [&] {
+            settings->set("number", ++number);
+            settings->flush();
+        };
+        auto const start = [&] {
+            settings.emplace(file, loop);
+            settings->set("kept", "in memory");
+            change();
+        };
+        auto const meetFault = [&] { startsAnew ? start() : change(); };
+        withEachDiskFault(file, start, meetFault, [&] {
+            change();
+            EXPECT_EQ(stored(), (Dictionary { { "kept", "in memory" }, { "number", number } }));
+        });
+    }
 }

@@ -149,7 +149,7 @@ protected:
     }
 
     /// What the provider answers for a key: a report with so many gigabytes in all, of which 40 percent are free.
-    void setReply(char const* key, int gigabytes)
+    void setReply(std::string const& key, int gigabytes)
     {
         auto const group = [gigabytes](int download, int upload) {
             auto const bytes = [gigabytes](int tenths) { return std::to_string(gigabytes * tenths) + "00000000"; };
@@ -197,7 +197,7 @@ protected:
     ScriptedLoader loader;
     RecordedDesktop desktop;
     platform::Bundle bundle = *platform::Bundle::open(USAGE_METER_BUNDLE, { "en" });
-    platform::UserDefaults defaults { folder.path() / "preferences.plist", runLoop };
+    platform::UserDefaults defaults { folder.path() / "settings" / "preferences.plist", runLoop };
     platform::Platform platform { runLoop, queues, defaults, loader, bundle, desktop, desktop, &desktop,
         folder.path() };
     platform::DateFormatter dates { platform.dateLocale };
