@@ -151,7 +151,7 @@ TEST_F(KeyManagementTest, WhateverTheKeysNothingOutsideTheTwoFoldersIsTouched)
     std::mt19937 random;
     auto const anyOf = [&random](std::size_t count) { return random() % std::max<std::size_t>(count, 1); };
     launchWith({ home });
-    for (int step = 0; step < 1000; ++step) {
+    for (int step = 0; step < 300; ++step) {
         auto const& key = keys[anyOf(keys.size())];
         std::function<void()> const actions[] {
             [&] { add("Any", key); },

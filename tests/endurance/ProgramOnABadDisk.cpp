@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: MIT
+// The real program on small disks of its own that fill up, and with folders that are not what they should be. Disks are
+// mounted for this process and its children alone, by root.
+#include "demo/Provider.h"
+#include "tests/support/PanelTest.h"
+#include "tests/support/ProgramUnderTest.h"
+
+#include <QTest>
+
+#include <fstream>
+#include <sched.h>
+#include <sys/mount.h>
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr char const* home = "Home - secretOne";
+constexpr char const* cottage = "Cottage - secretTwo";
+
+class ProgramOnABadDisk : public PanelTest {
+protected:
+    ProgramOnABadDisk()
+    {
+        startWatcher();
+        for (auto* const program : { &program_, &second_ }) {
+            program->setInfo("ProviderHost", provider_->host());
+            program->setInfo("ProviderCertificateAuthority", certificate_.authority);
+        }
+        provider_->setReport("secretOne", demo::reportBody({ 10'000'000'000, 0, 0, 0, 10'000'000'000, 0 }));
+        provider_->setReport("secretTwo", demo::reportBody({ 20'000'000'000, 0, 0, 0, 20'000'000'000, 0 }));
+    }
+
+    bool waitForTitle(std::string const& title)
+    {
+        return waitFor([&] { return reader_.hasItem() && reader_.title().toStdString() == title; });
+    }
+
+    bool click(char const* text) { return reader_.click(QString::fromUtf8(text), bound); }
+
+    std::string storedSelection() const { return storedSelection(program_); }
+    static std::string storedSelection(ProgramUnderTest const& program)
+    {
+        auto const stored = platform::readPropertyList(platform::readFile(program.settingsFile).value_or(""));
+        auto const* const selection
+            = stored ? platform::entry<std::string>(*stored, settings::tarvoKeySelected) : nullptr;
+        return selection ? *selection : "";
+    }
+
+    static auto filesIn(fs::path const& folder) { return std::distance(fs::directory_iterator(folder), {}); }
+
+    TemporaryFolder folder_;
+    demo::CertificateFiles certificate_ = *demo::makeCertificate(folder_.path() / "certificate");
+    std::unique_ptr<demo::Provider> provider_ = demo::Provider::start(certificate_);
+    ProgramUnderTest program_;
+    ProgramUnderTest second_;
+};
+
+// A disk of 64 KiB and 16 files.
+struct SmallDisk {
+    explicit SmallDisk(fs::path folder)
+        : place(std::move(folder))
+    {
+        fs::create_directories(place);
+        ok = ::mount("small", place.c_str(), "tmpfs", 0, "size=64k,nr_inodes=16,mode=0700") == 0;
+    }
+    SmallDisk(SmallDisk const&) = delete;
+    SmallDisk& operator=(SmallDisk const&) = delete;
+    ~SmallDisk() { ::umount2(place.c_str(), MNT_DETACH); }
+
+    void remount(unsigned long flags) const
+    {
+        EXPECT_EQ(::mount(nullptr, place.c_str(), nullptr, MS_REMOUNT | flags, nullptr), 0);
+    }
+
+    fs::path place;
+    bool ok = false;
+};
+
+}
+
+TEST_F(ProgramOnABadDisk, GoesOnWhileNothingCanBeWrittenAndSavesAgainAfterwards)
+{
+    if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+        GTEST_SKIP() << "only root can mount";
+    SmallDisk const config(program_.settingsFile.parent_path().parent_path());
+    SmallDisk const cache(program_.cacheFolder.parent_path());
+    ASSERT_TRUE(config.ok && cache.ok);
+    using OnDisk = std::function<void(SmallDisk const&)>;
+    struct {
+        char const* what;
+        OnDisk begin, end;
+    } const faults[] {
+        { "full", [](auto const& disk) { std::ofstream(disk.place / "0") << std::string(100'000, 'x') << std::flush; },
+            [](auto const& disk) { fs::remove(disk.place / "0"); } },
+        { "no more files",
+            [](auto const& disk) {
+                for (int i = 0; i < 16; ++i)
+                    std::ofstream(disk.place / std::to_string(i));
+            },
+            [](auto const& disk) {
+                for (int i = 0; i < 16; ++i)
+                    fs::remove(disk.place / std::to_string(i));
+            } },
+        { "read only", [](auto const& disk) { disk.remount(MS_RDONLY); }, [](auto const& disk) { disk.remount(0); } },
+    };
+    program_.startWith({ home, cottage });
+    ASSERT_TRUE(waitForTitle("10GB"));
+    for (auto const& [what, begin, end] : faults) {
+        SCOPED_TRACE(what);
+        fs::remove(program_.cacheFolder / "secretTwo");
+        for (auto const* const disk : { &config, &cache })
+            begin(*disk);
+        ASSERT_TRUE(click(cottage));
+        EXPECT_TRUE(waitForTitle("20GB")) << "it shows what it cannot keep";
+        EXPECT_EQ(storedSelection(), home);
+        EXPECT_FALSE(fs::exists(program_.cacheFolder / "secretTwo"));
+        EXPECT_EQ(filesIn(config.place / ProgramUnderTest::identifier), 1);
+        EXPECT_EQ(filesIn(program_.cacheFolder), 1);
+
+        for (auto const* const disk : { &config, &cache })
+            end(*disk);
+        ASSERT_TRUE(click("Update Now"));
+        EXPECT_TRUE(waitFor([this] { return fs::exists(program_.cacheFolder / "secretTwo"); }));
+        ASSERT_TRUE(click(home));
+        EXPECT_TRUE(waitForTitle("10GB"));
+        ASSERT_TRUE(click(cottage));
+        EXPECT_TRUE(waitFor([this] { return storedSelection() == cottage; }));
+        ASSERT_TRUE(click(home));
+        EXPECT_TRUE(waitFor([this] { return storedSelection() == home; }));
+    }
+    program_.signal(SIGTERM);
+    EXPECT_EQ(program_.waitForExit(bound), 0);
+}
+
+TEST_F(ProgramOnABadDisk, StartsWhateverItsFoldersAre)
+{
+    auto const file = folder_.path() / "file", full = fs::path("/dev/full"), missing = folder_.path() / "a" / "b";
+    std::ofstream(file) << "precious";
+    for (auto const& place : { file, file / "below", full, missing, fs::path("relative"), fs::path() }) {
+        for (auto const* const variable : { "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "HOME" }) {
+            if (variable == std::string("HOME") && place.is_relative())
+                continue;
+            SCOPED_TRACE(variable + ("=" + place.string()));
+            ProgramUnderTest program;
+            program.setVariable(variable, place.c_str());
+            if (variable == std::string("HOME")) {
+                program.setVariable("XDG_CONFIG_HOME", "");
+                program.setVariable("XDG_CACHE_HOME", "");
+            }
+            program.start();
+            EXPECT_TRUE(waitForTitle("Please wait…"));
+            program.signal(SIGTERM);
+            EXPECT_EQ(program.waitForExit(bound), 0) << program.output();
+            ASSERT_TRUE(waitFor([this] { return !reader_.hasItem(); }));
+        }
+    }
+    EXPECT_EQ(platform::readFile(file), "precious");
+}
+
+TEST_F(ProgramOnABadDisk, TwoWithoutASessionBusShareTheirSettings)
+{
+    auto const shared = program_.settingsFile.parent_path().parent_path();
+    second_.setVariable("XDG_CONFIG_HOME", shared.c_str());
+    for (auto* const program : { &program_, &second_ })
+        program->setVariable("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere");
+    for (int round = 1; round <= 20; ++round) {
+        program_.startWith({ home });
+        second_.start();
+        ASSERT_TRUE(provider_->waitForRequests("secretOne", 2 * round, bound));
+        for (auto* const program : { &program_, &second_ }) {
+            program->signal(SIGTERM);
+            ASSERT_EQ(program->waitForExit(bound), 0) << program->output();
+            fs::remove_all(program->cacheFolder);
+        }
+        EXPECT_EQ(storedSelection(), home);
+        EXPECT_EQ(filesIn(program_.settingsFile.parent_path()), 1);
+    }
+}
