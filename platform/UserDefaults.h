@@ -12,7 +12,8 @@
 namespace platform {
 
 /// The user's settings, kept in one property-list file. The changes of one turn of the main loop become one write at
-/// its end; a write that fails is tried again with the next change. Main thread only.
+/// its end; a write that fails is tried again with the next change. What another program changes in the file meanwhile
+/// is overwritten. Main thread only.
 class UserDefaults {
 public:
     /// Reads the file. One that cannot be read as settings is moved aside, never overwritten, and there are none then.

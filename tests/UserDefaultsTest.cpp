@@ -36,7 +36,14 @@ TEST_F(UserDefaultsTest, TheChangesOfOneTurnAreOneWriteAtItsEnd)
     EXPECT_FALSE(fs::exists(file));
     loop.runQueued();
     EXPECT_EQ(stored(), (Dictionary { { "name", "Home" } }));
-    EXPECT_EQ(*UserDefaults(file, loop).get<std::string>("name"), "Home");
+
+    UserDefaults another(file, loop);
+    EXPECT_EQ(*another.get<std::string>("name"), "Home");
+    settings.set("ours", 1);
+    loop.runQueued();
+    another.set("theirs", 1);
+    loop.runQueued();
+    EXPECT_EQ(stored(), (Dictionary { { "name", "Home" }, { "theirs", 1 } })) << "the last writer wins";
 }
 
 TEST_F(UserDefaultsTest, AnEqualValueWritesNothingAndTellsNobody)
@@ -68,14 +75,14 @@ TEST_F(UserDefaultsTest, DamagedFilesAreMovedAsideAndNoneIsOverwritten)
 
 TEST_F(UserDefaultsTest, WhatCannotBeReadStaysUntilItsPlaceIsNeeded)
 {
-    // Root may open a file whatever its mode, so a folder stands in for one without permission.
-    fs::create_directory(file);
+    std::ofstream(file) << "";
+    fs::resize_file(file, 16UL * 1024 * 1024 + 1);
     UserDefaults settings(file, loop);
-    EXPECT_TRUE(fs::is_directory(file));
+    EXPECT_TRUE(fs::exists(file));
     settings.set("new", 2);
     loop.runQueued();
     EXPECT_EQ(stored(), (Dictionary { { "new", 2 } }));
-    EXPECT_TRUE(fs::is_directory(file.string() + ".damaged"));
+    EXPECT_EQ(fs::file_size(file.string() + ".damaged"), 16UL * 1024 * 1024 + 1);
 }
 
 TEST_F(UserDefaultsTest, TheNextChangeIsWrittenWhenADiskFaultIsGone)

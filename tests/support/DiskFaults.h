@@ -51,8 +51,8 @@ inline void withEachDiskFault(std::filesystem::path const& file, std::function<v
         { "a folder for the file", [&] { fs::create_directories(emptied(file) / "inside"); } },
         { "a dangling link for the file", [&] { fs::create_symlink("nowhere", emptied(file)); } },
         { "a link loop for the file", [&] { fs::create_symlink(file, emptied(file)); } },
-        { "a fifo", [&] { ::mkfifo(emptied(file).c_str(), 0600); } },
-        { "a socket", [&] { ::mknod(emptied(file).c_str(), S_IFSOCK | 0600, 0); } },
+        { "a fifo", [&] { ::mkfifo(emptied(file).c_str(), 0666); } },
+        { "a socket", [&] { ::mknod(emptied(file).c_str(), S_IFSOCK | 0666, 0); } },
         { "a device", [&] { ::mknod(emptied(file).c_str(), S_IFCHR | 0666, ::makedev(1, 5)); } },
         { "a file that nobody may read", [&] { fs::permissions(file, fs::perms::none); } },
         { "somebody else's file", [&] { std::ignore = ::chown(file.c_str(), ::getuid(), ::getgid()); } },
@@ -68,14 +68,14 @@ inline void withEachDiskFault(std::filesystem::path const& file, std::function<v
         run(before);
         begin();
         std::exchange(isFull, false) ? withFullDisk([&] { run(during); }) : run(during);
+        if (::chown(folder.c_str(), OrdinaryUser::id(), ::getgid()) == 0)
+            fs::permissions(folder, fs::perms(0700));
         for (fs::path const& place : { around, folder, file }) {
             if (!fs::exists(asideOf(place)))
                 continue;
             fs::remove_all(place);
             fs::rename(asideOf(place), place);
         }
-        if (::chown(folder.c_str(), OrdinaryUser::id(), ::getgid()) == 0)
-            fs::permissions(folder, fs::perms(0700));
         run(after);
     }
 }
