@@ -160,7 +160,7 @@ TEST_F(KeyManagementTest, WhateverTheKeysNothingOutsideTheTwoFoldersIsTouched)
                 defaults.remove(settings::lastInstalledVersion);
                 launchWith({ home, "Any - " + key, key });
             },
-            [&] { outlets->tarvoUsageKeysComboBox.userSelected(static_cast<int>(anyOf(stored().size()))); },
+            [&] { outlets->tarvoUsageKeysComboBox.userSelected(anyOf(stored().size())); },
             [&] { outlets->useConnectionButton.userClicked(); },
             [&] { controller->updateButton(); },
             [&] {

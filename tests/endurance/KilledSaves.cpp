@@ -28,8 +28,9 @@ protected:
 
     static platform::Dictionary content(int number)
     {
-        platform::Array const entries(static_cast<std::size_t>(number % 50), "Home - key");
-        return { { "number", number }, { "entries", entries }, { "text", std::string(number * 7919 % 100'000, 'x') } };
+        auto const size = static_cast<std::size_t>(number) * 7919 % 100'000;
+        return { { "number", number }, { "entries", platform::Array(size % 50, "Home - key") },
+            { "text", std::string(size, 'x') } };
     }
 
     // A process that waits, traced, before it saves.

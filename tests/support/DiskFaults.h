@@ -38,7 +38,7 @@ inline void withEachDiskFault(std::filesystem::path const& file, std::function<v
         return place;
     };
     bool isFull = false;
-    std::pair<char const*, std::function<void()>> const faults[] {
+    std::vector<std::pair<char const*, std::function<void()>>> const faults {
         { "a folder that nobody may enter", [&] { fs::permissions(folder, fs::perms::none); } },
         { "a folder that nobody may write to", [&] { fs::permissions(folder, fs::perms(0500)); } },
         { "somebody else's folder", [&] { std::ignore = ::chown(folder.c_str(), ::getuid(), ::getgid()); } },
