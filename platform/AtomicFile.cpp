@@ -71,6 +71,8 @@ bool replaceFile(int folder, std::filesystem::path const& name, std::string_view
 
 bool writeFileAtomically(std::filesystem::path const& file, std::string_view content)
 {
+    if (content.size() > maximumSize)
+        return false;
     // The unfinished file belongs to one writer at a time: the mutex sees to it among threads, the lock among
     // processes.
     static std::mutex mutex;

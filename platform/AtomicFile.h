@@ -13,8 +13,9 @@ namespace platform {
 inline constexpr char const* unfinishedFileName = ".unfinished";
 
 /// Replaces a file's whole content, readable by its owner alone. Whenever it is interrupted, the file is the old one
-/// or the new one. False, with the old file in place, when anything fails, or when another process keeps the folder
-/// locked for about a second. The folder must exist. Any thread.
+/// or the new one. False, with the old file in place, when anything fails, when another process keeps the folder locked
+/// for about a second, or when the content is larger than a file that readFile() reads. The folder must exist. Any
+/// thread.
 bool writeFileAtomically(std::filesystem::path const& file, std::string_view content);
 
 /// The content of a regular file of at most 16 MiB; nothing when it is anything else or cannot be read. Any thread.

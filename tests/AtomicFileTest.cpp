@@ -50,6 +50,7 @@ TEST_F(AtomicFileTest, AFailedSaveKeepsTheOldFileAndLeavesNothingBehind)
 {
     ASSERT_TRUE(writeFileAtomically(file, "old"));
     withFullDisk([&] { EXPECT_FALSE(writeFileAtomically(file, std::string(1000, 'n'))); });
+    EXPECT_FALSE(writeFileAtomically(file, std::string(16UL * 1024 * 1024 + 1, 'n'))) << "nobody would read it";
     EXPECT_EQ(readFile(file), "old");
     fs::create_directories(folder.path() / "taken" / "inside");
     for (fs::path const& place : { folder.path() / "taken", folder.path() / "missing" / "key", file / "key" })

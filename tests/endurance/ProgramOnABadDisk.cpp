@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The real program on small disks of its own that fill up, and with folders that are not what they should be. Disks are
-// mounted for this process and its children alone, by root.
+// The real program on small disks of its own that fill up. They are mounted for this process and its children alone,
+// which needs to be root.
 #include "demo/Provider.h"
 #include "tests/support/PanelTest.h"
 #include "tests/support/ProgramUnderTest.h"
-
-#include <QTest>
 
 #include <fstream>
 #include <sched.h>
@@ -24,10 +22,8 @@ protected:
     ProgramOnABadDisk()
     {
         startWatcher();
-        for (auto* const program : { &program_, &second_ }) {
-            program->setInfo("ProviderHost", provider_->host());
-            program->setInfo("ProviderCertificateAuthority", certificate_.authority);
-        }
+        program_.setInfo("ProviderHost", provider_->host());
+        program_.setInfo("ProviderCertificateAuthority", certificate_.authority);
         provider_->setReport("secretOne", demo::reportBody({ 10'000'000'000, 0, 0, 0, 10'000'000'000, 0 }));
         provider_->setReport("secretTwo", demo::reportBody({ 20'000'000'000, 0, 0, 0, 20'000'000'000, 0 }));
     }
@@ -39,13 +35,10 @@ protected:
 
     bool click(char const* text) { return reader_.click(QString::fromUtf8(text), bound); }
 
-    std::string storedSelection() const { return storedSelection(program_); }
-    static std::string storedSelection(ProgramUnderTest const& program)
+    std::string storedSelection() const
     {
-        auto const stored = platform::readPropertyList(platform::readFile(program.settingsFile).value_or(""));
-        auto const* const selection
-            = stored ? platform::entry<std::string>(*stored, settings::tarvoKeySelected) : nullptr;
-        return selection ? *selection : "";
+        auto const stored = *platform::readPropertyList(*platform::readFile(program_.settingsFile));
+        return *platform::entry<std::string>(stored, settings::tarvoKeySelected);
     }
 
     static auto filesIn(fs::path const& folder) { return std::distance(fs::directory_iterator(folder), {}); }
@@ -54,7 +47,6 @@ protected:
     demo::CertificateFiles certificate_ = *demo::makeCertificate(folder_.path() / "certificate");
     std::unique_ptr<demo::Provider> provider_ = demo::Provider::start(certificate_);
     ProgramUnderTest program_;
-    ProgramUnderTest second_;
 };
 
 // A disk of 64 KiB and 16 files.
@@ -132,49 +124,4 @@ TEST_F(ProgramOnABadDisk, GoesOnWhileNothingCanBeWrittenAndSavesAgainAfterwards)
     }
     program_.signal(SIGTERM);
     EXPECT_EQ(program_.waitForExit(bound), 0);
-}
-
-TEST_F(ProgramOnABadDisk, StartsWhateverItsFoldersAre)
-{
-    auto const file = folder_.path() / "file", full = fs::path("/dev/full"), missing = folder_.path() / "a" / "b";
-    std::ofstream(file) << "precious";
-    for (auto const& place : { file, file / "below", full, missing, fs::path("relative"), fs::path() }) {
-        for (auto const* const variable : { "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "HOME" }) {
-            if (variable == std::string("HOME") && place.is_relative())
-                continue;
-            SCOPED_TRACE(variable + ("=" + place.string()));
-            ProgramUnderTest program;
-            program.setVariable(variable, place.c_str());
-            if (variable == std::string("HOME")) {
-                program.setVariable("XDG_CONFIG_HOME", "");
-                program.setVariable("XDG_CACHE_HOME", "");
-            }
-            program.start();
-            EXPECT_TRUE(waitForTitle("Please wait…"));
-            program.signal(SIGTERM);
-            EXPECT_EQ(program.waitForExit(bound), 0) << program.output();
-            ASSERT_TRUE(waitFor([this] { return !reader_.hasItem(); }));
-        }
-    }
-    EXPECT_EQ(platform::readFile(file), "precious");
-}
-
-TEST_F(ProgramOnABadDisk, TwoWithoutASessionBusShareTheirSettings)
-{
-    auto const shared = program_.settingsFile.parent_path().parent_path();
-    second_.setVariable("XDG_CONFIG_HOME", shared.c_str());
-    for (auto* const program : { &program_, &second_ })
-        program->setVariable("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere");
-    for (int round = 1; round <= 20; ++round) {
-        program_.startWith({ home });
-        second_.start();
-        ASSERT_TRUE(provider_->waitForRequests("secretOne", 2 * round, bound));
-        for (auto* const program : { &program_, &second_ }) {
-            program->signal(SIGTERM);
-            ASSERT_EQ(program->waitForExit(bound), 0) << program->output();
-            fs::remove_all(program->cacheFolder);
-        }
-        EXPECT_EQ(storedSelection(), home);
-        EXPECT_EQ(filesIn(program_.settingsFile.parent_path()), 1);
-    }
 }
