@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "fetch/HttpsLoad.h"
 
+#include "platform/UrlLoader.h"
 #include "platform/Utf8.h"
 
 #include <curl/curl.h>
@@ -10,7 +11,8 @@
 
 namespace {
 
-constexpr std::size_t maximumBodySize = 8UL * 1024 * 1024;
+// Of all replies on the way, trailers included. Libcurl keeps each line, and a short one takes twenty times its size.
+constexpr std::size_t maximumHeaderSize = 512UL * 1024;
 constexpr long connectSeconds = 60;
 constexpr long stalledSeconds = 60;
 constexpr long totalSeconds = 300;
@@ -18,13 +20,56 @@ constexpr long maximumRedirects = 10;
 
 using Easy = std::unique_ptr<CURL, decltype(&curl_easy_cleanup)>;
 
-std::size_t appendToBody(char const* data, std::size_t, std::size_t size, void* body)
+struct Reply {
+    std::string body;
+    std::size_t headerSize = 0;
+    /// Whether the server took its leave in the last reply's connection (TLS's close_notify).
+    bool closed = false;
+};
+
+std::size_t appendToBody(char const* data, std::size_t, std::size_t size, void* reply)
 {
-    auto& text = *static_cast<std::string*>(body);
-    if (text.size() + size > maximumBodySize)
+    auto& body = static_cast<Reply*>(reply)->body;
+    if (body.size() + size > platform::maximumBodySize)
         return 0;
-    text.append(data, size);
+    body.append(data, size);
     return size;
+}
+
+std::size_t acceptHeader(char const*, std::size_t, std::size_t size, void* data)
+{
+    auto& reply = *static_cast<Reply*>(data);
+    reply.headerSize += size;
+    reply.closed = false;
+    return reply.headerSize > maximumHeaderSize ? 0 : size;
+}
+
+// The alerts of TLS come with its other messages, of which none but an alert has two bytes.
+int followTls(CURL*, curl_infotype type, char* data, std::size_t size, void* reply)
+{
+    constexpr std::string_view closeNotify("\1\0", 2);
+    if (type == CURLINFO_SSL_DATA_IN && std::string_view(data, size) == closeNotify)
+        static_cast<Reply*>(reply)->closed = true;
+    return 0;
+}
+
+// What libcurl leaves open: lengths that contradict each other or are none, and a body without an end of its own, which
+// is whole only when TLS says so (RFC 9112, 6.3 and 9.8).
+bool isWhole(CURL* easy, Reply const& reply)
+{
+    long version = 0;
+    curl_header* header = nullptr;
+    curl_easy_getinfo(easy, CURLINFO_HTTP_VERSION, &version);
+    if (version >= CURL_HTTP_VERSION_2_0
+        || curl_easy_header(easy, "Transfer-Encoding", 0, CURLH_HEADER, -1, &header) == CURLHE_OK)
+        return true;
+    curl_off_t length = 0;
+    curl_easy_getinfo(easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+    for (std::size_t i = 0; curl_easy_header(easy, "Content-Length", i, CURLH_HEADER, -1, &header) == CURLHE_OK; ++i) {
+        if (header->value != std::to_string(length))
+            return false;
+    }
+    return length >= 0 || (reply.closed && !reply.body.empty());
 }
 
 // A folder of hashed names is looked up by need, which is far cheaper than parsing the bundle of all authorities for
@@ -41,7 +86,7 @@ void trustAuthorities(CURL* easy, std::string const& additionalAuthority)
         curl_easy_setopt(easy, CURLOPT_CAINFO, nullptr);
 }
 
-void configure(CURL* easy, std::string const& url, std::string& body)
+void configure(CURL* easy, std::string const& url, Reply& reply)
 {
     curl_easy_setopt(easy, CURLOPT_URL, url.c_str());
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "https");
@@ -49,6 +94,7 @@ void configure(CURL* easy, std::string const& url, std::string& body)
     curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
     curl_easy_setopt(easy, CURLOPT_MAXREDIRS, maximumRedirects);
     curl_easy_setopt(easy, CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
+    curl_easy_setopt(easy, CURLOPT_SSLVERSION, CURL_SSLVERSION_TLSv1_2);
     curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
     curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
     curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT, connectSeconds);
@@ -57,7 +103,12 @@ void configure(CURL* easy, std::string const& url, std::string& body)
     curl_easy_setopt(easy, CURLOPT_TIMEOUT, totalSeconds);
     curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, "");
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &appendToBody);
-    curl_easy_setopt(easy, CURLOPT_WRITEDATA, &body);
+    curl_easy_setopt(easy, CURLOPT_WRITEDATA, &reply);
+    curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &acceptHeader);
+    curl_easy_setopt(easy, CURLOPT_HEADERDATA, &reply);
+    curl_easy_setopt(easy, CURLOPT_DEBUGFUNCTION, &followTls);
+    curl_easy_setopt(easy, CURLOPT_DEBUGDATA, &reply);
+    curl_easy_setopt(easy, CURLOPT_VERBOSE, 1L);
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
     // A name that is still being looked up does not hold up the end of a load.
     curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
@@ -70,10 +121,11 @@ std::optional<std::string> loadOverHttps(std::string const& url, std::string con
     Easy const easy(curl_easy_init(), &curl_easy_cleanup);
     if (!easy)
         return std::nullopt;
-    std::string body;
-    configure(easy.get(), url, body);
+    Reply reply;
+    configure(easy.get(), url, reply);
     trustAuthorities(easy.get(), additionalAuthority);
-    if (curl_easy_perform(easy.get()) != CURLE_OK || !platform::isValidUtf8(body))
+    bool const ended = curl_easy_perform(easy.get()) == CURLE_OK;
+    if (!ended || !isWhole(easy.get(), reply) || !platform::isValidUtf8(reply.body))
         return std::nullopt;
-    return body;
+    return std::move(reply.body);
 }

@@ -3,9 +3,11 @@
 
 #include "platform/Descriptor.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -15,32 +17,45 @@ namespace platform {
 
 namespace {
 
-bool sendAll(int channel, std::string_view text)
+using Clock = std::chrono::steady_clock;
+
+bool isReadyInTime(int channel, short event, Clock::time_point end)
+{
+    pollfd awaited { channel, event, 0 };
+    for (;;) {
+        auto const left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+        int const ready = left > 0 ? ::poll(&awaited, 1, static_cast<int>(left)) : 0;
+        if (ready >= 0 || errno != EINTR)
+            return ready > 0;
+    }
+}
+
+bool sendAll(int channel, std::string_view text, Clock::time_point end)
 {
     while (!text.empty()) {
-        // No signal from a helper that died.
-        auto const sent = ::send(channel, text.data(), text.size(), MSG_NOSIGNAL);
-        if (sent < 0 && errno == EINTR)
-            continue;
-        if (sent <= 0)
+        if (!isReadyInTime(channel, POLLOUT, end))
             return false;
-        text.remove_prefix(static_cast<std::size_t>(sent));
+        // No signal from a helper that died, and no waiting for one that does not read.
+        auto const sent = ::send(channel, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (sent < 0 && errno != EINTR && errno != EAGAIN)
+            return false;
+        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(sent, 0)));
     }
     return ::shutdown(channel, SHUT_WR) == 0;
 }
 
-std::string receiveAll(int channel)
+bool receiveAll(int channel, std::string& text, Clock::time_point end)
 {
-    std::string text;
     std::array<char, 65536> piece {};
-    for (;;) {
-        auto const received = ::recv(channel, piece.data(), piece.size(), 0);
-        if (received < 0 && errno == EINTR)
-            continue;
-        if (received <= 0)
-            return text;
-        text.append(piece.data(), static_cast<std::size_t>(received));
+    while (text.size() <= maximumBodySize && isReadyInTime(channel, POLLIN, end)) {
+        auto const received = ::recv(channel, piece.data(), piece.size(), MSG_DONTWAIT);
+        if (received == 0)
+            return true;
+        if (received < 0 && errno != EINTR && errno != EAGAIN)
+            return false;
+        text.append(piece.data(), static_cast<std::size_t>(std::max<ssize_t>(received, 0)));
     }
+    return false;
 }
 
 bool endedWell(pid_t process)
@@ -55,9 +70,11 @@ bool endedWell(pid_t process)
 
 }
 
-ProcessUrlLoader::ProcessUrlLoader(std::filesystem::path helper, std::filesystem::path additionalAuthority)
+ProcessUrlLoader::ProcessUrlLoader(
+    std::filesystem::path helper, std::filesystem::path additionalAuthority, std::chrono::milliseconds limit)
     : helper_(std::move(helper))
     , additionalAuthority_(std::move(additionalAuthority))
+    , limit_(limit)
 {
     for (char** variable = environ; *variable; ++variable)
         environment_.emplace_back(*variable);
@@ -77,9 +94,11 @@ std::optional<std::string> ProcessUrlLoader::load(std::string const& url)
         return std::nullopt;
     helpersEnd.close();
 
+    auto const end = Clock::now() + limit_;
     std::string body;
-    if (sendAll(channel.get(), additionalAuthority_.string() + "\n" + url + "\n"))
-        body = receiveAll(channel.get());
+    if (!sendAll(channel.get(), additionalAuthority_.string() + "\n" + url + "\n", end)
+        || !receiveAll(channel.get(), body, end))
+        ::kill(process, SIGKILL);
     finished(process);
     return endedWell(process) ? std::optional(std::move(body)) : std::nullopt;
 }

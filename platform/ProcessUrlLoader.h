@@ -3,6 +3,7 @@
 
 #include "platform/UrlLoader.h"
 
+#include <chrono>
 #include <filesystem>
 #include <mutex>
 #include <vector>
@@ -14,7 +15,9 @@ namespace platform {
 class ProcessUrlLoader final : public UrlLoader {
 public:
     /// The helper program, and the file of a certificate authority to trust beside the system's, where there is one.
-    explicit ProcessUrlLoader(std::filesystem::path helper, std::filesystem::path additionalAuthority = {});
+    /// The helper ends a load after five minutes; one that hangs itself is ended at the limit.
+    explicit ProcessUrlLoader(std::filesystem::path helper, std::filesystem::path additionalAuthority = {},
+        std::chrono::milliseconds limit = std::chrono::seconds(315));
 
     std::optional<std::string> load(std::string const& url) override;
 
@@ -29,6 +32,7 @@ private:
     /// The program's at the start: it may change while a helper is being started.
     std::vector<std::string> environment_;
     std::filesystem::path additionalAuthority_;
+    std::chrono::milliseconds limit_;
     std::mutex mutex_;
     /// The helpers that run now; one that is waited for is not among them.
     std::vector<pid_t> running_;

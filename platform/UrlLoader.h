@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
 namespace platform {
+
+/// The size in bytes, after decompression, beyond which a body is none.
+constexpr std::size_t maximumBodySize = 8UL * 1024 * 1024;
 
 /// Loads what an address names.
 class UrlLoader {

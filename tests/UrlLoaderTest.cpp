@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "platform/AtomicFile.h"
 #include "platform/ProcessUrlLoader.h"
 
 #include "tests/support/TemporaryFolder.h"
@@ -7,8 +8,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <fstream>
 #include <future>
 #include <map>
+#include <sys/resource.h>
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
@@ -17,7 +20,9 @@ using platform::ProcessUrlLoader;
 namespace {
 
 std::filesystem::path const helper = USAGE_METER_FETCH;
-std::string const longest(8UL * 1024 * 1024, 'x');
+std::string const ok = "HTTP/1.1 200 OK\r\n";
+std::string const chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";
+std::string const piece(65536, 'x');
 
 std::string outputOf(char const* command)
 {
@@ -27,20 +32,35 @@ std::string outputOf(char const* command)
     return output;
 }
 
-std::string response(std::string const& body, std::string const& header = "Connection: close")
+TlsReply response(std::string const& body, std::string const& header = "Connection: close")
 {
-    return "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\n" + header + "\r\n\r\n" + body;
+    return { ok + "Content-Length: " + std::to_string(body.size()) + "\r\n" + header + "\r\n\r\n" + body };
 }
 
-std::string redirect(std::string const& location) { return "HTTP/1.1 302 Found\r\nLocation: " + location + "\r\n\r\n"; }
+TlsReply redirect(std::string const& location)
+{
+    return { "HTTP/1.1 302 Found\r\nLocation: " + location + "\r\n\r\n" };
+}
 
 class UrlLoaderTest : public testing::Test {
 protected:
-    using Texts = std::map<std::string, std::string>;
+    using Replies = std::map<std::string, TlsReply>;
 
-    TlsServer serve(Texts const& replies, ServerCertificate certificate = ServerCertificate::good)
+    /// Whatever comes, neither the program nor its helper takes more than this.
+    ~UrlLoaderTest() override
     {
-        return { folder.path(), certificate, [replies](std::string const& path) { return replies.at(path); } };
+#ifndef __SANITIZE_ADDRESS__
+        for (auto const who : { RUSAGE_SELF, RUSAGE_CHILDREN }) {
+            rusage usage {};
+            ::getrusage(who, &usage);
+            EXPECT_LT(usage.ru_maxrss, 48 * 1024);
+        }
+#endif
+    }
+
+    TlsServer serve(Replies const& replies, ServerFault fault = ServerFault::none)
+    {
+        return { folder.path(), fault, [replies](std::string const& path) { return replies.at(path); } };
     }
 
     TemporaryFolder folder;
@@ -50,20 +70,37 @@ protected:
 
 TEST_F(UrlLoaderTest, AWholeTextIsLoadedWhateverItsStatus)
 {
+    TlsServer const other(folder.path() / "other", ServerFault::none, [](auto const&) { return response("hello"); });
+    std::string const farAway = '/' + piece;
     TlsServer const server = serve({
-        { "/error", "HTTP/1.1 500 Internal Server Error\r\nConnection: close\r\n\r\nsorry" },
+        { "/error", { "HTTP/1.1 500 Internal Server Error\r\nConnection: close\r\n\r\nsorry" } },
         { "/empty", response("") },
         { "/nul", response("a\0b"s) },
-        { "/limit", response(longest) },
+        { "/limit", { ok + "Content-Length: 8388608\r\n\r\n", Ending::closed, piece } },
         { "/gzip", response(outputOf("printf hello | gzip -c"), "Content-Encoding: gzip") },
-        { "/until-closed", "HTTP/1.1 200 OK\r\n\r\nh\u00E9llo" },
+        { "/gzip-twice", response(outputOf("printf hello | gzip -c | gzip -c"), "Content-Encoding: gzip, gzip") },
+        { "/until-closed", { ok + "\r\nh\u00E9llo" } },
+        { "/1.0", { "HTTP/1.0 200 OK\r\n\r\nhello" } },
+        { "/short", { ok + "Content-Length: 5\r\n\r\nhello, world" } },
+        { "/chunked-with-length",
+            { ok + "Content-Length: 3\r\n" + chunked.substr(ok.size()) + "5\r\nhello\r\n0\r\n\r\n?" } },
+        { "/continue", { "HTTP/1.1 100 Continue\r\n\r\n" + response("hello").text } },
+        { "/no-content", { "HTTP/1.1 204 No Content\r\n\r\nhello" } },
+        { "/nowhere", { "HTTP/1.1 302 Found\r\n\r\nhello" } },
         { "/moved", redirect("/until-closed") },
+        { "/moved-far", redirect(farAway) },
+        { farAway, response("hello") },
+        { "/other-port", redirect(other.address() + "/") },
     });
+    std::ofstream(server.authority(), std::ios::app) << *platform::readFile(other.authority());
     ProcessUrlLoader loader(helper, server.authority());
-    Texts const bodies { { "/error", "sorry" }, { "/empty", "" }, { "/nul", "a\0b"s }, { "/limit", longest },
-        { "/gzip", "hello" }, { "/until-closed", "h\u00E9llo" }, { "/moved", "h\u00E9llo" } };
+    std::map<std::string, std::string> const bodies { { "/error", "sorry" }, { "/empty", "" }, { "/nul", "a\0b"s },
+        { "/gzip", "hello" }, { "/gzip-twice", "hello" }, { "/until-closed", "h\u00E9llo" }, { "/1.0", "hello" },
+        { "/short", "hello" }, { "/chunked-with-length", "hello" }, { "/continue", "hello" }, { "/no-content", "" },
+        { "/nowhere", "hello" }, { "/moved", "h\u00E9llo" }, { "/moved-far", "hello" }, { "/other-port", "hello" } };
     for (auto const& [path, body] : bodies)
         EXPECT_TRUE(loader.load(server.address() + path) == body) << path;
+    EXPECT_TRUE(loader.load(server.address() + "/limit") == std::string(8UL * 1024 * 1024, 'x'));
 }
 
 TEST_F(UrlLoaderTest, NothingComesOfALoadThatWentWrong)
@@ -71,27 +108,48 @@ TEST_F(UrlLoaderTest, NothingComesOfALoadThatWentWrong)
     // Where the addresses and redirects lead that must not be followed.
     TlsServer const target = serve({ { "/", response("hello") } });
     std::string const host = target.address().substr("https://"s.size());
-    Texts const replies {
-        { "/cut", "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nhello" },
-        { "/cut-chunk", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n" },
-        { "/large", response(longest + 'x') },
-        { "/bomb", response(outputOf("head -c 100M /dev/zero | gzip -c"), "Content-Encoding: gzip") },
+    auto const zeros = [](std::string const& packed) { return outputOf(("head -c 20M /dev/zero |" + packed).c_str()); };
+    Replies replies {
+        { "/large", { ok + "Content-Length: 8388609\r\n\r\n", Ending::closed, piece } },
+        { "/bomb", response(zeros("gzip -1c"), "Content-Encoding: gzip") },
+        { "/deflate-bomb", response(zeros("gzip -1c | tail -c +11"), "Content-Encoding: deflate") },
+        { "/bomb-in-bomb", response(zeros("gzip -1c | gzip -c"), "Content-Encoding: gzip, gzip") },
         { "/not-gzip", response("hello", "Content-Encoding: gzip") },
         { "/latin-1", response("caf\xE9") },
-        { "/not-http", "hello" },
+        { "/not-http", { "hello" } },
         { "/to-http", redirect("http://" + host + "/") },
         { "/to-file", redirect("file:///etc/passwd") },
+        { "/to-ftp", redirect("ftp://" + host + "/") },
+        { "/to-data", redirect("data:text/plain,hello") },
         { "/to-user", redirect("https://user:word@" + host + "/") },
         { "/loop", redirect("/loop") },
+        { "/endless", { ok + "\r\n", Ending::closed, piece } },
+        { "/endless-header", { ok, Ending::closed, "a: b\r\n" } },
+        { "/endless-line", { ok + "a: ", Ending::closed, piece } },
+        { "/endless-continue", { "", Ending::closed, "HTTP/1.1 100 Continue\r\n\r\n" } },
+        { "/endless-trailer", { chunked + "0\r\n", Ending::closed, "a: b\r\na: b\r\na: b\r\na: b\r\n" } },
+        { "/cut", { ok + "\r\nhello", Ending::cutOff } },
+        { "/reset", { ok + "\r\nhello", Ending::reset } },
     };
+    auto const add = [&](TlsReply const& reply) { replies["/" + std::to_string(replies.size())] = reply; };
+    for (auto const ending : { Ending::closed, Ending::cutOff, Ending::reset }) {
+        for (auto const& text : { ""s, "HTTP/1."s, ok, ok + "Content-Le", ok + "Content-Length: 10\r\n\r\nhello",
+                 chunked + "5\r\nhel", chunked + "5\r\nhello\r\n" })
+            add({ text, ending });
+    }
+    for (char const* length : { "-1", "five", "0x5", "99999999999999999999", "4, 5", "4\r\nContent-Length: 5" })
+        add({ ok + "Content-Length: " + length + "\r\n\r\nhello" });
+    for (char const* size : { "z", "-5", "ffffffffffffffff", "fffffffffffffffff" })
+        add({ chunked + size + "\r\nhello\r\n0\r\n\r\n" });
     TlsServer const server = serve(replies);
     ProcessUrlLoader loader(helper, server.authority());
     for (auto const& [path, reply] : replies)
-        EXPECT_FALSE(loader.load(server.address() + path)) << path;
+        EXPECT_FALSE(loader.load(server.address() + path)) << path << ' ' << reply.text.substr(0, 100);
     EXPECT_EQ(server.connections(), static_cast<int>(replies.size()) + 10) << "a loop is followed ten times";
 
     for (std::string const& url : { ""s, host, "http://" + host + "/", "https://user@" + host + "/",
-             "file:///etc/passwd"s, "https://localhost:1/"s, target.address() + "/a b", target.address() + "/%4G" })
+             "file:///etc/passwd"s, "https://localhost:1/"s, "https://" + std::string(64, 'a') + ".example/",
+             target.address() + "/a b", target.address() + "/%4G" })
         EXPECT_FALSE(loader.load(url)) << url;
     for (char const* missing : { "/nonexistent", "/bin/false", "/", "" })
         EXPECT_FALSE(ProcessUrlLoader(missing).load(target.address() + "/")) << missing;
@@ -100,14 +158,49 @@ TEST_F(UrlLoaderTest, NothingComesOfALoadThatWentWrong)
 
 TEST_F(UrlLoaderTest, OnlyAValidCertificateOfATrustedAuthorityIsAccepted)
 {
-    using enum ServerCertificate;
-    for (auto const certificate : { good, expired, wrongHost }) {
-        TlsServer const server = serve({ { "/", response("hello") } }, certificate);
+    using enum ServerFault;
+    // What the system is content with is not asked: it may be told to be content with TLS 1.0.
+    std::ofstream(folder.path() / "openssl.cnf") << "openssl_conf = a\n[a]\nssl_conf = b\n[b]\nsystem_default = c\n"
+                                                    "[c]\nMinProtocol = TLSv1\nCipherString = ALL:@SECLEVEL=0\n";
+    ::setenv("OPENSSL_CONF", (folder.path() / "openssl.cnf").c_str(), 1);
+    for (auto const fault : { none, expired, notYetValid, wrongHost, selfSigned, oldProtocol }) {
+        TlsServer const server = serve({ { "/", response("hello") } }, fault);
         auto const loads = [&](std::filesystem::path const& authority) {
             return ProcessUrlLoader(helper, authority).load(server.address() + "/").has_value();
         };
-        EXPECT_EQ(loads(server.authority()), certificate == good);
-        EXPECT_FALSE(loads("") || loads("/nonexistent.pem"));
+        EXPECT_EQ(loads(server.authority()), fault == none) << static_cast<int>(fault);
+        auto const rejected = folder.path() / "rejected.pem";
+        std::ofstream(rejected) << outputOf(
+            ("openssl x509 -addreject serverAuth -trustout -in " + server.authority().string()).c_str());
+        EXPECT_FALSE(loads("") || loads("/nonexistent.pem") || loads(rejected));
+    }
+    ::unsetenv("OPENSSL_CONF");
+}
+
+TEST_F(UrlLoaderTest, NothingComesOfAServerThatDoesNotGetAsFarAsARequest)
+{
+    for (auto const ending : { Ending::closed, Ending::reset }) {
+        for (auto const& text : { ""s, "\x16\x03\x03\0\x7a\x02"s, response("hello").text }) {
+            TlsServer const server(folder.path(), ServerFault::plain, [&](auto const&) {
+                return TlsReply { text, ending };
+            });
+            EXPECT_FALSE(ProcessUrlLoader(helper, server.authority()).load(server.address() + "/")) << text;
+        }
+    }
+}
+
+TEST_F(UrlLoaderTest, AHelperThatHangsIsEndedAtTheLimit)
+{
+    auto const script = folder.path() / "helper";
+    for (char const* hangs : { "kill -STOP $$", "while :; do echo x; sleep 0.01; done", "exec cat /dev/zero" }) {
+        std::ofstream(script) << "#!/bin/sh\n" << hangs << '\n';
+        std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+        // The longer address is more than the channel holds.
+        for (std::size_t const length : { 1, 1'000'000 }) {
+            auto const start = std::chrono::steady_clock::now();
+            EXPECT_FALSE(ProcessUrlLoader(script, {}, 200ms).load("https:" + std::string(length, '/')));
+            EXPECT_LT(std::chrono::steady_clock::now() - start, 10s) << hangs;
+        }
     }
 }
 
@@ -115,10 +208,10 @@ TEST_F(UrlLoaderTest, CancellingEndsALoadAtOnceWhetherItWaitsForTlsOrForTheAnswe
 {
     std::promise<void> requested;
     std::promise<void> released;
-    TlsServer const server(folder.path(), ServerCertificate::good, [&](std::string const&) {
+    TlsServer const server(folder.path(), ServerFault::none, [&](std::string const&) {
         requested.set_value();
         released.get_future().wait();
-        return ""s;
+        return TlsReply {};
     });
     ProcessUrlLoader loader(helper, server.authority());
     auto const load = [&] { return loader.load(server.address() + "/").has_value(); };

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// A provider that takes its time, and what the program makes of it. All cases of one test run at once.
+#include "demo/Reply.h"
+#include "platform/ProcessUrlLoader.h"
+#include "tests/support/PanelTest.h"
+#include "tests/support/ProgramUnderTest.h"
+#include "tests/support/TlsServer.h"
+
+#include <fstream>
+#include <future>
+#include <sys/resource.h>
+
+using namespace std::chrono_literals;
+using namespace std::string_literals;
+
+namespace {
+
+std::string const ok = "HTTP/1.1 200 OK\r\n";
+std::string const startOfHandshake = "\x16\x03\x03\x40\0\x02\0\x3f\xfc"s;
+
+}
+
+TEST(SlowProvider, IsGivenUpAfterAMinuteOfSilenceAndFiveMinutesInAll)
+{
+    struct Case {
+        TlsReply reply;
+        std::chrono::seconds end;
+        ServerFault fault = ServerFault::none;
+        std::filesystem::path helper = USAGE_METER_FETCH;
+    };
+    TemporaryFolder const folder;
+    auto const stopped = folder.path() / "stopped-helper";
+    std::ofstream(stopped) << "#!/bin/sh\nkill -STOP $$\n";
+    std::filesystem::permissions(stopped, std::filesystem::perms::owner_all);
+    std::vector<Case> cases {
+        { { startOfHandshake, Ending::silent, "x", 1s }, 60s, ServerFault::plain },
+        { { ok + "a: ", Ending::silent, "x", 500ms }, 300s },
+        { { ok + "\r\n", Ending::silent, "x", 500ms }, 300s },
+        { { ok + "Transfer-Encoding: chunked\r\n\r\n5;", Ending::silent, std::string(9999, 'x'), 10ms }, 300s },
+        { { ok + "Content-Length: 90\r\n\r\n", Ending::closed, "x", 1s }, 90s },
+        { {}, 315s, ServerFault::none, stopped },
+    };
+    for (auto const& text : { ""s, startOfHandshake })
+        cases.push_back({ { text, Ending::silent }, 60s, ServerFault::plain });
+    for (auto const& text : { ""s, "HTTP/1."s, ok + "a: ", ok + "Content-Length: 10\r\n\r\nhello" })
+        cases.push_back({ { text, Ending::silent }, 60s });
+    auto const run = [&](Case const& now, std::filesystem::path const& place) {
+        TlsServer const server(place, now.fault, [&](std::string const&) { return now.reply; });
+        auto const start = std::chrono::steady_clock::now();
+        auto const body = platform::ProcessUrlLoader(now.helper, server.authority()).load(server.address() + "/");
+        auto const time = std::chrono::steady_clock::now() - start;
+        EXPECT_EQ(body.has_value(), now.end == 90s) << now.reply.text;
+        EXPECT_TRUE(time > now.end - 2s && time < now.end + 10s) << now.reply.text << ": " << time / 1s << " s";
+    };
+    std::vector<std::future<void>> running;
+    for (auto const& now : cases)
+        running.push_back(std::async(std::launch::async, run, now, folder.path() / std::to_string(running.size())));
+    running.clear();
+    rusage usage {};
+    ::getrusage(RUSAGE_CHILDREN, &usage);
+    EXPECT_LT(usage.ru_maxrss, 48 * 1024);
+}
+
+class SlowProviderTest : public PanelTest { };
+
+TEST_F(SlowProviderTest, IsAskedAgainAfterThirtySecondsUntilItAnswers)
+{
+    startWatcher();
+    TemporaryFolder const folder;
+    TlsReply const good { ok + "\r\n" + demo::reportBody({ 0, 0, 0, 0, 57'000'000'000, 300'000'000 }) };
+    std::optional<TlsServer> server;
+    auto const serve = [&](ServerFault fault, TlsReply const& reply, std::string const& port) {
+        server.reset();
+        server.emplace(
+            folder.path(), fault, [reply](auto const&) { return reply; }, port);
+    };
+    auto const showsTitle = [&](char const* title, std::chrono::seconds limit) {
+        return reader_.waitFor([&] { return reader_.hasItem() && reader_.title() == QString::fromUtf8(title); }, limit);
+    };
+    serve(ServerFault::expired, good, "0");
+    std::string const port = server->port();
+    ProgramUnderTest program;
+    program.setInfo("ProviderHost", "localhost:" + port);
+    program.setInfo("ProviderCertificateAuthority", server->authority());
+    program.startWith({ "Home - secretOne" });
+    EXPECT_TRUE(showsTitle("No data", 10s));
+    serve(ServerFault::none, { "", Ending::silent }, port);
+    EXPECT_FALSE(showsTitle("Please wait…", 28s));
+    EXPECT_TRUE(showsTitle("Please wait…", 5s));
+    EXPECT_TRUE(showsTitle("No data", 65s)) << "a minute of silence";
+    server.reset();
+    EXPECT_TRUE(showsTitle("Please wait…", 35s));
+    EXPECT_TRUE(showsTitle("No data", 10s)) << "refused";
+    serve(ServerFault::none, good, port);
+    EXPECT_TRUE(showsTitle("57.3GB", 35s));
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.waitForExit(10s), 0);
+}
