@@ -89,7 +89,7 @@ TEST_F(ProgramTest, ShowsWhateverIsInItsWayAndRecoversWithoutARestart)
 {
     std::string const ok = "HTTP/1.1 200 OK\r\n\r\n";
     TlsReply const good { ok + homeReport };
-    std::tuple<ServerFault, TlsReply, char const*> const faults[] {
+    std::vector<std::tuple<ServerFault, TlsReply, char const*>> const faults {
         { ServerFault::none, { "HTTP/1.1 503 Busy\r\n\r\n<html><body>Back soon<br></body></html>" }, "No data" },
         { ServerFault::none, { ok + "<html><body>Sign in to the network</body></html>" }, "No data" },
         { ServerFault::none, { ok + homeReport, Ending::cutOff }, "No data" },

@@ -196,7 +196,7 @@ TEST_F(UrlLoaderTest, AHelperThatHangsIsEndedAtTheLimit)
         std::ofstream(script) << "#!/bin/sh\n" << hangs << '\n';
         std::filesystem::permissions(script, std::filesystem::perms::owner_all);
         // The longer address is more than the channel holds.
-        for (std::size_t const length : { 1, 1'000'000 }) {
+        for (std::size_t const length : { 1UL, 1'000'000UL }) {
             auto const start = std::chrono::steady_clock::now();
             EXPECT_FALSE(ProcessUrlLoader(script, {}, 200ms).load("https:" + std::string(length, '/')));
             EXPECT_LT(std::chrono::steady_clock::now() - start, 10s) << hangs;

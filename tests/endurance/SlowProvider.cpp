@@ -53,6 +53,7 @@ TEST(SlowProvider, IsGivenUpAfterAMinuteOfSilenceAndFiveMinutesInAll)
         EXPECT_TRUE(time > now.end - 2s && time < now.end + 10s) << now.reply.text << ": " << time / 1s << " s";
     };
     std::vector<std::future<void>> running;
+    running.reserve(cases.size());
     for (auto const& now : cases)
         running.push_back(std::async(std::launch::async, run, now, folder.path() / std::to_string(running.size())));
     running.clear();
