@@ -23,8 +23,6 @@ using Easy = std::unique_ptr<CURL, decltype(&curl_easy_cleanup)>;
 struct Reply {
     std::string body;
     std::size_t headerSize = 0;
-    /// Whether the server took its leave in the last reply's connection (TLS's close_notify).
-    bool closed = false;
 };
 
 std::size_t appendToBody(char const* data, std::size_t, std::size_t size, void* reply)
@@ -40,36 +38,7 @@ std::size_t acceptHeader(char const*, std::size_t, std::size_t size, void* data)
 {
     auto& reply = *static_cast<Reply*>(data);
     reply.headerSize += size;
-    reply.closed = false;
     return reply.headerSize > maximumHeaderSize ? 0 : size;
-}
-
-// The alerts of TLS come with its other messages, of which none but an alert has two bytes.
-int followTls(CURL*, curl_infotype type, char* data, std::size_t size, void* reply)
-{
-    constexpr std::string_view closeNotify("\1\0", 2);
-    if (type == CURLINFO_SSL_DATA_IN && std::string_view(data, size) == closeNotify)
-        static_cast<Reply*>(reply)->closed = true;
-    return 0;
-}
-
-// What libcurl leaves open: lengths that contradict each other or are none, and a body without an end of its own, which
-// is whole only when TLS says so (RFC 9112, 6.3 and 9.8).
-bool isWhole(CURL* easy, Reply const& reply)
-{
-    long version = 0;
-    curl_header* header = nullptr;
-    curl_easy_getinfo(easy, CURLINFO_HTTP_VERSION, &version);
-    if (version >= CURL_HTTP_VERSION_2_0
-        || curl_easy_header(easy, "Transfer-Encoding", 0, CURLH_HEADER, -1, &header) == CURLHE_OK)
-        return true;
-    curl_off_t length = 0;
-    curl_easy_getinfo(easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
-    for (std::size_t i = 0; curl_easy_header(easy, "Content-Length", i, CURLH_HEADER, -1, &header) == CURLHE_OK; ++i) {
-        if (header->value != std::to_string(length))
-            return false;
-    }
-    return length >= 0 || (reply.closed && !reply.body.empty());
 }
 
 // A folder of hashed names is looked up by need, which is far cheaper than parsing the bundle of all authorities for
@@ -106,9 +75,6 @@ void configure(CURL* easy, std::string const& url, Reply& reply)
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, &reply);
     curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &acceptHeader);
     curl_easy_setopt(easy, CURLOPT_HEADERDATA, &reply);
-    curl_easy_setopt(easy, CURLOPT_DEBUGFUNCTION, &followTls);
-    curl_easy_setopt(easy, CURLOPT_DEBUGDATA, &reply);
-    curl_easy_setopt(easy, CURLOPT_VERBOSE, 1L);
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
     // A name that is still being looked up does not hold up the end of a load.
     curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
@@ -124,8 +90,7 @@ std::optional<std::string> loadOverHttps(std::string const& url, std::string con
     Reply reply;
     configure(easy.get(), url, reply);
     trustAuthorities(easy.get(), additionalAuthority);
-    bool const ended = curl_easy_perform(easy.get()) == CURLE_OK;
-    if (!ended || !isWhole(easy.get(), reply) || !platform::isValidUtf8(reply.body))
+    if (curl_easy_perform(easy.get()) != CURLE_OK || !platform::isValidUtf8(reply.body))
         return std::nullopt;
     return std::move(reply.body);
 }
