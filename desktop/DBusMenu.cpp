@@ -382,6 +382,8 @@ void DBusMenu::queueEvent(int id, QString const& name)
 
 void DBusMenu::click(int id)
 {
+    // The action of a click before this one may have taken the line away.
+    update();
     auto const* node = find(id);
     if (!node || !node->item)
         return;

@@ -1,23 +1,61 @@
 // SPDX-License-Identifier: MIT
 #include "app/UsageFigures.h"
+#include "platform/LeadingNumber.h"
+#include "platform/NumberFormatter.h"
 #include "platform/Value.h"
 #include "storage/KeyEntry.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <string>
 
-// A key entry, whose parts are also a figure of the provider's and a cap as typed: no number comes out that is none.
+namespace {
+
+void require(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+// As the C library reads it, of which nothing but decimal numbers is let through.
+double numberOf(std::string const& text)
+{
+    constexpr double most = std::numeric_limits<double>::max();
+    auto const decimal = text.substr(0, text.find_first_not_of(" \t\n\v\f\r+-.0123456789eE"));
+    return std::clamp(std::strtod(decimal.c_str(), nullptr), -most, most);
+}
+
+// A figure's text says the figure, to the hundredth.
+void checkText(double figure)
+{
+    static platform::NumberFormatter const formatter("en_US");
+    auto text = formatter.string(figure);
+    if (std::isinf(figure))
+        return require(text == (figure > 0 ? "∞" : "-∞"));
+    std::erase(text, ',');
+    require(std::abs(std::strtod(text.c_str(), nullptr) - figure) <= 0.005001 + std::abs(figure) * 1e-15);
+}
+
+}
+
+// A nickname and a key in two lines, which are also a figure of the provider's and a cap as typed.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
-    auto const entry = KeyEntry::parse(std::string(data, data + size));
-    platform::Dictionary const report { { "used:download", entry.nickname }, { "total:upload", entry.nickname } };
-    auto figures = UsageFigures::fromReport(report, entry.key.value_or(std::string()));
-    figures.scaleToDisplayUnit();
-    for (double const figure : { figures.usedTotal, figures.overallTotal, figures.cap, figures.remaining }) {
-        if (std::isnan(figure))
-            std::abort();
-    }
+    std::string const text(data, data + size);
+    auto const nickname = text.substr(0, text.find('\n'));
+    auto const key = text.substr(std::min(nickname.size() + 1, size));
+    auto const entry = KeyEntry::parse(KeyEntry::format(nickname, key));
+    require(!KeyEntry::isAcceptable(nickname, key) || (entry.nickname == nickname && entry.key == key));
+
+    require(platform::leadingNumber(nickname) == numberOf(nickname));
+    platform::Dictionary const report { { "used:download", nickname }, { "total:upload", nickname } };
+    auto figures = UsageFigures::fromReport(report, key);
+    require(!figures.hasCap() || std::isfinite(figures.percentage()));
+    require(figures.scaleToDisplayUnit() == "PB" || figures.overallTotal <= 1000);
+    for (double const figure : { figures.usedTotal, figures.overallTotal, figures.cap, figures.remaining })
+        checkText(figure);
     return 0;
 }

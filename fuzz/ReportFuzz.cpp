@@ -1,15 +1,46 @@
 // SPDX-License-Identifier: MIT
+#include "fuzz/AllText.h"
 #include "fuzz/OneReply.h"
+#include "services/ReplyText.h"
 #include "services/UsageData.h"
 
+#include <libxml/parser.h>
+
+#include <algorithm>
 #include <cstdlib>
 
-// A reply has the six figures at most, whatever it is.
+namespace {
+
+// As libxml2 reads it into a tree, which knows nothing of our runs of text.
+std::string contentOf(std::string_view document)
+{
+    constexpr int options = XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
+    auto* const tree = xmlReadMemory(document.data(), static_cast<int>(document.size()), nullptr, "UTF-8", options);
+    auto* const content = xmlNodeGetContent(xmlDocGetRootElement(tree));
+    std::string const text(reinterpret_cast<char const*>(content));
+    xmlFree(content);
+    xmlFreeDoc(tree);
+    return text;
+}
+
+}
+
+// A well-formed reply has the six figures at most, each of them a trimmed piece of its text, and no text is lost.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
     OneReply reply(data, size);
     auto const report = UsageData(reply, ProviderAddresses("provider.example")).updateUsage("key");
-    if (report && report->size() > 6)
+    auto const body = *reply.load({});
+    AllText text;
+    if (platform::parseXml(trimmedReply(body), text) != report.has_value())
+        std::abort();
+    if (!report)
+        return 0;
+    bool const areFigures = std::ranges::all_of(*report, [&text](auto const& entry) {
+        auto const* const figure = entry.second.template as<std::string>();
+        return figure && trimmedText(*figure) == *figure && text.characters.find(*figure) != std::string::npos;
+    });
+    if (report->size() > 6 || !areFigures || text.content != contentOf(trimmedReply(body)))
         std::abort();
     return 0;
 }

@@ -146,23 +146,26 @@ TEST_F(StatusItem, TellsTheChangesOfOneTurnAsOneUpdateAndNothingThatIsNotNew)
     EXPECT_TRUE(waitForLines({ "Downloaded: 54GB" }));
 }
 
-TEST_F(StatusItem, AnswersAClickBeforeItActsOnIt)
+TEST_F(StatusItem, AnswersAClickBeforeItActsOnItAndForgetsClicksOnLinesThatItTookAway)
 {
     start();
-    QVariantList const click { reader_.lines()[1].id, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(0)),
-        0U };
-    QDBusPendingCallWatcher const answer(callMenu("Event", click));
+    DBusMenuEvent const click { reader_.lines()[1].id, QStringLiteral("clicked"), QDBusVariant(0), 0 };
+    DBusMenuEvent const next { reader_.lines()[0].id, click.name, click.data, 0 };
+    QVariantList const both { QVariant::fromValue(QList<DBusMenuEvent> { click, next }) };
+    QDBusPendingCallWatcher const answer(callMenu("EventGroup", both));
     int clicks = 0;
+    figure_->action = [&clicks](platform::Sender const&) { ++clicks; };
     update_->action = [&](platform::Sender const&) {
+        menu_.setItems({});
         // Were the action run inside the call, the answer could not come while it waits.
         EXPECT_TRUE(waitFor([&answer] { return answer.isFinished(); }));
-        menu_.setItems({});
         ++clicks;
     };
     update_.reset();
     EXPECT_TRUE(waitFor([&clicks] { return clicks == 1; }));
     EXPECT_TRUE(waitForLines({}));
-    EXPECT_EQ(answerOf("Event", click), QDBusMessage::ErrorMessage) << "the line has gone";
+    EXPECT_EQ(clicks, 1);
+    EXPECT_EQ(answerOf("EventGroup", both), QDBusMessage::ErrorMessage) << "the lines have gone";
 }
 
 TEST_F(StatusItem, RefusesMalformedCallsAndLivesOn)
