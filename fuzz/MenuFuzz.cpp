@@ -287,7 +287,7 @@ public:
     void read(int id, std::function<void(DBusMenuLayout const&)> handler)
     {
         send(StatusNotifierItem::menuPath, menuInterface, QStringLiteral("GetLayout"), { id, -1, QStringList() },
-            [id, handler = std::move(handler)](QDBusPendingReply<uint, DBusMenuLayout> reply) {
+            [id, handler = std::move(handler)](QDBusPendingReply<uint, DBusMenuLayout> const& reply) {
                 require(!reply.isError() || id != 0);
                 if (!reply.isError())
                     handler(reply.argumentAt<1>());

@@ -17,7 +17,7 @@ std::string contentOf(std::string_view document)
     constexpr int options = XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
     auto* const tree = xmlReadMemory(document.data(), static_cast<int>(document.size()), nullptr, "UTF-8", options);
     auto* const content = xmlNodeGetContent(xmlDocGetRootElement(tree));
-    std::string const text(reinterpret_cast<char const*>(content));
+    std::string text(reinterpret_cast<char const*>(content));
     xmlFree(content);
     xmlFreeDoc(tree);
     return text;
