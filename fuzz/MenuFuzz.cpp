@@ -263,13 +263,14 @@ public:
 
     void call(Bytes& bytes)
     {
-        static constexpr std::array<Member, 13> members { { { menuInterface, "GetLayout", "iiS" },
+        static constexpr std::array<Member, 15> members { { { menuInterface, "GetLayout", "iiS" },
             { menuInterface, "GetGroupProperties", "IS" }, { menuInterface, "GetProperty", "is" },
             { menuInterface, "Event", "isvu" }, { menuInterface, "EventGroup", "E" },
             { menuInterface, "AboutToShow", "i" }, { menuInterface, "AboutToShowGroup", "I" },
             { itemInterface, "Activate", "ii" }, { itemInterface, "Scroll", "is" },
             { itemInterface, "ProvideXdgActivationToken", "s" }, { propertiesInterface, "Get", "ss" },
-            { propertiesInterface, "GetAll", "s" }, { propertiesInterface, "Set", "ssv" } } };
+            { propertiesInterface, "GetAll", "s" }, { propertiesInterface, "Set", "ssv" },
+            { itemInterface, "SecondaryActivate", "ii" }, { itemInterface, "ContextMenu", "ii" } } };
         auto member = members.at(bytes.below(members.size()));
         auto const fault = bytes.below(8);
         QVariantList arguments;
@@ -375,9 +376,10 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
             panel.wait();
         else if (turn == 1)
             QCoreApplication::sendPostedEvents();
-        else if (turn == 2)
+        else if (turn == 2) {
             model.item.title.set(bytes.text());
-        else if (turn < 5)
+            item.setLook(static_cast<StatusLook>(bytes.below(3)));
+        } else if (turn < 5)
             model.change(bytes);
         else
             panel.call(bytes);
