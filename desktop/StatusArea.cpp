@@ -68,6 +68,7 @@ void StatusArea::connectItem()
 
 void StatusArea::registerItem()
 {
+    grace_.stop();
     // Asked first, so that the answer is here before the panel asks for the icon.
     askForLook();
     auto call = QDBusMessage::createMethodCall(watcherName(), QStringLiteral("/StatusNotifierWatcher"), watcherName(),
