@@ -196,7 +196,9 @@ void DesktopRunLoop::setAlarm()
     itimerspec alarm {};
     alarm.it_value.tv_sec = seconds.count();
     alarm.it_value.tv_nsec = std::chrono::nanoseconds(sinceEpoch - seconds).count();
-    timerfd_settime(alarm_, TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &alarm, nullptr);
+    // The kernel tells only once, here or at the next read, that the clock was set.
+    if (timerfd_settime(alarm_, TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &alarm, nullptr) < 0 && errno == ECANCELED)
+        perform([this] { clockObservers_.tell(); });
 }
 
 void DesktopRunLoop::wallClockReached()
