@@ -51,6 +51,10 @@ void openStandardStreams()
     close(descriptor);
 }
 
+// A program that ignores the end of its children leaves that to those that it starts, and a helper's outcome would be
+// lost.
+void heedChildren() { std::signal(SIGCHLD, SIG_DFL); }
+
 void printError(QString const& message)
 {
     std::fprintf(stderr, "usage-meter: %s\n", qPrintable(message.section(QLatin1Char('\n'), 0, 0).trimmed()));
@@ -177,6 +181,7 @@ int main(int argc, char** argv)
 {
     ExitSignals::endProcess();
     openStandardStreams();
+    heedChildren();
     qInstallMessageHandler(reportFailedStart);
     QApplication const application(argc, argv);
     qInstallMessageHandler(reportError);
