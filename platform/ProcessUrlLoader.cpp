@@ -10,6 +10,7 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -28,6 +29,12 @@ bool isReadyInTime(int channel, short event, Clock::time_point end)
         if (ready >= 0 || errno != EINTR)
             return ready > 0;
     }
+}
+
+bool endsInTime(pid_t process, Clock::time_point end)
+{
+    Descriptor const ended(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
+    return !ended.isOpen() || isReadyInTime(ended.get(), POLLIN, end);
 }
 
 bool sendAll(int channel, std::string_view text, Clock::time_point end)
@@ -97,7 +104,7 @@ std::optional<std::string> ProcessUrlLoader::load(std::string const& url)
     auto const end = Clock::now() + limit_;
     std::string body;
     if (!sendAll(channel.get(), additionalAuthority_.string() + "\n" + url + "\n", end)
-        || !receiveAll(channel.get(), body, end))
+        || !receiveAll(channel.get(), body, end) || !endsInTime(process, end))
         ::kill(process, SIGKILL);
     finished(process);
     return endedWell(process) ? std::optional(std::move(body)) : std::nullopt;
