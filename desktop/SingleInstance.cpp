@@ -51,7 +51,9 @@ SingleInstance::Outcome SingleInstance::start()
 
 bool SingleInstance::becomeFirst()
 {
-    return bus_.registerService(identifier_) || !bus_.interface()->isServiceRegistered(identifier_);
+    QDBusReply<QDBusConnectionInterface::RegisterServiceReply> const reply
+        = bus_.interface()->registerService(identifier_);
+    return !reply.isValid() || reply.value() == QDBusConnectionInterface::ServiceRegistered;
 }
 
 bool SingleInstance::activateFirst()
