@@ -30,14 +30,13 @@ std::unique_ptr<icu::Calendar> makeCalendar(Date date, icu::Locale const& locale
     return U_SUCCESS(status) ? std::move(calendar) : nullptr;
 }
 
-Date addingMonths(Date date, int months, icu::Locale const& locale)
+// The same date if the calendar cannot tell.
+Date addingMonths(Date date, int months, icu::Calendar& calendar)
 {
-    auto const calendar = makeCalendar(date, locale);
-    if (!calendar)
-        return date;
     UErrorCode status = U_ZERO_ERROR;
-    calendar->add(UCAL_MONTH, months, status);
-    auto const moved = calendar->getTime(status);
+    calendar.setTime(toIcu(date), status);
+    calendar.add(UCAL_MONTH, months, status);
+    auto const moved = calendar.getTime(status);
     return U_SUCCESS(status) ? fromIcu(moved) : date;
 }
 
@@ -54,16 +53,21 @@ CalendarMonth calendarMonth(Date date, std::string const& locale)
     return U_SUCCESS(status) ? month : CalendarMonth {};
 }
 
-Date addingMonths(Date date, int months) { return addingMonths(date, months, icu::Locale("@calendar=gregorian")); }
+Date addingMonths(Date date, int months)
+{
+    auto const calendar = makeCalendar(date, icu::Locale("@calendar=gregorian"));
+    return calendar ? addingMonths(date, months, *calendar) : date;
+}
 
 std::vector<Date> monthsBetween(Date earliest, Date latest, std::string const& locale)
 {
     std::vector<Date> dates;
-    icu::Locale const icuLocale(locale.c_str());
+    // One for all: finding the time zone out can take long.
+    auto const calendar = makeCalendar(latest, icu::Locale(locale.c_str()));
     for (Date date = latest; date >= earliest;) {
         dates.push_back(date);
         // From the latest date each time, whose day a short month in between would cut off.
-        Date const next = addingMonths(latest, -static_cast<int>(dates.size()), icuLocale);
+        Date const next = calendar ? addingMonths(latest, -static_cast<int>(dates.size()), *calendar) : latest;
         if (next >= date)
             break;
         date = next;
