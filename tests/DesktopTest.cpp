@@ -1,23 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The desktop's half of the program: real event loop, real widgets, a real bus.
-#include "app/Outlets.h"
 #include "desktop/ColorScheme.h"
-#include "desktop/DesktopRunLoop.h"
-#include "desktop/DesktopServices.h"
 #include "desktop/FreedesktopNotifications.h"
 #include "desktop/LevelBar.h"
-#include "desktop/MainWindows.h"
-#include "platform/Bundle.h"
-#include "platform/UserDefaults.h"
 #include "storage/SettingsKeys.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/WindowsTest.h"
 #include "ui/MainLayout.h"
-
-#include <QDBusConnection>
-#include <QTest>
-#include <QtWidgets>
-
-#include <gtest/gtest.h>
 
 #include <thread>
 
@@ -25,8 +13,6 @@ using namespace std::chrono_literals;
 using platform::Alert;
 
 namespace {
-
-using Texts = std::vector<std::string>;
 
 TEST(DesktopRunLoop, TasksWaitTheirTurnAndTimersMayEndInTheirOwnTaskAndFireAtOnceForADatePast)
 {
@@ -58,45 +44,30 @@ TEST(SleepWatch, NoticesEachSleepOnceAndNoUnevenReading)
     EXPECT_FALSE(watch.noticesSleep(400s, 380s));
 }
 
-/// Both windows on the outlets, as the program sets them up, without the controller.
-class WindowsTest : public testing::Test {
-protected:
-    void SetUp() override
+/// Both windows as the program sets them up.
+struct MainWindowsTest : WindowsTest {
+    MainWindowsTest()
     {
+        windows_.emplace(outlets_, bundle_, loop_, "");
         outlets_.window.makeKeyAndOrderFront();
         outlets_.monitorWindow.makeKeyAndOrderFront();
     }
 
-    /// A widget of that outlet, wherever it is; a test without it has nothing to say.
-    template <typename Widget> Widget& find(char const* outlet)
-    {
-        for (auto* const widget : QApplication::allWidgets()) {
-            if (widget->objectName() == QLatin1String(outlet))
-                return dynamic_cast<Widget&>(*widget);
-        }
-        throw std::logic_error(outlet);
-    }
+    QWidget& window() { return *widgetOf<QLineEdit>("usageLimit").window(); }
 
-    QWidget& window() { return *find<QLineEdit>("usageLimit").window(); }
-    TemporaryFolder folder_;
-    DesktopRunLoop loop_;
-    platform::Bundle bundle_ = *platform::Bundle::open(USAGE_METER_BUNDLE, { "en" });
-    platform::UserDefaults defaults_ { folder_.path() / "preferences.plist", loop_ };
-    Outlets outlets_;
     MainLayout layout_ { outlets_, bundle_, defaults_ };
-    MainWindows windows_ { outlets_, bundle_, loop_, {} };
 };
 
-TEST_F(WindowsTest, TheUsersHandReachesTheModelsAndTheSettings)
+TEST_F(MainWindowsTest, TheUsersHandReachesTheModelsAndTheSettings)
 {
     int actions = 0;
     outlets_.useConnectionButton.action = [&](platform::Sender) { ++actions; };
     outlets_.updateIntervalPopupButton.action = [&] { ++actions; };
     outlets_.usageLimit.text.set("1");
-    QTest::keyClicks(&find<QLineEdit>("usageLimit"), QStringLiteral("0.5"));
-    QTest::mouseClick(&find<QPushButton>("useConnectionButton"), Qt::LeftButton);
-    QTest::keyClick(&find<QCheckBox>("usageCapToggle"), Qt::Key_Space);
-    QTest::keyClick(&find<QComboBox>("updateIntervalPopupButton"), Qt::Key_Down);
+    QTest::keyClicks(&widgetOf<QLineEdit>("usageLimit"), QStringLiteral("0.5"));
+    QTest::mouseClick(&widgetOf<QPushButton>("useConnectionButton"), Qt::LeftButton);
+    QTest::keyClick(&widgetOf<QCheckBox>("usageCapToggle"), Qt::Key_Space);
+    QTest::keyClick(&widgetOf<QComboBox>("updateIntervalPopupButton"), Qt::Key_Down);
     EXPECT_EQ(outlets_.usageLimit.text.get(), "10.5");
     EXPECT_EQ(*defaults_.get<bool>(settings::showUsageCap), false);
     EXPECT_EQ(*defaults_.get<std::int64_t>(settings::hourUpdateInterval), 1);
@@ -109,7 +80,7 @@ TEST_F(WindowsTest, TheUsersHandReachesTheModelsAndTheSettings)
     EXPECT_TRUE(window().isVisible());
 }
 
-TEST_F(WindowsTest, WhatTheProgramSetsIsShownAndNotTakenForTheUsers)
+TEST_F(MainWindowsTest, WhatTheProgramSetsIsShownAndNotTakenForTheUsers)
 {
     outlets_.showNotificationsToggle.on.set(true);
     outlets_.statusBarDropdown.indexOfSelectedItem.set(3);
@@ -123,18 +94,17 @@ TEST_F(WindowsTest, WhatTheProgramSetsIsShownAndNotTakenForTheUsers)
     outlets_.usageBar.doubleValue.set(55'123);
     QCoreApplication::processEvents();
     EXPECT_EQ(window().sizeHint().width(), width) << "overlong texts do not break the layout";
-    EXPECT_TRUE(find<QCheckBox>("showNotificationsToggle").isChecked());
-    EXPECT_EQ(find<QComboBox>("statusBarDropdown").currentText(), "Remaining volume");
-    EXPECT_EQ(find<QLabel>("usageCapText").text(), "<b>1</b> & more");
-    EXPECT_EQ(find<QLabel>("usageCapText").textFormat(), Qt::PlainText);
-    EXPECT_EQ(find<LevelBar>("usageBar").percentage(), 110);
+    EXPECT_TRUE(widgetOf<QCheckBox>("showNotificationsToggle").isChecked());
+    EXPECT_EQ(widgetOf<QComboBox>("statusBarDropdown").currentText(), "Remaining volume");
+    EXPECT_EQ(widgetOf<QLabel>("usageCapText").text(), "<b>1</b> & more");
+    EXPECT_EQ(widgetOf<QLabel>("usageCapText").textFormat(), Qt::PlainText);
+    EXPECT_EQ(widgetOf<LevelBar>("usageBar").percentage(), 110);
     EXPECT_FALSE(defaults_.contains(settings::showNotificationsMenu));
-}
 
-TEST_F(WindowsTest, AComboBoxShowsATextThatIsNoItemInPlaceOfOne)
-{
+    // A text that is no item stands in place of one.
     auto& model = outlets_.tarvoUsageKeysComboBox;
-    auto& box = find<QComboBox>("tarvoUsageKeysComboBox");
+    auto& box = widgetOf<QComboBox>("tarvoUsageKeysComboBox");
+    model.removeAllItems();
     model.text.set("Boat - K3");
     model.addItems({ "Home - K1", "Cottage - K2" });
     EXPECT_EQ(box.currentIndex(), -1);
@@ -145,15 +115,11 @@ TEST_F(WindowsTest, AComboBoxShowsATextThatIsNoItemInPlaceOfOne)
     EXPECT_EQ(box.placeholderText(), "Home - K1");
 }
 
-TEST_F(WindowsTest, ASheetShowsPlainTextAndAnswersByKey)
+TEST_F(MainWindowsTest, ASheetShowsPlainTextAndAnswersByKey)
 {
     Texts const one { "Fish & Chips" };
     Texts const two { "Fish & Chips", "Cancel" };
-    struct {
-        Texts buttons;
-        Qt::Key key;
-        int expected;
-    } const cases[] {
+    std::vector<std::tuple<Texts, Qt::Key, int>> const cases {
         { two, Qt::Key_Escape, Alert::firstButtonReturn + 1 },
         { two, Qt::Key_Return, Alert::firstButtonReturn },
         { one, Qt::Key_Escape, Alert::dismissedReturn },
@@ -179,30 +145,30 @@ TEST_F(WindowsTest, ASheetShowsPlainTextAndAnswersByKey)
     }
 }
 
-TEST_F(WindowsTest, TheUsageWindowTakesTheMenuInAndGoesWithItIfItCameUninvited)
+TEST_F(MainWindowsTest, TheUsageWindowTakesTheMenuInAndGoesWithItIfItCameUninvited)
 {
-    DesktopApplication application;
     auto const& shown = outlets_.monitorWindow.visible;
-    auto const isMenuShown = [this] { return find<LevelBar>("usageBar").window()->layout()->menuBar()->isVisible(); };
+    auto const isMenuShown
+        = [this] { return widgetOf<LevelBar>("usageBar").window()->layout()->menuBar()->isVisible(); };
     for (bool const isInvited : { true, false }) {
         outlets_.monitorWindow.visible.set(isInvited);
         for (int i = 0; i < 2; ++i)
-            windows_.showUsageWindowWithMenu(application);
+            windows_->showUsageWindowWithMenu(application_);
         EXPECT_TRUE(shown.get());
         EXPECT_TRUE(isMenuShown());
-        windows_.leaveMenuToStatusArea();
+        windows_->leaveMenuToStatusArea();
         EXPECT_EQ(shown.get(), isInvited);
         EXPECT_FALSE(isMenuShown());
     }
 }
 
-TEST_F(WindowsTest, TheAddKeySheetNeedsOnlyTheKeyboard)
+TEST_F(MainWindowsTest, TheAddKeySheetNeedsOnlyTheKeyboardAndEveryWindowIsFitForIt)
 {
     Texts done;
     outlets_.confirmKeyButton.action = [&](platform::Sender) { done.push_back(outlets_.usageID.text.get()); };
     outlets_.addKeyWindow.closeAction = [&] { outlets_.window.endSheet(outlets_.addKeyWindow); };
     outlets_.window.beginSheet(outlets_.addKeyWindow);
-    auto& field = find<QLineEdit>("usageID");
+    auto& field = widgetOf<QLineEdit>("usageID");
     auto& sheet = *field.window();
     EXPECT_EQ(sheet.windowModality(), Qt::WindowModal);
     EXPECT_EQ(sheet.parentWidget(), &window());
@@ -213,12 +179,11 @@ TEST_F(WindowsTest, TheAddKeySheetNeedsOnlyTheKeyboard)
     EXPECT_EQ(done, (Texts { "K1" }));
     QTest::keyClick(&sheet, Qt::Key_Escape);
     EXPECT_FALSE(sheet.isVisible());
-}
 
-TEST_F(WindowsTest, EveryControlHasANameAndTheFocusFollowsTheEye)
-{
+    // Every control has a name, and the focus follows the eye.
     outlets_.window.beginSheet(outlets_.addKeyWindow);
-    for (auto* const top : { &window(), find<LevelBar>("usageBar").window(), find<QLineEdit>("usageID").window() }) {
+    for (auto* const top :
+        { &window(), widgetOf<LevelBar>("usageBar").window(), widgetOf<QLineEdit>("usageID").window() }) {
         QPoint previous(0, 0);
         for (auto* next = top->nextInFocusChain(); next != top; next = next->nextInFocusChain()) {
             if (!next->isVisible() || next->focusPolicy() == Qt::NoFocus || next->window() != top)

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The real program on small disks of its own that fill up. They are mounted for this process and its children alone,
 // which needs to be root.
-#include "demo/Provider.h"
-#include "tests/support/PanelTest.h"
-#include "tests/support/ProgramUnderTest.h"
+#include "tests/support/RunningProgramTest.h"
 
 #include <fstream>
 #include <sched.h>
@@ -14,39 +12,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr char const* home = "Home - secretOne";
-constexpr char const* cottage = "Cottage - secretTwo";
-
-class ProgramOnABadDisk : public PanelTest {
+class ProgramOnABadDisk : public RunningProgramTest {
 protected:
-    ProgramOnABadDisk()
-    {
-        startWatcher();
-        program_.setInfo("ProviderHost", provider_->host());
-        program_.setInfo("ProviderCertificateAuthority", certificate_.authority);
-        provider_->setReport("secretOne", demo::reportBody({ 10'000'000'000, 0, 0, 0, 10'000'000'000, 0 }));
-        provider_->setReport("secretTwo", demo::reportBody({ 20'000'000'000, 0, 0, 0, 20'000'000'000, 0 }));
-    }
-
-    bool waitForTitle(std::string const& title)
-    {
-        return waitFor([&] { return reader_.hasItem() && reader_.title().toStdString() == title; });
-    }
-
-    bool click(char const* text) { return reader_.click(QString::fromUtf8(text), bound); }
-
-    std::string storedSelection() const
-    {
-        auto const stored = *platform::readPropertyList(*platform::readFile(program_.settingsFile));
-        return *platform::entry<std::string>(stored, settings::tarvoKeySelected);
-    }
-
     static auto filesIn(fs::path const& folder) { return std::distance(fs::directory_iterator(folder), {}); }
-
-    TemporaryFolder folder_;
-    demo::CertificateFiles certificate_ = *demo::makeCertificate(folder_.path() / "certificate");
-    std::unique_ptr<demo::Provider> provider_ = demo::Provider::start(certificate_);
-    ProgramUnderTest program_;
 };
 
 // A disk of 64 KiB and 16 files.
@@ -98,14 +66,14 @@ TEST_F(ProgramOnABadDisk, GoesOnWhileNothingCanBeWrittenAndSavesAgainAfterwards)
         { "read only", [](auto const& disk) { disk.remount(MS_RDONLY); }, [](auto const& disk) { disk.remount(0); } },
     };
     program_.startWith({ home, cottage });
-    ASSERT_TRUE(waitForTitle("10GB"));
+    ASSERT_TRUE(waitForTitle("57.3GB"));
     for (auto const& [what, begin, end] : faults) {
         SCOPED_TRACE(what);
         fs::remove(program_.cacheFolder / "secretTwo");
         for (auto const* const disk : { &config, &cache })
             begin(*disk);
         ASSERT_TRUE(click(cottage));
-        EXPECT_TRUE(waitForTitle("20GB")) << "it shows what it cannot keep";
+        EXPECT_TRUE(waitForTitle("5.2GB")) << "it shows what it cannot keep";
         EXPECT_EQ(storedSelection(), home);
         EXPECT_FALSE(fs::exists(program_.cacheFolder / "secretTwo"));
         EXPECT_EQ(filesIn(config.place / ProgramUnderTest::identifier), 1);
@@ -116,12 +84,11 @@ TEST_F(ProgramOnABadDisk, GoesOnWhileNothingCanBeWrittenAndSavesAgainAfterwards)
         ASSERT_TRUE(click("Update Now"));
         EXPECT_TRUE(waitFor([this] { return fs::exists(program_.cacheFolder / "secretTwo"); }));
         ASSERT_TRUE(click(home));
-        EXPECT_TRUE(waitForTitle("10GB"));
+        EXPECT_TRUE(waitForTitle("57.3GB"));
         ASSERT_TRUE(click(cottage));
         EXPECT_TRUE(waitFor([this] { return storedSelection() == cottage; }));
         ASSERT_TRUE(click(home));
         EXPECT_TRUE(waitFor([this] { return storedSelection() == home; }));
     }
-    program_.signal(SIGTERM);
-    EXPECT_EQ(program_.waitForExit(bound), 0);
+    stop();
 }

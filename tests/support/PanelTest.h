@@ -6,13 +6,10 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
-
 using Texts = std::vector<std::string>;
 
 /// A test that sees the program as a panel does, over a real session bus.
-class PanelTest : public testing::Test {
-protected:
+struct PanelTest : testing::Test {
     static constexpr std::chrono::seconds bound { 10 };
 
     static QDBusConnection connectionOf(char const* role)

@@ -8,10 +8,7 @@
 
 #include <QProcess>
 
-#include <chrono>
 #include <csignal>
-#include <filesystem>
-#include <string>
 
 /// The real program, staged as it is installed into a folder of its own, with settings, caches and an identifier that
 /// nobody else has.
@@ -35,6 +32,8 @@ public:
         for (char const* const variable : { "LANGUAGE", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY" })
             environment_.remove(QLatin1String(variable));
         process_.setProcessChannelMode(QProcess::MergedChannels);
+        // As some launchers leave it to what they start.
+        process_.setChildProcessModifier([] { std::signal(SIGCHLD, SIG_IGN); });
     }
 
     void setInfo(std::string const& key, std::string const& text) const
@@ -42,6 +41,12 @@ public:
         auto info = *platform::readPropertyList(*platform::readFile(infoFile));
         info.insert_or_assign(key, text);
         platform::writeFileAtomically(infoFile, platform::writePropertyList(info));
+    }
+
+    void setProvider(std::string const& host, std::filesystem::path const& authority) const
+    {
+        setInfo("ProviderHost", host);
+        setInfo("ProviderCertificateAuthority", authority);
     }
 
     void setVariable(char const* name, char const* value)

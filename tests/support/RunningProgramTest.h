@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "demo/Provider.h"
+#include "tests/support/PanelTest.h"
+#include "tests/support/ProgramUnderTest.h"
+
+/// The real program with a real provider, seen from where its user sees it: the status area and the disk.
+struct RunningProgramTest : PanelTest {
+    static constexpr char const* home = "Home - secretOne";
+    static constexpr char const* cottage = "Cottage - secretTwo";
+
+    RunningProgramTest()
+    {
+        startWatcher();
+        program_.setProvider(provider_->host(), certificate_.authority);
+        provider_->setReport("secretOne", homeReport_);
+        provider_->setReport("secretTwo", cottageReport_);
+    }
+
+    /// Whatever happened, a key is nobody's business.
+    ~RunningProgramTest() override { EXPECT_EQ(program_.output().find("secret"), std::string::npos); }
+
+    bool waitForTitle(std::string const& title)
+    {
+        return waitFor([&] { return reader_.hasItem() && reader_.title().toStdString() == title; });
+    }
+
+    bool click(char const* text) { return reader_.click(QString::fromUtf8(text), bound); }
+
+    void stop()
+    {
+        program_.signal(SIGTERM);
+        ASSERT_EQ(program_.waitForExit(bound), 0);
+        ASSERT_TRUE(waitFor([this] { return !reader_.hasItem(); }));
+    }
+
+    std::string storedSelection() const
+    {
+        auto const stored = *platform::readPropertyList(*platform::readFile(program_.settingsFile));
+        return *platform::entry<std::string>(stored, settings::tarvoKeySelected);
+    }
+
+    std::string const homeReport_ = demo::reportBody(
+        { 52'345'678'901, 3'456'789'012, 1'200'000'000, 300'000'000, 53'545'678'901, 3'756'789'012 });
+    std::string const cottageReport_
+        = demo::reportBody({ 4'812'000'000, 391'000'000, 0, 0, 4'812'000'000, 391'000'000 });
+    TemporaryFolder folder_;
+    demo::CertificateFiles certificate_ = *demo::makeCertificate(folder_.path() / "certificate");
+    std::unique_ptr<demo::Provider> provider_ = demo::Provider::start(certificate_);
+    ProgramUnderTest program_;
+};
