@@ -197,7 +197,7 @@ TEST_F(UrlLoaderTest, AHelperThatHangsIsEndedAtTheLimit)
 {
     auto const script = folder.path() / "helper";
     for (char const* hangs : { "kill -STOP $$", "while :; do echo x; sleep 0.01; done", "exec cat /dev/zero",
-             "exec 0<&- 1>&-; exec sleep 60" }) {
+             "cat >/dev/null; exec >&-; exec sleep 60 <&-" }) {
         std::ofstream(script) << "#!/bin/sh\n" << hangs << '\n';
         std::filesystem::permissions(script, std::filesystem::perms::owner_all);
         // The longer address is more than the channel holds.
