@@ -135,7 +135,10 @@ TEST_F(UrlLoaderTest, NothingComesOfALoadThatWentWrong)
         { "/endless-trailer", { chunked + "0\r\n", Ending::closed, "a: b\r\na: b\r\na: b\r\na: b\r\n" } },
         { "/reset", { ok + "\r\nhello", Ending::reset } },
     };
-    auto const add = [&](TlsReply const& reply) { replies["/" + std::to_string(replies.size())] = reply; };
+    auto const add = [&replies](TlsReply const& reply) {
+        auto const number = std::to_string(replies.size());
+        replies['/' + number] = reply;
+    };
     for (auto const ending : { Ending::closed, Ending::cutOff, Ending::reset }) {
         for (auto const& text : { ""s, "HTTP/1."s, ok + "Content-Length: 10\r\n\r\nhello", chunked + "5\r\nhel",
                  chunked + "5\r\nhello\r\n" })
