@@ -86,7 +86,8 @@ void reportError(QtMsgType type, QMessageLogContext const& /*context*/, QString 
 // Whose last change must not be lost while the event loop runs.
 platform::UserDefaults* settingsInUse = nullptr;
 
-// The toolkit calls exit() by itself when the display goes. Nothing of ours is torn down then, for its threads are at work.
+// The toolkit calls exit() by itself when the display goes. Nothing of ours is torn down then, for its threads are at
+// work.
 void endAbruptly(int status, void* /*unused*/)
 {
     if (!settingsInUse)
