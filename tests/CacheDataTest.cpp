@@ -33,11 +33,7 @@ protected:
 TEST_F(CacheDataTest, IsFreshUntilTheNextUpdateOrForGoodWithoutAnInterval)
 {
     auto const now = runLoop.now();
-    struct {
-        char const* what;
-        Dictionary report;
-        bool fresh;
-    } const cases[] {
+    std::vector<std::tuple<char const*, Dictionary, bool>> const cases {
         { "due later", { { "nextUpdate", now + 1s }, { "updateInterval", 2 } }, true },
         { "due this moment", { { "nextUpdate", now }, { "updateInterval", 2 } }, false },
         { "overdue, but never refreshed", { { "nextUpdate", now - 9h }, { "updateInterval", 0 } }, true },

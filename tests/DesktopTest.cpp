@@ -148,8 +148,7 @@ TEST_F(MainWindowsTest, ASheetShowsPlainTextAndAnswersByKey)
 TEST_F(MainWindowsTest, TheUsageWindowTakesTheMenuInAndGoesWithItIfItCameUninvited)
 {
     auto const& shown = outlets_.monitorWindow.visible;
-    auto const isMenuShown
-        = [this] { return widgetOf<LevelBar>("usageBar").window()->layout()->menuBar()->isVisible(); };
+    auto const isMenuShown = [] { return widgetOf<LevelBar>("usageBar").window()->layout()->menuBar()->isVisible(); };
     for (bool const isInvited : { true, false }) {
         outlets_.monitorWindow.visible.set(isInvited);
         for (int i = 0; i < 2; ++i)
@@ -215,6 +214,7 @@ public:
     {
         return QDBusVariant(QVariant::fromValue(QDBusVariant(1U)));
     }
+    // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the generated code has names of its own
     Q_SIGNAL void SettingChanged(QString const& space, QString const& key, QDBusVariant const& value);
 
     QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));

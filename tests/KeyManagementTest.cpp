@@ -143,7 +143,7 @@ TEST_F(KeyManagementTest, WhateverTheKeysNothingOutsideTheTwoFoldersIsTouched)
     launchWith({ home });
     for (int step = 0; step < 300; ++step) {
         auto const& key = keys[anyOf(keys.size())];
-        std::function<void()> const actions[] {
+        std::vector<std::function<void()>> const actions {
             [&] { add("Any", key); },
             [&] {
                 defaults.remove(settings::fixedCache);
@@ -161,7 +161,7 @@ TEST_F(KeyManagementTest, WhateverTheKeysNothingOutsideTheTwoFoldersIsTouched)
             [&] { cache().saveCacheFile({}, key); },
             [&] { cache().removeCacheFile(key); },
         };
-        actions[anyOf(std::size(actions))]();
+        actions[anyOf(actions.size())]();
         settle();
         ASSERT_EQ(surroundings(), before) << step << key;
         ASSERT_TRUE(platform::readFile(folder.path() / "settings" / "preferences.plist"));

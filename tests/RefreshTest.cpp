@@ -118,7 +118,7 @@ TEST_F(RefreshTest, AThousandOverlappingRefreshesShowTheLastAnswerAndSaveEachUnd
         asked.erase(asked.begin() + static_cast<std::ptrdiff_t>(position));
         auto const gigabytes = static_cast<int>(2 + number % 900);
         bool const answers = oneOf(5) != 0;
-        setReply(key.c_str(), gigabytes);
+        setReply(key, gigabytes);
         if (!answers)
             failReply(key.c_str());
 

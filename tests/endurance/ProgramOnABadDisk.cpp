@@ -48,10 +48,7 @@ TEST_F(ProgramOnABadDisk, GoesOnWhileNothingCanBeWrittenAndSavesAgainAfterwards)
     SmallDisk const cache(program_.cacheFolder.parent_path());
     ASSERT_TRUE(config.ok && cache.ok);
     using OnDisk = std::function<void(SmallDisk const&)>;
-    struct {
-        char const* what;
-        OnDisk begin, end;
-    } const faults[] {
+    std::vector<std::tuple<char const*, OnDisk, OnDisk>> const faults {
         { "full", [](auto const& disk) { std::ofstream(disk.place / "0") << std::string(100'000, 'x') << std::flush; },
             [](auto const& disk) { fs::remove(disk.place / "0"); } },
         { "no more files",
