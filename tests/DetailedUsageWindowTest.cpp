@@ -151,6 +151,9 @@ TEST_F(DetailedUsageWindowTest, TheProvidersPageIsCutDownAndColouredAndFillsTheS
     EXPECT_EQ(read(std::string(grounds) + ".at(-2)"), "rgb(255, 255, 255)");
     EXPECT_EQ(read(std::string(grounds) + ".at(-1)"), "rgb(212, 255, 209)");
     EXPECT_EQ(read("getComputedStyle(document.body).userSelect"), "none");
+    for (auto const* const event : { "selectstart", "dragstart" })
+        EXPECT_EQ(read(std::string("document.body.dispatchEvent(new Event('") + event + "', { cancelable: true }))"),
+            "false");
 
     detailed().window.effectiveAppearance.set(platform::Appearance::Dark);
     EXPECT_EQ(ground("document.body"), "rgb(43, 45, 48)");
@@ -158,9 +161,6 @@ TEST_F(DetailedUsageWindowTest, TheProvidersPageIsCutDownAndColouredAndFillsTheS
     EXPECT_EQ(pageCount(), 1U);
 
     // The month before, as the user picks it.
-    for (auto const* const event : { "selectstart", "dragstart" })
-        EXPECT_EQ(read(std::string("document.body.dispatchEvent(new Event('") + event + "', { cancelable: true }))"),
-            "false");
     auto& picker = widgetOf<QComboBox>("usageMonthPicker");
     EXPECT_EQ(picker.count(), 13);
     EXPECT_TRUE(picker.hasFocus());
@@ -189,10 +189,10 @@ TEST_F(DetailedUsageWindowTest, WhatCannotBeShownAsksWhetherToTryAgainAndTheRest
     using Case = std::pair<demo::Reply, char const*>;
     std::string const table = "<table><tr><td>1</td></tr></table>";
     demo::Reply const elsewhere { .status = 302, .headers = { { "Location", "https://www.localhost/" } } };
+    demo::Reply const inCircles { .status = 302, .headers = { { "Location", pagePath } } };
     open();
     ASSERT_TRUE(waitForPage());
     int monthsBack = 1;
-    demo::Reply const inCircles { .status = 302, .headers = { { "Location", pagePath } } };
     for (auto const& [page, outcome] :
         { Case { { table, demo::Manner::CutOff }, "LOAD_ERROR_ANSWER" }, Case { inCircles, "LOAD_ERROR_ANSWER" },
             Case { elsewhere, "LOAD_ERROR_STOPPED" }, Case { { .status = 204 }, "LOAD_ERROR_STOPPED" },

@@ -81,8 +81,7 @@ TEST_F(SlowProviderTest, IsAskedAgainAfterThirtySecondsUntilItAnswers)
     serve(ServerFault::expired, good, "0");
     std::string const port = server->port();
     ProgramUnderTest program;
-    program.setInfo("ProviderHost", "localhost:" + port);
-    program.setInfo("ProviderCertificateAuthority", server->authority());
+    program.setProvider("localhost:" + port, server->authority());
     program.startWith({ "Home - secretOne" });
     EXPECT_TRUE(showsTitle("No data", 10s));
     serve(ServerFault::none, { "", Ending::silent }, port);
