@@ -8,6 +8,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingReply>
 #include <QGuiApplication>
+#include <QIcon>
 
 #include <utility>
 
@@ -58,8 +59,8 @@ void FreedesktopNotifications::deliver(platform::UserNotification const& notific
     auto message = call("Notify");
     QStringList const actions { defaultAction, toQt(notification.title) };
     QVariantMap const hints { { QStringLiteral("desktop-entry"), QGuiApplication::desktopFileName() } };
-    message << QCoreApplication::applicationName() << 0U << QStringLiteral("usage-meter") << toQt(notification.title)
-            << toQt(notification.informativeText).toHtmlEscaped() << actions << hints << -1;
+    message << QCoreApplication::applicationName() << 0U << QGuiApplication::windowIcon().name()
+            << toQt(notification.title) << toQt(notification.informativeText).toHtmlEscaped() << actions << hints << -1;
     whenFinished(bus_.asyncCall(message), this, [this](QDBusPendingCall const& finished) {
         QDBusPendingReply<uint> const reply = finished;
         if (reply.isValid())

@@ -203,7 +203,7 @@ int main(int argc, char** argv)
     // Not the display name, which the toolkit adds to every window's title.
     QApplication::setApplicationName(toQt(bundle->infoText("CFBundleDisplayName")));
     QApplication::setDesktopFileName(toQt(bundle->identifier()));
-    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("usage-meter")));
+    QApplication::setWindowIcon(QIcon::fromTheme(toQt(bundle->infoText("CFBundleIconFile"))));
 
     // The toolkit has texts of its own, such as those of a text field's menu.
     QTranslator translator;

@@ -1,0 +1,53 @@
+# Brings the texts of the string tables into files that are not read by the program but by the desktop.
+
+# The languages that there are tables of, English first.
+function(find_languages output)
+    file(GLOB folders CONFIGURE_DEPENDS RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} *.lproj)
+    list(REMOVE_ITEM folders en.lproj)
+    list(PREPEND folders en.lproj)
+    list(TRANSFORM folders REPLACE "\\.lproj$" "")
+    set(${output} "${folders}" PARENT_SCOPE)
+endfunction()
+
+# As XML has it.
+function(get_text output language key)
+    file(READ ${CMAKE_CURRENT_SOURCE_DIR}/${language}.lproj/Localizable.strings table)
+    if(NOT table MATCHES "<key>${key}</key>[ \t\r\n]*<string>([^<]*)</string>")
+        message(FATAL_ERROR "${language}.lproj/Localizable.strings has no ${key}")
+    endif()
+    string(CONFIGURE "${CMAKE_MATCH_1}" text @ONLY)
+    set(${output} "${text}" PARENT_SCOPE)
+endfunction()
+
+# "Comment=...", "Comment[fr]=...": one line a language.
+function(desktop_entry_lines output name key)
+    set(lines "")
+    foreach(language IN LISTS languages)
+        get_text(text ${language} ${key})
+        string(REPLACE "&lt;" "<" text "${text}")
+        string(REPLACE "&gt;" ">" text "${text}")
+        string(REPLACE "&amp;" "&" text "${text}")
+        set(locale "[${language}]")
+        if(language STREQUAL "en")
+            set(locale "")
+        endif()
+        string(APPEND lines "${name}${locale}=${text}\n")
+    endforeach()
+    string(STRIP "${lines}" lines)
+    set(${output} "${lines}" PARENT_SCOPE)
+endfunction()
+
+# <summary>...</summary>, <summary xml:lang="fr">...</summary>: one element a language.
+function(xml_elements output name key)
+    set(elements "")
+    foreach(language IN LISTS languages)
+        get_text(text ${language} ${key})
+        set(attribute " xml:lang=\"${language}\"")
+        if(language STREQUAL "en")
+            set(attribute "")
+        endif()
+        string(APPEND elements "    <${name}${attribute}>${text}</${name}>\n")
+    endforeach()
+    string(STRIP "${elements}" elements)
+    set(${output} "${elements}" PARENT_SCOPE)
+endfunction()
