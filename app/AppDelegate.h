@@ -150,6 +150,8 @@ public:
     void changeOnlyKeyNicknames();
     /// The user picked another figure for the status item.
     void changeStatusBarDropdown();
+    /// The user chose whether the program starts at login; says so where that cannot be stored.
+    void changeStartAtLogin();
 
     // Touch bar
 
@@ -210,6 +212,7 @@ private:
     void storeKeyEntries(std::vector<std::string> const& entries);
 
     // Preferences
+    void showStartAtLogin();
     void fadeMessage(double opacity, platform::Seconds duration, platform::Task completion);
     void hideMessageLater();
 

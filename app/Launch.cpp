@@ -35,6 +35,7 @@ void AppDelegate::performStartupActions()
     doUpdateUsageCapText();
     fileNotifications();
     updateDesign();
+    showStartAtLogin();
     if (!prefs_->contains(settings::menuBarSelector))
         outlets_.statusBarDropdown.indexOfSelectedItem.set(defaultChoice);
     bool const cacheAllowed = applyVersionRule();

@@ -58,6 +58,7 @@ struct Outlets {
     platform::CheckBox nextUpdateToggle;
     platform::CheckBox onlyKeyNicknamesToggle;
     platform::CheckBox showNotificationsToggle;
+    platform::CheckBox startAtLoginToggle;
     platform::Button clearCacheButton;
     platform::TextField cacheClearedText;
     platform::TextField versionText;

@@ -50,6 +50,7 @@ void bindPreferences(Binder& binder, Outlets& outlets)
     binder.bind("nextUpdateToggle", outlets.nextUpdateToggle);
     binder.bind("onlyKeyNicknamesToggle", outlets.onlyKeyNicknamesToggle);
     binder.bind("showNotificationsToggle", outlets.showNotificationsToggle);
+    binder.bind("startAtLoginToggle", outlets.startAtLoginToggle);
     binder.bindLabel("versionText", outlets.versionText);
     binder.bind("clearCacheButton", outlets.clearCacheButton);
     binder.bindLabel("cacheClearedText", outlets.cacheClearedText);

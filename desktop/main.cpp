@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
+#include "desktop/AutostartEntry.h"
 #include "desktop/ColorScheme.h"
 #include "desktop/DesktopRunLoop.h"
 #include "desktop/DesktopServices.h"
@@ -38,6 +39,8 @@ using namespace std::chrono_literals;
 
 // What has not ended by then is left to the end of the process.
 constexpr platform::Seconds patienceAtExit = 50ms;
+// What XDG calls the folder of entries that start at login.
+constexpr char const* autostart = "autostart";
 
 // What is written to a stream that is closed or broken must go nowhere: neither into a file or socket that has taken
 // its number, nor into a signal that ends the program.
@@ -103,6 +106,15 @@ std::filesystem::path userFolder(char const* variable, char const* inHome)
     return folder.is_absolute() ? folder : std::filesystem::path(QDir::homePath().toStdString()) / inHome;
 }
 
+std::vector<std::filesystem::path> systemAutostartFolders()
+{
+    auto const folders = qEnvironmentVariable("XDG_CONFIG_DIRS", QStringLiteral("/etc/xdg"));
+    std::vector<std::filesystem::path> autostartFolders;
+    for (auto const& folder : folders.split(QLatin1Char(':'), Qt::SkipEmptyParts))
+        autostartFolders.push_back(std::filesystem::path(folder.toStdString()) / autostart);
+    return autostartFolders;
+}
+
 // A place beside the program's own folder, the same in the build folder and in an installation.
 std::filesystem::path besideProgram(char const* place)
 {
@@ -125,6 +137,10 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
     auto const settingsFile = userFolder("XDG_CONFIG_HOME", ".config") / bundle.identifier() / "preferences.plist";
     platform::UserDefaults userDefaults(settingsFile, runLoop);
     auto const notifications = FreedesktopNotifications::connectTo(bus);
+    AutostartEntry loginItem({ .identifier = bundle.identifier(),
+                                 .displayName = bundle.infoText("CFBundleDisplayName"),
+                                 .file = QCoreApplication::applicationFilePath().toStdString() },
+        userFolder("XDG_CONFIG_HOME", ".config") / autostart, systemAutostartFolders());
     DesktopWorkspace workspace;
     DesktopApplication desktopApplication;
     platform::Platform platform {
@@ -136,6 +152,7 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
         .workspace = workspace,
         .application = desktopApplication,
         .notificationCenter = notifications.get(),
+        .loginItem = &loginItem,
         .cachesFolder = userFolder("XDG_CACHE_HOME", ".cache"),
         .numberLocale = platform::userLocale("LC_NUMERIC"),
         .dateLocale = platform::userLocale("LC_TIME"),

@@ -12,6 +12,7 @@ namespace platform {
 class Application;
 class BackgroundQueues;
 class Bundle;
+class LoginItem;
 class NotificationCenter;
 class RunLoop;
 class UrlLoader;
@@ -29,6 +30,8 @@ struct Platform {
     Application& application;
     /// None where the desktop shows no notifications.
     NotificationCenter* notificationCenter = nullptr;
+    /// None where the desktop starts no programs at login.
+    LoginItem* loginItem = nullptr;
     /// The user's caches folder, which other programs share.
     std::filesystem::path cachesFolder;
     /// The user's locales, as ICU names them.

@@ -129,7 +129,7 @@ struct DetailedUsageWindowTest : WindowsTest {
     platform::ProcessUrlLoader urlLoader_ { {} };
     DesktopWorkspace workspace_;
     platform::Platform platform_ { loop_, queues_, defaults_, urlLoader_, bundle_, workspace_, application_, nullptr,
-        folder_.path(), "en_US", "en_US", false, systemColors };
+        nullptr, folder_.path(), "en_US", "en_US", false, systemColors };
     DetailedUsageViewController controller_ { platform_, outlets_.detailedUsage };
 };
 

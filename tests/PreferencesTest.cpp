@@ -70,3 +70,21 @@ TEST_F(PreferencesTest, TheSuccessMessageFadesInStaysAndGoesAfterEveryPress)
         EXPECT_TRUE(message.hidden.get());
     }
 }
+
+TEST_F(PreferencesTest, StartingAtLoginShowsWhatStandsOnDisk)
+{
+    auto& toggle = outlets->startAtLoginToggle;
+    EXPECT_FALSE(toggle.on.get());
+    toggle.userToggled(true);
+    EXPECT_TRUE(desktop.startsAtLogin);
+    desktop.startsAtLogin = false;
+    controller->showPreferences();
+    EXPECT_FALSE(toggle.on.get()) << "another program has taken it back";
+    desktop.isDiskFull = true;
+    toggle.userToggled(true);
+    EXPECT_FALSE(toggle.on.get());
+    EXPECT_EQ(alertOn(outlets->window), "Starting at login could not be changed.");
+    platform.loginItem = nullptr;
+    launchAndSettle();
+    EXPECT_TRUE(outlets->startAtLoginToggle.hidden.get());
+}

@@ -21,4 +21,6 @@ void AppDelegate::fileNotifications()
     observations_.push_back(platform_.runLoop.observeClockChange([this] { receiveClockNote(); }));
     observations_.push_back(
         outlets_.window.effectiveAppearance.observeChanges([this](platform::Appearance) { updateDarkAppearance(); }));
+    // Other programs change it too.
+    observations_.push_back(outlets_.window.observeFrontRequests([this] { showStartAtLogin(); }));
 }

@@ -107,6 +107,7 @@ void MainLayout::wire(AppDelegate& controller)
     showBy(outlets_.lastUpdateToggle, outlets_.lastUpdateMenuItem);
     showBy(outlets_.nextUpdateToggle, outlets_.nextUpdateMenuItem);
     outlets_.onlyKeyNicknamesToggle.action = [&controller] { controller.changeOnlyKeyNicknames(); };
+    outlets_.startAtLoginToggle.action = [&controller] { controller.changeStartAtLogin(); };
     outlets_.statusBarDropdown.action = [&controller] { controller.changeStatusBarDropdown(); };
     outlets_.updateIntervalPopupButton.action = [&controller] { controller.doChangeUpdateIntervalDropdown(); };
     // Where the cap is set.

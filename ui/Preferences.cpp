@@ -3,6 +3,7 @@
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
 #include "app/UsageFigures.h"
+#include "platform/LoginItem.h"
 #include "platform/Platform.h"
 #include "storage/CacheData.h"
 
@@ -19,7 +20,8 @@ void AppDelegate::updateDesign()
 {
     constexpr platform::Color white { 255, 255, 255 };
     for (auto* const toggle : { &outlets_.usageCapToggle, &outlets_.lastUpdateToggle, &outlets_.remainingUsageToggle,
-             &outlets_.nextUpdateToggle, &outlets_.onlyKeyNicknamesToggle, &outlets_.showNotificationsToggle })
+             &outlets_.nextUpdateToggle, &outlets_.onlyKeyNicknamesToggle, &outlets_.showNotificationsToggle,
+             &outlets_.startAtLoginToggle })
         toggle->titleColor.set(white);
 }
 
@@ -90,4 +92,19 @@ void AppDelegate::changeStatusBarDropdown()
     auto figures = UsageFigures::fromReport(*usageDictionary_, outlets_.usageLimit.text.get());
     auto const unit = figures.scaleToDisplayUnit();
     usageStatusItem_.title.set(statusTitle(figures, unit));
+}
+
+void AppDelegate::showStartAtLogin()
+{
+    outlets_.startAtLoginToggle.hidden.set(!platform_.loginItem);
+    outlets_.startAtLoginToggle.on.set(platform_.loginItem && platform_.loginItem->isEnabled());
+}
+
+void AppDelegate::changeStartAtLogin()
+{
+    bool const isStored = platform_.loginItem->setEnabled(outlets_.startAtLoginToggle.on.get());
+    showStartAtLogin();
+    if (!isStored)
+        outlets_.window.beginSheet({ .messageText = text("START_AT_LOGIN_FAILURE_TITLE"),
+            .informativeText = text("START_AT_LOGIN_FAILURE_MESSAGE") });
 }

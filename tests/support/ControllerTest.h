@@ -7,6 +7,7 @@
 #include "platform/BackgroundQueues.h"
 #include "platform/Bundle.h"
 #include "platform/DateFormatter.h"
+#include "platform/LoginItem.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Platform.h"
 #include "platform/UrlLoader.h"
@@ -59,7 +60,10 @@ struct ScriptedLoader final : platform::UrlLoader {
 };
 
 /// Writes down what the program asks of the desktop.
-struct RecordedDesktop final : platform::Application, platform::Workspace, platform::NotificationCenter {
+struct RecordedDesktop final : platform::Application,
+                               platform::Workspace,
+                               platform::NotificationCenter,
+                               platform::LoginItem {
     void activateIgnoringOtherApps() override { ++activations; }
     void terminate() override { ++terminations; }
     void open(std::string const& url) override { opened.push_back(url); }
@@ -67,12 +71,22 @@ struct RecordedDesktop final : platform::Application, platform::Workspace, platf
     void deliver(platform::UserNotification const& notification) override { notified.push_back(notification.title); }
     void removeDelivered(platform::NotificationId id) override { removed.push_back(id); }
 
+    bool isEnabled() const override { return startsAtLogin; }
+    bool setEnabled(bool enabled) override
+    {
+        if (!isDiskFull)
+            startsAtLogin = enabled;
+        return !isDiskFull;
+    }
+
     int activations = 0;
     int terminations = 0;
     Texts opened;
     Texts notified;
     std::vector<platform::NotificationId> removed;
     platform::NotificationCenterDelegate* delegate = nullptr;
+    bool startsAtLogin = false;
+    bool isDiskFull = false;
 };
 
 /// The whole core on virtual time, from settings and cache files on disk to the models that a user would see.
@@ -198,7 +212,7 @@ protected:
     RecordedDesktop desktop;
     platform::Bundle bundle = *platform::Bundle::open(USAGE_METER_BUNDLE, { "en" });
     platform::UserDefaults defaults { folder.path() / "settings" / "preferences.plist", runLoop };
-    platform::Platform platform { runLoop, queues, defaults, loader, bundle, desktop, desktop, &desktop,
+    platform::Platform platform { runLoop, queues, defaults, loader, bundle, desktop, desktop, &desktop, &desktop,
         folder.path() };
     platform::DateFormatter dates { platform.dateLocale };
 
