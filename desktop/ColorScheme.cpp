@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/ColorScheme.h"
 
+#include "desktop/HighContrastStyle.h"
 #include "desktop/PendingCall.h"
 #include "desktop/Text.h"
 
@@ -9,6 +10,7 @@
 #include <QDBusMetaType>
 #include <QDBusPendingReply>
 #include <QPalette>
+#include <QStyleFactory>
 
 #include <utility>
 
@@ -18,21 +20,9 @@ QString const service = QStringLiteral("org.freedesktop.portal.Desktop");
 QString const path = QStringLiteral("/org/freedesktop/portal/desktop");
 QString const interface = QStringLiteral("org.freedesktop.portal.Settings");
 QString const appearanceSpace = QStringLiteral("org.freedesktop.appearance");
-QString const colorSchemeKey = QStringLiteral("color-scheme");
+QString const gnomeSpace = QStringLiteral("org.gnome.desktop.a11y.interface");
 
-// The portal's number: 1 prefers dark, 2 light, 0 has no preference.
-platform::Appearance appearanceOf(uint colorScheme)
-{
-    return colorScheme == 1 ? platform::Appearance::Dark : platform::Appearance::Light;
-}
-
-// The portal answers a variant within a variant.
-uint numberIn(QVariant value)
-{
-    while (value.metaType() == QMetaType::fromType<QDBusVariant>())
-        value = value.value<QDBusVariant>().variant();
-    return value.toUInt();
-}
+using Settings = QMap<QString, QVariantMap>;
 
 QPalette darkPalette()
 {
@@ -57,9 +47,40 @@ QPalette lightPalette()
     return palette;
 }
 
+// One colour on another and nothing between, but for what is disabled: that still reads with 7:1.
+QPalette highContrastPalette(QColor const& ground, QColor const& text, QColor const& disabled, QColor const& highlight)
+{
+    QPalette palette(text, ground, text, text, text, text, text, ground, ground);
+    palette.setColor(QPalette::Highlight, highlight);
+    palette.setColor(QPalette::HighlightedText, ground);
+    palette.setColor(QPalette::AlternateBase, ground);
+    palette.setColor(QPalette::PlaceholderText, disabled);
+    palette.setColor(QPalette::ToolTipBase, ground);
+    palette.setColor(QPalette::ToolTipText, text);
+    for (auto const role : { QPalette::WindowText, QPalette::ButtonText, QPalette::Text })
+        palette.setColor(QPalette::Disabled, role, disabled);
+    return palette;
+}
+
 QPalette palette(platform::Appearance appearance)
 {
-    return appearance == platform::Appearance::Dark ? darkPalette() : lightPalette();
+    switch (appearance) {
+    case platform::Appearance::Light:
+        break;
+    case platform::Appearance::Dark:
+        return darkPalette();
+    case platform::Appearance::HighContrastLight:
+        return highContrastPalette(Qt::white, Qt::black, QColor(0x55, 0x55, 0x55), QColor(0x00, 0x00, 0xC8));
+    case platform::Appearance::HighContrastDark:
+        return highContrastPalette(Qt::black, Qt::white, QColor(0xB0, 0xB0, 0xB0), QColor(0xFF, 0xE0, 0x00));
+    }
+    return lightPalette();
+}
+
+bool isHighContrast(platform::Appearance appearance)
+{
+    return appearance == platform::Appearance::HighContrastLight
+        || appearance == platform::Appearance::HighContrastDark;
 }
 
 }
@@ -70,6 +91,7 @@ ColorScheme::ColorScheme(QDBusConnection bus, std::function<void(platform::Appea
     , portal_(service, bus_, QDBusServiceWatcher::WatchForRegistration)
 {
     qRegisterMetaType<QDBusVariant>("QDBusVariant");
+    qDBusRegisterMetaType<Settings>();
     bus_.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
         SLOT(settingChanged(QString, QString, QDBusVariant)));
     connect(&portal_, &QDBusServiceWatcher::serviceRegistered, this, &ColorScheme::read);
@@ -78,22 +100,60 @@ ColorScheme::ColorScheme(QDBusConnection bus, std::function<void(platform::Appea
 
 void ColorScheme::read()
 {
-    auto message = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
-    message << appearanceSpace << colorSchemeKey;
+    auto message = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
+    message << QStringList { appearanceSpace, gnomeSpace };
     whenFinished(bus_.asyncCall(message), this, [this](QDBusPendingCall const& finished) {
-        QDBusPendingReply<QDBusVariant> const reply = finished;
-        if (reply.isValid())
-            observer_(appearanceOf(numberIn(reply.value().variant())));
+        QDBusPendingReply<Settings> const reply = finished;
+        if (!reply.isValid())
+            return;
+        for (auto const& [space, settings] : reply.value().toStdMap()) {
+            for (auto const& [key, value] : settings.toStdMap())
+                accept(space, key, value.toUInt());
+        }
+        tell();
     });
 }
 
 void ColorScheme::settingChanged(QString const& space, QString const& key, QDBusVariant const& value)
 {
-    if (space == appearanceSpace && key == colorSchemeKey)
-        observer_(appearanceOf(numberIn(value.variant())));
+    accept(space, key, value.variant().toUInt());
+    tell();
 }
 
-void applyPalette(platform::Appearance appearance) { QApplication::setPalette(palette(appearance)); }
+// The portal's numbers: a scheme of 1 prefers dark, 2 light; a contrast of 1 prefers a high one; 0 has no preference.
+void ColorScheme::accept(QString const& space, QString const& key, uint value)
+{
+    if (space == appearanceSpace && key == QStringLiteral("color-scheme"))
+        isDark_ = value == 1;
+    if (space == appearanceSpace && key == QStringLiteral("contrast"))
+        isHighContrast_ = value == 1;
+    if (space == gnomeSpace && key == QStringLiteral("high-contrast"))
+        isHighContrastInGnome_ = value == 1;
+}
+
+void ColorScheme::tell()
+{
+    auto const now = appearance();
+    if (std::exchange(told_, now) != now)
+        observer_(now);
+}
+
+platform::Appearance ColorScheme::appearance() const
+{
+    if (isHighContrast_.value_or(isHighContrastInGnome_))
+        return isDark_ ? platform::Appearance::HighContrastDark : platform::Appearance::HighContrastLight;
+    return isDark_ ? platform::Appearance::Dark : platform::Appearance::Light;
+}
+
+void applyAppearance(platform::Appearance appearance)
+{
+    // Styles that take their colours from the palette, so that these can change at any time.
+    if (isHighContrast(appearance))
+        QApplication::setStyle(new HighContrastStyle);
+    else
+        QApplication::setStyle(QStringLiteral("Fusion"));
+    QApplication::setPalette(palette(appearance));
+}
 
 platform::SystemColors systemColors(platform::Appearance appearance)
 {

@@ -9,9 +9,11 @@
 #include <QObject>
 
 #include <functional>
+#include <optional>
 
-/// Follows the desktop's preference for light or dark windows, as the settings portal tells it
-/// (org.freedesktop.portal.Settings, namespace org.freedesktop.appearance). Nothing is told until there is a portal.
+/// Follows the desktop's preference for light or dark windows and for high contrast, as the settings portal tells it
+/// (org.freedesktop.portal.Settings). Where a portal does not know of contrast, GNOME's own setting counts. Nothing is
+/// told until there is a portal.
 class ColorScheme final : public QObject {
     Q_OBJECT
 
@@ -24,13 +26,20 @@ private slots:
 
 private:
     void read();
+    void accept(QString const& space, QString const& key, uint value);
+    void tell();
+    platform::Appearance appearance() const;
 
     QDBusConnection bus_;
     std::function<void(platform::Appearance)> observer_;
     QDBusServiceWatcher portal_;
+    bool isDark_ = false;
+    std::optional<bool> isHighContrast_;
+    bool isHighContrastInGnome_ = false;
+    std::optional<platform::Appearance> told_;
 };
 
-/// Gives all windows a light or a dark palette.
-void applyPalette(platform::Appearance appearance);
+/// Gives all windows the palette and the style of an appearance.
+void applyAppearance(platform::Appearance appearance);
 /// The colours of that palette.
 platform::SystemColors systemColors(platform::Appearance appearance);

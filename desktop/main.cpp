@@ -171,7 +171,7 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
             .activationToken = [](QString const& token) { qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8()); } },
         bus);
     ColorScheme const colorScheme(bus, [&outlets](platform::Appearance appearance) {
-        applyPalette(appearance);
+        applyAppearance(appearance);
         for (auto* const window :
             { &outlets.window, &outlets.addKeyWindow, &outlets.monitorWindow, &outlets.detailedUsage.window })
             window->effectiveAppearance.set(appearance);
@@ -204,9 +204,7 @@ int main(int argc, char** argv)
     QApplication const application(argc, argv);
     qInstallMessageHandler(reportError);
     QApplication::setQuitOnLastWindowClosed(false);
-    // A style that takes its colours from the palette, so that light and dark can change at any time.
-    QApplication::setStyle(QStringLiteral("Fusion"));
-    applyPalette(platform::Appearance::Light);
+    applyAppearance(platform::Appearance::Light);
     // Whether it starts at login is the user's choice, not the session's memory.
     QObject::connect(&application, &QGuiApplication::saveStateRequest,
         [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });

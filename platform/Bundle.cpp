@@ -27,6 +27,20 @@ bool canNameAFolder(std::string_view name)
     return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos;
 }
 
+char const* variantOf(Appearance appearance)
+{
+    switch (appearance) {
+    case Appearance::Light:
+        return "light";
+    case Appearance::Dark:
+        return "dark";
+    case Appearance::HighContrastLight:
+    case Appearance::HighContrastDark:
+        break;
+    }
+    return "highContrast";
+}
+
 // "#RRGGBB"
 std::optional<Color> parseColor(std::string_view text)
 {
@@ -84,7 +98,7 @@ std::optional<Color> Bundle::namedColor(std::string_view name, Appearance appear
     auto const* const variants = entry<Dictionary>(colors_, name);
     if (!variants)
         return std::nullopt;
-    return parseColor(textOf(*variants, appearance == Appearance::Dark ? "dark" : "light"));
+    return parseColor(textOf(*variants, variantOf(appearance)));
 }
 
 }

@@ -30,7 +30,7 @@ public:
     /// The language of the texts.
     std::string const& language() const { return language_; }
 
-    /// A named colour's variant for an appearance, from Colors.plist.
+    /// A named colour's variant for an appearance, from Colors.plist; both of high contrast share one.
     std::optional<Color> namedColor(std::string_view name, Appearance appearance) const;
 
     std::filesystem::path const& folder() const { return folder_; }

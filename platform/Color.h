@@ -14,7 +14,8 @@ struct Color {
     bool operator==(Color const&) const = default;
 };
 
-enum class Appearance { Light, Dark };
+/// High contrast is an appearance like the others, so that whatever follows one follows all.
+enum class Appearance { Light, Dark, HighContrastLight, HighContrastDark };
 
 /// The desktop's own colours of a window, a text, and the ground of what holds content.
 struct SystemColors {

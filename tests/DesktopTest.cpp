@@ -198,7 +198,9 @@ TEST_F(MainWindowsTest, TheAddKeySheetNeedsOnlyTheKeyboardAndEveryWindowIsFitFor
     }
 }
 
-/// A settings portal that prefers dark, with a connection of its own.
+using Settings = QMap<QString, QVariantMap>;
+
+/// A settings portal that prefers dark and, as GNOME says it, high contrast, with a connection of its own.
 class SettingsPortal : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
@@ -210,9 +212,9 @@ public:
         EXPECT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
     }
 
-    Q_SLOT QDBusVariant Read(QString const&, QString const&)
+    Q_SLOT Settings ReadAll(QStringList const& spaces)
     {
-        return QDBusVariant(QVariant::fromValue(QDBusVariant(1U)));
+        return { { spaces.at(0), { { "color-scheme", 1U } } }, { spaces.at(1), { { "high-contrast", true } } } };
     }
     // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the generated code has names of its own
     Q_SIGNAL void SettingChanged(QString const& space, QString const& key, QDBusVariant const& value);
@@ -220,18 +222,25 @@ public:
     QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));
 };
 
-TEST(ColorScheme, TellsThePreferenceOfAPortalThatComesAndEveryLaterOne)
+TEST(ColorScheme, TellsThePreferencesOfAPortalThatComesAndEveryLaterOne)
 {
+    using enum platform::Appearance;
     std::vector<platform::Appearance> told;
     ColorScheme const scheme(QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("program")),
         [&told](platform::Appearance appearance) { told.push_back(appearance); });
     SettingsPortal portal;
     ASSERT_TRUE(QTest::qWaitFor([&told] { return told.size() == 1; }));
-    for (char const* const key : { "accent-color", "color-scheme" })
-        Q_EMIT portal.SettingChanged(
-            QStringLiteral("org.freedesktop.appearance"), QLatin1String(key), QDBusVariant(2U));
-    ASSERT_TRUE(QTest::qWaitFor([&told] { return told.size() == 2; }));
-    EXPECT_EQ(told, (std::vector { platform::Appearance::Dark, platform::Appearance::Light }));
+    auto const freedesktop = QStringLiteral("org.freedesktop.appearance");
+    auto const gnome = QStringLiteral("org.gnome.desktop.a11y.interface");
+    Q_EMIT portal.SettingChanged(freedesktop, "accent-color", QDBusVariant(2U));
+    Q_EMIT portal.SettingChanged(gnome, "high-contrast", QDBusVariant(false));
+    Q_EMIT portal.SettingChanged(freedesktop, "color-scheme", QDBusVariant(2U));
+    Q_EMIT portal.SettingChanged(freedesktop, "contrast", QDBusVariant(0U));
+    Q_EMIT portal.SettingChanged(gnome, "high-contrast", QDBusVariant(true));
+    Q_EMIT portal.SettingChanged(freedesktop, "contrast", QDBusVariant(1U));
+    ASSERT_TRUE(QTest::qWaitFor([&told] { return told.size() == 4; }));
+    EXPECT_EQ(told, (std::vector { HighContrastDark, Dark, Light, HighContrastLight }))
+        << "the portal's own word on contrast goes before GNOME's";
 }
 
 /// Only writes down what it is asked for.
