@@ -84,6 +84,19 @@ void WebPage::restrict()
     scripts().insert(script);
 }
 
+void WebPage::useScheme(QString const& scheme)
+{
+    QWebEngineScript script;
+    script.setName(QStringLiteral("scheme"));
+    script.setSourceCode(QStringLiteral("document.documentElement.style.colorScheme = '%1';").arg(scheme));
+    script.setInjectionPoint(QWebEngineScript::DocumentReady);
+    script.setWorldId(QWebEngineScript::ApplicationWorld);
+    for (auto const& earlier : scripts().find(script.name()))
+        scripts().remove(earlier);
+    scripts().insert(script);
+    runJavaScript(script.sourceCode(), QWebEngineScript::ApplicationWorld);
+}
+
 bool WebPage::acceptNavigationRequest(QUrl const& url, NavigationType type, bool isMainFrame)
 {
     bool const accepted

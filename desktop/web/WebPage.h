@@ -15,6 +15,9 @@ class WebPage final : public QWebEnginePage {
 public:
     WebPage(QWebEngineProfile& profile, platform::WebViewDelegate& delegate);
 
+    /// Has the engine draw what is its own in a page, such as scroll bars, in the scheme "light" or "dark".
+    void useScheme(QString const& scheme);
+
 protected:
     bool acceptNavigationRequest(QUrl const& url, NavigationType type, bool isMainFrame) override;
     QStringList chooseFiles(FileSelectionMode mode, QStringList const& oldFiles, QStringList const& types) override;

@@ -52,5 +52,11 @@ void WebPageView::childEvent(QChildEvent* event)
         QMetaObject::invokeMethod(dialog, &QDialog::reject, Qt::QueuedConnection);
 }
 
-// What a page stands on until it brings a ground of its own: no white flash on a dark desktop.
-void WebPageView::setGround() { page_.setBackgroundColor(palette().color(QPalette::Window)); }
+// What a page stands on until it brings a ground of its own, and its scroll bars: nothing flashes or stays white on a
+// dark desktop.
+void WebPageView::setGround()
+{
+    auto const ground = palette().color(QPalette::Window);
+    page_.setBackgroundColor(ground);
+    page_.useScheme(qGray(ground.rgb()) < 128 ? QStringLiteral("dark") : QStringLiteral("light"));
+}
