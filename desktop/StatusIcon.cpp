@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace {
 
@@ -20,11 +21,14 @@ constexpr qsizetype longestWord = 6;
 constexpr double figureShare = 0.56;
 // How far letters are squeezed to stand taller.
 constexpr double narrowest = 0.6;
+// White letters stand on this one, so that they read alike on a light panel and on a dark one: an outline would fill
+// small letters up.
+constexpr QColor plate(0x20, 0x22, 0x26, 235);
 
 QFont iconFont()
 {
     QFont font;
-    font.setBold(true);
+    font.setWeight(QFont::DemiBold);
     font.setPixelSize(100);
     return font;
 }
@@ -44,16 +48,19 @@ QPainterPath fitted(QString const& text, QRectF const& cell)
     if (bounds.isEmpty())
         return {};
     double const widest = cell.width() / bounds.width();
-    double const tall = std::min(cell.height() / bounds.height(), widest / narrowest);
+    // Whole pixels in height, so that letters end sharply.
+    double const height = std::floor(std::min(cell.height(), bounds.height() * widest / narrowest));
+    double const tall = height / bounds.height();
+    double const top = std::floor(cell.center().y() - height / 2);
     double const wide = std::min(widest, tall);
     QTransform place;
-    place.translate(cell.center().x(), cell.center().y());
+    place.translate(cell.center().x(), top);
     place.scale(wide, tall);
-    place.translate(-bounds.center().x(), -bounds.center().y());
+    place.translate(-bounds.center().x(), -bounds.top());
     return place.map(path);
 }
 
-double outlineOf(int height) { return std::max(1.5, height / 12.0); }
+int marginOf(int height) { return std::max(1, height / 16); }
 
 QImage paint(QPainterPath const& path, QSize const& size)
 {
@@ -61,8 +68,10 @@ QImage paint(QPainterPath const& path, QSize const& size)
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.strokePath(
-        path, QPen(QColor(0, 0, 0, 225), outlineOf(size.height()), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(plate);
+    double const radius = size.height() / 8.0;
+    painter.drawRoundedRect(QRect({}, size), radius, radius);
     painter.fillPath(path, Qt::white);
     painter.end();
     return image.convertToFormat(QImage::Format_ARGB32);
@@ -134,16 +143,15 @@ QStringList statusIconLines(QString const& title)
 QImage drawStatusIcon(QString const& title, int size)
 {
     auto const lines = statusIconLines(title);
-    double const margin = outlineOf(size) / 2;
-    QRectF const room(margin, margin, size - 2 * margin, size - 2 * margin);
+    int const margin = marginOf(size);
+    QRect const room(margin, margin, size - 2 * margin, size - 2 * margin);
     if (lines.size() < 2)
         return paint(fitted(lines.value(0), room), { size, size });
 
     bool const isFigure = lines[0].back().isDigit();
-    double const gap = margin * 1.5;
-    double const upper = (room.height() - gap) * (isFigure ? figureShare : 0.5);
-    QRectF const top(room.left(), room.top(), room.width(), upper);
-    QRectF const bottom(room.left(), room.top() + upper + gap, room.width(), room.height() - upper - gap);
+    int const upper = qRound((room.height() - margin) * (isFigure ? figureShare : 0.5));
+    QRect const top(room.topLeft(), QSize(room.width(), upper));
+    QRect const bottom = room.adjusted(0, upper + margin, 0, 0);
     return paint(fitted(lines[0], top) + fitted(lines[1], bottom), { size, size });
 }
 
@@ -151,7 +159,7 @@ QImage drawWideStatusIcon(QString const& title, int height)
 {
     auto path = letters(title);
     auto const bounds = path.boundingRect();
-    double const margin = outlineOf(height) / 2;
+    double const margin = height / 6.0;
     // Capitals take half of a panel's height, about as its own texts do.
     double const scale = height * 0.5 / letters(QStringLiteral("0")).boundingRect().height();
     QTransform place;
@@ -159,7 +167,7 @@ QImage drawWideStatusIcon(QString const& title, int height)
     place.scale(scale, scale);
     place.translate(-bounds.left(), -bounds.center().y());
     path = place.map(path);
-    return paint(path, { std::max(1, qCeil(bounds.width() * scale + 2 * margin)), height });
+    return paint(path, { qCeil(bounds.width() * scale + 2 * margin), height });
 }
 
 QList<StatusPixmap> statusPixmaps(QString const& title, StatusLook look)
