@@ -23,6 +23,7 @@
 #include <QDir>
 #include <QIcon>
 #include <QLibraryInfo>
+#include <QLocale>
 #include <QSessionManager>
 #include <QTranslator>
 
@@ -160,7 +161,7 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
     };
 
     Outlets outlets;
-    MainLayout layout(outlets, bundle, userDefaults);
+    MainLayout layout(outlets, bundle, userDefaults, platform.numberLocale);
     AppDelegate controller(platform, outlets);
     layout.wire(controller);
     MainWindows windows(outlets, bundle, runLoop, besideProgram("../lib/usage-meter"));
@@ -220,6 +221,8 @@ int main(int argc, char** argv)
     QApplication::setDesktopFileName(toQt(bundle->identifier()));
     QApplication::setWindowIcon(QIcon::fromTheme(toQt(bundle->infoText("CFBundleIconFile"))));
 
+    // By our texts, whether or not the toolkit has its own in their language.
+    QApplication::setLayoutDirection(QLocale(toQt(bundle->language())).textDirection());
     // The toolkit has texts of its own, such as those of a text field's menu.
     QTranslator translator;
     if (translator.load(QLocale(toQt(bundle->language())), QStringLiteral("qtbase"), QStringLiteral("_"),

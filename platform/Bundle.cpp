@@ -4,6 +4,11 @@
 #include "platform/AtomicFile.h"
 #include "platform/PropertyList.h"
 
+#include <unicode/locid.h>
+#include <unicode/plurrule.h>
+
+#include <algorithm>
+#include <array>
 #include <charconv>
 
 namespace platform {
@@ -20,6 +25,14 @@ std::string textOf(Dictionary const& dictionary, std::string_view key)
 {
     auto const* const text = entry<std::string>(dictionary, key);
     return text ? *text : std::string();
+}
+
+// Behind a key. The plain key is the form of all other counts.
+constexpr std::array<std::string_view, 5> pluralForms { "_ZERO", "_ONE", "_TWO", "_FEW", "_MANY" };
+
+bool isPluralForm(std::string_view key)
+{
+    return std::ranges::any_of(pluralForms, [key](std::string_view form) { return key.ends_with(form); });
 }
 
 bool canNameAFolder(std::string_view name)
@@ -69,6 +82,7 @@ std::optional<Bundle> Bundle::open(std::filesystem::path const& folder, std::vec
         return std::nullopt;
 
     bundle.readStrings(languages);
+    bundle.readPluralRules();
     bundle.colors_ = readDictionary(folder / "Colors.plist").value_or(Dictionary {});
     return bundle;
 }
@@ -85,12 +99,29 @@ void Bundle::readStrings(std::vector<std::string> languages)
     }
 }
 
+void Bundle::readPluralRules()
+{
+    if (std::ranges::none_of(strings_, [](auto const& text) { return isPluralForm(text.first); }))
+        return;
+    UErrorCode status = U_ZERO_ERROR;
+    pluralRules_.reset(icu::PluralRules::forLocale(icu::Locale(language_.c_str()), status));
+}
+
 std::string Bundle::infoText(std::string_view key) const { return textOf(info_, key); }
 
 std::string Bundle::localizedString(std::string_view key) const
 {
     auto const* const text = entry<std::string>(strings_, key);
     return text ? *text : std::string(key);
+}
+
+std::string Bundle::localizedString(std::string_view key, int count) const
+{
+    if (!pluralRules_)
+        return localizedString(key);
+    auto form = std::string(key).append("_");
+    pluralRules_->select(count).toUpper(icu::Locale::getRoot()).toUTF8String(form);
+    return localizedString(strings_.contains(form) ? form : key);
 }
 
 std::optional<Color> Bundle::namedColor(std::string_view name, Appearance appearance) const

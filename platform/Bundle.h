@@ -4,10 +4,17 @@
 #include "platform/Color.h"
 #include "platform/Value.h"
 
+#include <unicode/uversion.h>
+
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+U_NAMESPACE_BEGIN
+class PluralRules;
+U_NAMESPACE_END
 
 namespace platform {
 
@@ -27,6 +34,10 @@ public:
     /// The text of a localized-string key; a key without a text shows itself.
     std::string localizedString(std::string_view key) const;
 
+    /// The text of a key for a count: that of the key with the plural form, which the rules of the texts' language give
+    /// the count, behind it ("_ONE", "_FEW", ...); that of the key itself where the table has no such form.
+    std::string localizedString(std::string_view key, int count) const;
+
     /// The language of the texts.
     std::string const& language() const { return language_; }
 
@@ -37,11 +48,14 @@ public:
 
 private:
     void readStrings(std::vector<std::string> languages);
+    void readPluralRules();
 
     std::filesystem::path folder_;
     Dictionary info_;
     Dictionary strings_;
     std::string language_;
+    /// None for a table without plural forms, as they take time to read.
+    std::shared_ptr<icu::PluralRules const> pluralRules_;
     Dictionary colors_;
 };
 

@@ -37,6 +37,23 @@ TEST(Bundle, HasEveryTextInBothLanguagesAndPicksTheFirstItHasOrEnglish)
     EXPECT_EQ(Bundle::open(shipped, { "eo" })->localizedString("QUIT"), "Quit");
 }
 
+TEST(Bundle, HasTheFormOfATextThatTheLanguageTakesForACount)
+{
+    TemporaryFolder folder;
+    std::filesystem::copy(shipped, folder.path(), std::filesystem::copy_options::recursive);
+    auto const translate = [&](char const* language, platform::Dictionary const& texts) {
+        auto const table = folder.path() / (std::string(language) + ".lproj");
+        std::filesystem::create_directory(table);
+        platform::writeFileAtomically(table / "Localizable.strings", platform::writePropertyList(texts));
+        return *Bundle::open(folder.path(), { language });
+    };
+    auto const polish = translate("pl", { { "H", "godziny" }, { "H_ONE", "godzina" }, { "H_MANY", "godzin" } });
+    for (auto const& [count, text] : { std::pair(1, "godzina"), { 3, "godziny" }, { 5, "godzin" }, { 22, "godziny" } })
+        EXPECT_EQ(polish.localizedString("H", count), text) << count;
+    EXPECT_EQ(translate("ja", { { "H", "時間" } }).localizedString("H", 1), "時間");
+    EXPECT_EQ(polish.localizedString("X", 1), "X");
+}
+
 TEST(Bundle, OpensOnlyUnderANameThatAFolderCanHave)
 {
     TemporaryFolder folder;

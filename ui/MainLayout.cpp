@@ -5,6 +5,7 @@
 #include "app/Outlets.h"
 #include "platform/Binding.h"
 #include "platform/Bundle.h"
+#include "platform/NumberFormatter.h"
 #include "platform/UserDefaults.h"
 #include "storage/SettingsKeys.h"
 
@@ -15,16 +16,19 @@ constexpr int longestInterval = 24;
 // Where a text takes its number.
 constexpr std::string_view numberPlace = "%i";
 
-std::vector<std::string> intervalTitles(platform::Bundle const& bundle)
+std::string filled(std::string format, std::string const& number)
+{
+    std::size_t const place = format.find(numberPlace);
+    return place == std::string::npos ? format : format.replace(place, numberPlace.size(), number);
+}
+
+std::vector<std::string> intervalTitles(platform::Bundle const& bundle, std::string const& numberLocale)
 {
     std::vector<std::string> titles { bundle.localizedString("INTERVAL_NEVER"),
         bundle.localizedString("INTERVAL_HOUR") };
-    auto const several = bundle.localizedString("INTERVAL_HOURS");
-    std::size_t const place = several.find(numberPlace);
-    auto const before = several.substr(0, place);
-    auto const after = place == std::string::npos ? std::string() : several.substr(place + numberPlace.size());
+    platform::NumberFormatter const numbers(numberLocale);
     for (int hours = 2; hours <= longestInterval; ++hours)
-        titles.push_back(std::string(before).append(std::to_string(hours)).append(after));
+        titles.push_back(filled(bundle.localizedString("INTERVAL_HOURS", hours), numbers.string(hours)));
     return titles;
 }
 
@@ -37,7 +41,8 @@ std::shared_ptr<platform::MenuItem> separator()
 
 }
 
-MainLayout::MainLayout(Outlets& outlets, platform::Bundle const& bundle, platform::UserDefaults& userDefaults)
+MainLayout::MainLayout(Outlets& outlets, platform::Bundle const& bundle, platform::UserDefaults& userDefaults,
+    std::string const& numberLocale)
     : outlets_(outlets)
     , bundle_(bundle)
 {
@@ -63,7 +68,7 @@ MainLayout::MainLayout(Outlets& outlets, platform::Bundle const& bundle, platfor
     outlets.cacheClearedText.hidden.set(true);
     outlets.detailedUsageButton.tag = detailedUsageButtonTag;
 
-    outlets.updateIntervalPopupButton.items.set(intervalTitles(bundle));
+    outlets.updateIntervalPopupButton.items.set(intervalTitles(bundle, numberLocale));
     outlets.statusBarDropdown.items.set({ bundle.localizedString("TITLE_USED"), bundle.localizedString("TITLE_FREE"),
         bundle.localizedString("TITLE_TOTAL"), bundle.localizedString("TITLE_REMAINING") });
 

@@ -1,0 +1,276 @@
+// SPDX-License-Identifier: MIT
+// Every window, alert and menu with the controller's own texts, in the languages that are hardest on a layout.
+#include "desktop/MainWindows.h"
+#include "desktop/Text.h"
+#include "platform/AtomicFile.h"
+#include "platform/PropertyList.h"
+#include "tests/support/ControllerTest.h"
+
+#include <QtWidgets>
+
+#include <set>
+
+namespace {
+
+using platform::LoadError;
+
+platform::Dictionary readTable(std::filesystem::path const& folder, std::string const& language)
+{
+    auto const bytes = platform::readFile(folder / (language + ".lproj") / "Localizable.strings");
+    return *platform::readPropertyList(bytes.value());
+}
+
+/// A provider's page that speaks of an error whatever it is asked.
+struct FailingPage final : platform::WebEngine {
+    void load(std::string const& /*url*/) override { }
+    bool isLoading() const override { return false; }
+    void evaluate(std::string const& /*script*/, platform::WebView::Completion completion) override
+    {
+        if (completion)
+            completion("error");
+    }
+};
+
+/// What a user of a screen can read at a widget, or hear.
+QStringList textsOf(QWidget const& widget)
+{
+    QStringList texts { widget.windowTitle(), widget.toolTip(), widget.accessibleName(),
+        widget.accessibleDescription() };
+    if (auto const* const label = qobject_cast<QLabel const*>(&widget))
+        texts << label->text();
+    if (auto const* const button = qobject_cast<QAbstractButton const*>(&widget))
+        texts << button->text();
+    if (auto const* const input = qobject_cast<QLineEdit const*>(&widget))
+        texts << input->text() << input->placeholderText();
+    if (auto const* const box = qobject_cast<QComboBox const*>(&widget)) {
+        for (int i = 0; i < box->count(); ++i)
+            texts << box->itemText(i);
+        texts << box->placeholderText();
+    }
+    for (auto const* const action : widget.actions())
+        texts << action->text();
+    texts.removeAll(QString());
+    // Without the marks of shortcuts.
+    return texts.replaceInStrings(QRegularExpression(QStringLiteral("&(.)")), QStringLiteral("\\1"));
+}
+
+bool fits(QWidget const& widget, QString const& text, int flags, QRect const& place)
+{
+    auto const needed = widget.fontMetrics().boundingRect(QRect(0, 0, place.width(), 9999), flags, text);
+    return needed.width() <= place.width() && needed.height() <= place.height();
+}
+
+bool isCutOff(QWidget const& widget)
+{
+    if (auto const* const label = qobject_cast<QLabel const*>(&widget))
+        return !fits(widget, label->text(), label->wordWrap() ? Qt::TextWordWrap : 0, label->contentsRect());
+    if (qobject_cast<QAbstractButton const*>(&widget))
+        return widget.sizeHint().width() > widget.width() || widget.sizeHint().height() > widget.height();
+    if (auto const* const input = qobject_cast<QLineEdit const*>(&widget)) {
+        QStyleOptionFrame option;
+        option.initFrom(input);
+        // The field keeps a margin of two pixels of its own.
+        auto const place = input->style()->subElementRect(QStyle::SE_LineEditContents, &option, input);
+        return !fits(widget, input->placeholderText(), 0, place.adjusted(2, 0, -2, 0));
+    }
+    auto const* const box = qobject_cast<QComboBox const*>(&widget);
+    // What the user named does not widen a window.
+    if (!box || box->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored)
+        return false;
+    QStyleOptionComboBox option;
+    option.initFrom(box);
+    auto const place = box->style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, box);
+    auto const texts = textsOf(widget);
+    return std::ranges::any_of(texts, [&](QString const& text) { return !fits(widget, text, 0, place); });
+}
+
+class LanguageTest : public ControllerTest {
+protected:
+    ~LanguageTest() override
+    {
+        windows_.reset();
+        QApplication::setLayoutDirection(Qt::LeftToRight);
+    }
+
+    /// Sets the language of everything, and leads through all that there is to see in it.
+    void showAllIn(std::string const& language, Qt::LayoutDirection direction)
+    {
+        auto const staged = folder.path() / "bundle";
+        std::filesystem::copy(USAGE_METER_BUNDLE, staged, std::filesystem::copy_options::recursive);
+        std::filesystem::copy(USAGE_METER_PSEUDO, staged, std::filesystem::copy_options::recursive);
+        bundle = *platform::Bundle::open(staged, { language });
+        ASSERT_EQ(bundle.language(), language);
+        // With numbers for keys and nicknames, and dates in another script, only a text of ours has Latin letters.
+        platform.dateLocale = "ja_JP";
+        QApplication::setLayoutDirection(direction);
+        showFirstStart();
+        showUsage();
+        showPreferences();
+        showDailyUsage();
+        showConversion();
+    }
+
+    void open()
+    {
+        windows_.reset();
+        launch();
+        windows_.emplace(*outlets, bundle, runLoop, "");
+        settle();
+    }
+
+    void look()
+    {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        check(toQt(title()), "status item");
+        for (auto const* const widget : QApplication::allWidgets()) {
+            auto const name = std::string(widget->metaObject()->className()) + ' ' + widget->objectName().toStdString();
+            auto const texts = textsOf(*widget);
+            for (auto const& text : texts)
+                check(text, name);
+            if (widget->isVisible() && isCutOff(*widget))
+                problems_.insert(name + " is cut off: " + texts.join(QLatin1Char('|')).toStdString());
+            if (widget->isVisible() && widget->isWindow() && (widget->width() > 1000 || widget->height() > 720))
+                problems_.insert(name + " is too large");
+        }
+    }
+
+    void lookAtAlertOf(platform::Window& window)
+    {
+        EXPECT_NE(alertOn(window), "");
+        look();
+        window.userAnswered(platform::Alert::dismissedReturn);
+    }
+
+    void showFirstStart()
+    {
+        open();
+        look();
+        outlets->confirmKeyButton.userClicked();
+        lookAtAlertOf(outlets->addKeyWindow);
+        outlets->autoRetrieveCodeButton.userClicked();
+        settle();
+        lookAtAlertOf(outlets->addKeyWindow);
+        setReply("11", 10);
+        for (auto const* const nickname : { "1", "2", "2" }) {
+            outlets->addKeyButton.userClicked();
+            outlets->keyNewNickname.userTyped(nickname);
+            outlets->usageID.userTyped("11");
+            outlets->confirmKeyButton.userClicked();
+        }
+        lookAtAlertOf(outlets->addKeyWindow);
+        outlets->cancelButton.userClicked();
+        settle();
+    }
+
+    void showUsage()
+    {
+        windows_->showUsageWindowWithMenu(desktop);
+        look();
+        outlets->usageLimit.userTyped("100");
+        outlets->useConnectionButton.userClicked();
+        look();
+        settle();
+        advance(1s);
+        look();
+        outlets->updateIntervalPopupButton.userSelected(0);
+        settle();
+        look();
+        failReply("11");
+        refresh();
+        look();
+    }
+
+    void showPreferences()
+    {
+        controller->showPreferences();
+        outlets->clearCacheButton.userClicked();
+        advance(2s);
+        look();
+        outlets->removeKeyButton.userClicked();
+        lookAtAlertOf(outlets->window);
+    }
+
+    void showDailyUsage()
+    {
+        auto& detailed = outlets->detailedUsage;
+        outlets->detailedUsageButton.userClicked();
+        detailed.usageWebView.engine = &page_;
+        detailed.window.toggleFullScreen();
+        QCoreApplication::processEvents();
+        settle();
+        // However large the screen is.
+        detailed.window.toggleFullScreen();
+        look();
+        detailed.exitFullScreen.hidden.set(false);
+        for (auto const error : { LoadError::Unreachable, LoadError::NameNotResolved, LoadError::CertificateNotTrusted,
+                 LoadError::BadAnswer, LoadError::Stopped, LoadError::PageLost, LoadError::EngineMissing,
+                 LoadError::EngineNotIsolated }) {
+            detailed.usageWebView.delegate->didFailLoadWithError(error);
+            look();
+            detailed.window.userAnswered(platform::Alert::firstButtonReturn);
+            settle();
+        }
+        detailed.usageWebView.delegate->didFinishLoadForFrame();
+        lookAtAlertOf(detailed.window);
+    }
+
+    void showConversion()
+    {
+        defaults.remove(settings::tarvoKeys);
+        defaults.set(settings::tarvoId, "33");
+        open();
+        lookAtAlertOf(outlets->window);
+    }
+
+    FailingPage page_;
+    std::optional<MainWindows> windows_;
+    std::set<std::string> seen_;
+    std::set<std::string> problems_;
+
+private:
+    void check(QString const& text, std::string const& place)
+    {
+        seen_.insert(text.toStdString());
+        // In brackets, or one of the texts that are the same in every language.
+        static QRegularExpression const known(QStringLiteral("\\[[^]]*\\]|[MGTP]B|Error|Home|Usage Meter"));
+        static QRegularExpression const letter(QStringLiteral("\\p{Latin}"));
+        if (bundle.language() == "qps" && QString(text).remove(known).contains(letter))
+            problems_.insert(place + " has a text that nobody can translate: " + text.toStdString());
+    }
+};
+
+}
+
+TEST_F(LanguageTest, NoTextIsLeftOverOrCutOffInTheTestLanguage)
+{
+    showAllIn("qps", Qt::LeftToRight);
+    EXPECT_EQ(problems_, std::set<std::string>());
+
+    // All was seen, but for what other programs show.
+    auto const english = readTable(USAGE_METER_BUNDLE, "en");
+    for (auto const& [key, value] : readTable(USAGE_METER_PSEUDO, "qps")) {
+        auto const& text = *value.as<std::string>();
+        auto const shown = text.substr(0, text.find('%'));
+        bool const isElsewhere = std::ranges::any_of(std::array { "NOTIFICATION_", "DETAILED_USAGE_WARNING" },
+            [&](char const* beginning) { return key.starts_with(beginning); });
+        EXPECT_TRUE(isElsewhere || std::ranges::any_of(seen_, [&](auto const& each) { return each.find(shown) + 1; }))
+            << key;
+        auto const& original = *platform::entry<std::string>(english, key);
+        EXPECT_GE(toQt(text).size(), toQt(original).size() * 14 / 10 + 2) << key;
+        EXPECT_EQ(std::ranges::count(text, '%'), std::ranges::count(original, '%')) << key;
+        EXPECT_EQ(text.find_first_of("'\\\n"), std::string::npos) << key;
+    }
+}
+
+TEST_F(LanguageTest, NothingIsCutOffInFrench)
+{
+    showAllIn("fr", Qt::LeftToRight);
+    EXPECT_EQ(problems_, std::set<std::string>());
+}
+
+TEST_F(LanguageTest, NothingIsCutOffWhereOneReadsFromTheRight)
+{
+    showAllIn("qps", Qt::RightToLeft);
+    EXPECT_EQ(problems_, std::set<std::string>());
+}
