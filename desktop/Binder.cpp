@@ -53,23 +53,27 @@ QComboBox& Binder::comboBox(char const* outlet)
 
 Binder::Binder(QWidget& window, platform::Bundle const& bundle, platform::RunLoop const& runLoop)
     : window_(window)
+    , bundle_(bundle)
     , runLoop_(runLoop)
 {
-    localizeTexts(bundle);
+    localizeTexts();
 }
 
-void Binder::localizeTexts(platform::Bundle const& bundle)
+QString Binder::localized(QString const& key) const { return toQt(bundle_.localizedString(key.toStdString())); }
+
+void Binder::localizeTexts()
 {
-    auto const localized = [&bundle](QString const& key) { return toQt(bundle.localizedString(key.toStdString())); };
     for (auto* const label : window_.findChildren<QLabel*>()) {
         if (!label->text().isEmpty())
             label->setText(localized(label->text()));
-        if (auto* const named = label->buddy())
+        if (auto* const named = label->buddy()) {
             named->setAccessibleName(label->text());
+            label->setText(asLabel(label->text().toStdString()));
+        }
     }
     for (auto* const button : window_.findChildren<QAbstractButton*>()) {
         if (!button->text().isEmpty())
-            button->setText(asLabel(bundle.localizedString(button->text().toStdString())));
+            button->setText(asLabel(bundle_.localizedString(button->text().toStdString())));
     }
     for (auto* const input : window_.findChildren<QLineEdit*>()) {
         if (!input->placeholderText().isEmpty())
@@ -175,7 +179,11 @@ void Binder::bindLabel(char const* outlet, platform::TextField& model)
 {
     auto& label = widget<QLabel>(outlet);
     label.setTextFormat(Qt::PlainText);
-    keep(model.text.observe([&label](std::string const& text) { label.setText(toQt(text)); }));
+    // A figure stands in the table with its meaning around it; by ear it needs to say what it is.
+    keep(model.text.observe([&label, spoken = label.accessibleName()](std::string const& text) {
+        label.setText(toQt(text));
+        label.setAccessibleName(filledIn(spoken, toQt(text)));
+    }));
     keep(model.toolTip.observe([&label](std::string const& text) { label.setToolTip(toQt(text)); }));
     mirrorHidden(label, model.hidden);
     mirrorOpacity(label, model.opacity);
@@ -196,6 +204,8 @@ void Binder::bindInput(char const* outlet, platform::TextField& model)
 void Binder::bind(char const* outlet, platform::LevelIndicator& model)
 {
     auto& bar = widget<LevelBar>(outlet);
+    bar.setDescriptions({ localized(QStringLiteral("LEVEL_NORMAL")), localized(QStringLiteral("LEVEL_WARNING")),
+        localized(QStringLiteral("LEVEL_CRITICAL")) });
     keep(model.maxValue.observe([&bar](double value) { bar.setMaximum(value); }));
     keep(model.doubleValue.observe([&bar](double value) { bar.setValue(value); }));
     keep(model.warningValue.observe([&bar](double value) { bar.setWarningValue(value); }));

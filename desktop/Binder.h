@@ -57,11 +57,13 @@ private:
     QComboBox& comboBox(char const* outlet);
     void keep(platform::Subscription subscription) { subscriptions_.push_back(std::move(subscription)); }
     /// Layouts hold the keys of their texts.
-    void localizeTexts(platform::Bundle const& bundle);
+    void localizeTexts();
+    QString localized(QString const& key) const;
     void mirrorHidden(QWidget& widget, platform::Property<bool>& hidden);
     void mirrorOpacity(QWidget& widget, platform::Opacity& opacity);
 
     QWidget& window_;
+    platform::Bundle const& bundle_;
     platform::RunLoop const& runLoop_;
     WheelGuard wheelGuard_;
     std::vector<std::unique_ptr<WebViewMirror>> webViews_;

@@ -5,6 +5,7 @@
 
 #include "platform/Menu.h"
 
+#include <QCoreApplication>
 #include <QDBusMetaType>
 
 #include <utility>
@@ -52,6 +53,11 @@ QList<StatusPixmap> StatusNotifierItem::iconPixmap()
     return pixmaps_;
 }
 
+QString StatusNotifierItem::accessibleDescription() const
+{
+    return QCoreApplication::applicationName() + QLatin1String(": ") + title();
+}
+
 StatusToolTip StatusNotifierItem::toolTip() const { return { {}, {}, title(), details().toHtmlEscaped() }; }
 
 void StatusNotifierItem::Activate(int /*x*/, int /*y*/) { Q_EMIT menuRequested(); }
@@ -85,8 +91,8 @@ void StatusNotifierItem::update()
         Q_EMIT NewTitle();
         Q_EMIT XAyatanaNewLabel(told_.title, told_.title);
     }
-    // Where the label is shown the icon is empty, whatever the title says.
-    if (told_.look != before.look || (isNewTitle && look_ != StatusLook::Label))
+    // Panels read the icon's description anew with the icon, even where it is empty.
+    if (isNewTitle || told_.look != before.look)
         Q_EMIT NewIcon();
     if (isNewTitle || told_.details != before.details)
         Q_EMIT NewToolTip();

@@ -40,6 +40,7 @@ class StatusNotifierItem : public QObject {
     Q_PROPERTY(QString XAyatanaLabelGuide READ title)
     Q_PROPERTY(QString IconName READ iconName CONSTANT)
     Q_PROPERTY(QList<StatusPixmap> IconPixmap READ iconPixmap)
+    Q_PROPERTY(QString IconAccessibleDesc READ accessibleDescription)
     Q_PROPERTY(StatusToolTip ToolTip READ toolTip)
     Q_PROPERTY(bool ItemIsMenu READ itemIsMenu CONSTANT)
     Q_PROPERTY(QDBusObjectPath Menu READ menu CONSTANT)
@@ -59,6 +60,8 @@ public:
     QString title() const { return QString::fromStdString(item_.title.get()); }
     QString iconName() const { return {}; }
     QList<StatusPixmap> iconPixmap();
+    /// What the item is and says, for panels that read it out.
+    QString accessibleDescription() const;
     StatusToolTip toolTip() const;
     bool itemIsMenu() const { return true; }
     QDBusObjectPath menu() const { return QDBusObjectPath(QLatin1String(menuPath)); }

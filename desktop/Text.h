@@ -30,6 +30,9 @@ inline QString asLabel(std::string_view text)
     return toQt(text).replace(QLatin1Char('&'), QLatin1String("&&")).replace(QLatin1Char('\t'), QLatin1Char(' '));
 }
 
+/// A pattern's text, with this in its place for one.
+inline QString filledIn(QString pattern, QString const& text) { return pattern.replace(QLatin1String("%@"), text); }
+
 /// A text for a window's title, where Qt would take "[*]" for the mark of a change.
 inline QString asWindowTitle(std::string_view text)
 {

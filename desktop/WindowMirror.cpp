@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/WindowMirror.h"
 
+#include "desktop/Mnemonics.h"
 #include "desktop/Text.h"
 #include "platform/Bundle.h"
 
@@ -9,6 +10,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QShortcut>
 
 namespace {
 
@@ -71,6 +73,9 @@ void WindowMirror::buildWidget()
     build_(*widget_);
     binder_ = std::make_unique<Binder>(*widget_, bundle_, runLoop_);
     bind_(*binder_);
+    assignMnemonics(*widget_);
+    QObject::connect(
+        new QShortcut(QKeySequence::Close, widget_.get()), &QShortcut::activated, widget_.get(), &QDialog::close);
     widget_->installEventFilter(this);
 
     auto const keep
@@ -142,6 +147,7 @@ void WindowMirror::showAlert()
     sheet_->setWindowModality(Qt::WindowModal);
     sheet_->setIcon(icon(alert->style));
     sheet_->setText(toQt(alert->messageText));
+    sheet_->setAccessibleName(sheet_->text());
     sheet_->setInformativeText(toQt(alert->informativeText));
     // The box's own text format leaves its informative text out.
     for (auto* const label : sheet_->findChildren<QLabel*>())
@@ -169,6 +175,7 @@ void WindowMirror::showAlert()
         model_.userAnswered(
             dismissed ? platform::Alert::dismissedReturn : clicked->property(returnCodeProperty).toInt());
     });
+    assignMnemonics(*sheet_);
     sheet_->installEventFilter(this);
     sheet_->open();
 }

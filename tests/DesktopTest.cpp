@@ -132,7 +132,7 @@ TEST_F(MainWindowsTest, ASheetShowsPlainTextAndAnswersByKey)
             { "<b>bold</b> & one", std::string(10'000, 'W'), buttons }, [&answered](int answer) { answered = answer; });
         auto* const sheet = window().findChild<QMessageBox*>();
         ASSERT_NE(sheet, nullptr);
-        EXPECT_EQ(sheet->defaultButton()->text(), "Fish && Chips");
+        EXPECT_EQ(sheet->defaultButton()->text(), "&Fish && Chips");
         EXPECT_TRUE(sheet->width() < 1000 && sheet->height() < 600) << "overlong texts stay on the screen";
         for (char const* const label : { "qt_msgbox_label", "qt_msgbox_informativelabel" })
             EXPECT_EQ(sheet->findChild<QLabel*>(QLatin1String(label))->textFormat(), Qt::PlainText) << label;

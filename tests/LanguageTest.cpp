@@ -63,7 +63,9 @@ bool fits(QWidget const& widget, QString const& text, int flags, QRect const& pl
 bool isCutOff(QWidget const& widget)
 {
     if (auto const* const label = qobject_cast<QLabel const*>(&widget))
-        return !fits(widget, label->text(), label->wordWrap() ? Qt::TextWordWrap : 0, label->contentsRect());
+        return !fits(widget, label->text(),
+            (label->wordWrap() ? Qt::TextWordWrap : 0) | (label->buddy() ? Qt::TextShowMnemonic : 0),
+            label->contentsRect());
     if (qobject_cast<QAbstractButton const*>(&widget))
         return widget.sizeHint().width() > widget.width() || widget.sizeHint().height() > widget.height();
     if (auto const* const input = qobject_cast<QLineEdit const*>(&widget)) {
@@ -236,7 +238,7 @@ private:
     {
         seen_.insert(text.toStdString());
         // In brackets, or one of the texts that are the same in every language.
-        static QRegularExpression const known(QStringLiteral("\\[[^]]*\\]|[MGTP]B|Error|Home|Usage Meter"));
+        static QRegularExpression const known(QStringLiteral("(\\[([^][]|(?1))*\\])|[MGTP]B|Error|Home|Usage Meter"));
         static QRegularExpression const letter(QStringLiteral("\\p{Latin}"));
         if (bundle.language() == "qps" && QString(text).remove(known).contains(letter))
             problems_.insert(place + " has a text that nobody can translate: " + text.toStdString());

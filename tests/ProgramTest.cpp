@@ -114,13 +114,7 @@ TEST_F(ProgramTest, AnswersItsUserWhileTheProviderDoesNot)
 
 TEST_F(ProgramTest, ASecondStartShowsThePreferencesOfTheFirstAndTheDisplaysEndLosesNothing)
 {
-    QProcess screen;
-    screen.start(QStringLiteral("Xvfb"), { "-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "800x600x24" });
-    ASSERT_TRUE(screen.waitForReadyRead()) << "is Xvfb installed?";
-    qputenv("DISPLAY", ':' + screen.readLine().trimmed());
-    qputenv("QT_QPA_PLATFORM", "xcb");
-    for (auto const* const variable : { "DISPLAY", "QT_QPA_PLATFORM" })
-        program_.setVariable(variable, qgetenv(variable).constData());
+    startScreen();
     auto const isShown = [] {
         QStringList const search { "search", "--onlyvisible", "--name", "^Usage Meter Preferences$" };
         return QProcess::execute(QStringLiteral("xdotool"), search) == 0;
@@ -143,7 +137,7 @@ TEST_F(ProgramTest, ASecondStartShowsThePreferencesOfTheFirstAndTheDisplaysEndLo
     provider_->setReply("secretTwo", { cottageReport_, demo::Manner::Never });
     ASSERT_TRUE(click(cottage));
     ASSERT_TRUE(provider_->waitForRequests("secretTwo", 1, bound));
-    screen.kill();
+    screen_.kill();
     EXPECT_EQ(program_.waitForExit(bound), 1);
     EXPECT_EQ(storedSelection(), cottage);
     EXPECT_EQ(std::ranges::count(program_.output(), '\n'), 1) << program_.output();

@@ -21,6 +21,16 @@ struct RunningProgramTest : PanelTest {
     /// Whatever happened, a key is nobody's business.
     ~RunningProgramTest() override { EXPECT_EQ(program_.output().find("secret"), std::string::npos); }
 
+    /// Has the program, at its next start, on a display of its own.
+    void startScreen()
+    {
+        screen_.start(QStringLiteral("Xvfb"), { "-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "1280x800x24" });
+        ASSERT_TRUE(screen_.waitForReadyRead()) << "is Xvfb installed?";
+        qputenv("DISPLAY", ':' + screen_.readLine().trimmed());
+        program_.setVariable("DISPLAY", qgetenv("DISPLAY").constData());
+        program_.setVariable("QT_QPA_PLATFORM", "xcb");
+    }
+
     bool waitForTitle(std::string const& title)
     {
         return waitFor([&] { return reader_.hasItem() && reader_.title().toStdString() == title; });
@@ -48,5 +58,6 @@ struct RunningProgramTest : PanelTest {
     TemporaryFolder folder_;
     demo::CertificateFiles certificate_ = *demo::makeCertificate(folder_.path() / "certificate");
     std::unique_ptr<demo::Provider> provider_ = demo::Provider::start(certificate_);
+    QProcess screen_;
     ProgramUnderTest program_;
 };

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusObjectPath>
+#include <QVariant>
+
+#include <string>
+#include <vector>
+
+/// Where assistive technologies find an object of a program: (so)
+struct AccessiblePlace {
+    QString service;
+    QDBusObjectPath path;
+};
+
+Q_DECLARE_METATYPE(AccessiblePlace)
+
+/// What they are told of it.
+struct Accessible {
+    AccessiblePlace place;
+    std::string role;
+    std::string name;
+    std::string description;
+    bool isShowing = false;
+    bool isFocusable = false;
+    bool isFocused = false;
+    /// The keys of its first action.
+    std::string keys;
+};
+
+/// Reads other programs' windows over the accessibility bus of the session, as a screen reader does.
+class AccessibleTree {
+public:
+    AccessibleTree();
+
+    /// All that shows in the window of this title, itself first; empty as long as no program shows such a window.
+    std::vector<Accessible> window(std::string const& title) const;
+    /// A number of an object that has a value, such as "CurrentValue".
+    double number(Accessible const& accessible, char const* property) const;
+    /// Does what the object is there for.
+    void act(Accessible const& accessible) const;
+
+private:
+    QVariant call(AccessiblePlace const& place, char const* interface, char const* method,
+        QVariantList const& arguments = {}) const;
+    QVariant property(AccessiblePlace const& place, char const* interface, char const* name) const;
+    std::vector<AccessiblePlace> children(AccessiblePlace const& place) const;
+    Accessible read(AccessiblePlace const& place) const;
+    void addShowing(std::vector<Accessible>& found, AccessiblePlace const& place) const;
+
+    QDBusConnection bus_;
+};
