@@ -1,0 +1,228 @@
+#!/bin/bash
+# SPDX-License-Identifier: MIT
+# What script/run and script/gallery share: a session of its own for the program, on a stand-in provider, and pictures
+# of its windows. Whoever reads this in has said where the program was built ($build) and what folder it may use
+# ($stage).
+
+log=$stage/log
+shots=$stage/screenshots
+showStatus=(env LC_ALL=C.UTF-8 "$build/bin/usage-meter-status")
+runtime=
+program=
+started=()
+
+fail() {
+    echo "script/${0##*/}: $1" >&2
+    exit 1
+}
+
+# Asks again and again until the answer is yes; fails when that takes longer than the seconds given.
+waitFor() {
+    local deadline=$((SECONDS + $1))
+    shift
+    until "$@"; do
+        ((SECONDS < deadline)) || return 1
+        sleep 0.05
+    done
+}
+
+# Processes that a bus of ours has started are nobody's children; they are known by our runtime folder.
+findStarted() {
+    local found
+    [[ -n $runtime ]] || return 0
+    mapfile -t found < <(env -u XDG_RUNTIME_DIR grep -lsz "^XDG_RUNTIME_DIR=$runtime\$" /proc/[0-9]*/environ)
+    found=("${found[@]#/proc/}")
+    started+=("${found[@]%/environ}")
+}
+
+signalAll() {
+    local pid left=()
+    findStarted
+    for pid in "${started[@]}"; do
+        [[ ! -d /proc/$pid ]] || left+=("$pid")
+    done
+    started=("${left[@]}")
+    ((${#left[@]} == 0)) || ! kill -s "$1" "${left[@]}" 2>/dev/null
+}
+
+isEndedBy() {
+    ! kill -s "$1" "$2" 2>/dev/null
+}
+
+noneLeftAfter() {
+    signalAll "$1"
+    ((${#started[@]} == 0))
+}
+
+finish() {
+    local status=$?
+    trap - EXIT
+    trap '' INT TERM HUP
+    # Before its display and its bus go, so that it ends in good order.
+    [[ -z $program ]] || waitFor 3 isEndedBy TERM "$program" || true
+    waitFor 5 noneLeftAfter TERM || waitFor 5 noneLeftAfter KILL || true
+    [[ -z $runtime ]] || rm -rf "$runtime"
+    exit "$status"
+}
+
+# A signal interrupts this wait, where it would not interrupt a command in the foreground.
+await() {
+    setpriv --pdeathsig TERM -- "$@" &
+    started+=($!)
+    wait $!
+}
+
+start() {
+    local name=$1
+    shift
+    setpriv --pdeathsig TERM -- "$@" >"$log/$name" 2>&1 &
+    started+=($!)
+}
+
+# Starts a program that announces itself with one line once it is ready, and leaves that line in $announced.
+startAnnounced() {
+    local name=$1 output
+    shift
+    exec {output}< <(exec setpriv --pdeathsig TERM -- "$@" 2>"$log/$name")
+    started+=($!)
+    read -r -t 20 -u "$output" announced || fail "$name did not start; see $log/$name"
+}
+
+startProvider() {
+    startAnnounced provider "$build/bin/usage-meter-provider" --folder "$stage/certificate"
+    host=${announced#https://}
+}
+
+stageBundle() {
+    cmake -DBUILD="$build" -DSTAGE="$stage" -DHOME="$HOME" -DHOST="$host" \
+        -DAUTHORITY="$stage/certificate/authority.pem" -P demo/StageBundle.cmake
+}
+
+# The X server's secret stays where it was although the home moves.
+useHome() {
+    export XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority}
+    export HOME=$1
+    export XDG_CONFIG_HOME=$HOME/config XDG_CACHE_HOME=$HOME/cache XDG_DATA_HOME=$HOME/data XDG_STATE_HOME=$HOME/state
+    export no_proxy=localhost NO_PROXY=localhost
+    mkdir -p "$XDG_CONFIG_HOME" "$XDG_CACHE_HOME" "$XDG_DATA_HOME" "$XDG_STATE_HOME"
+}
+
+# The web engine knows the user's own authorities from a database in the home.
+trustProvider() {
+    local database=sql:$HOME/.pki/nssdb
+    mkdir -p "$HOME/.pki/nssdb"
+    certutil -L -d "$database" >/dev/null 2>&1 || certutil -N -d "$database" --empty-password
+    certutil -D -d "$database" -n provider 2>/dev/null || true
+    certutil -A -d "$database" -n provider -t C,, -i "$stage/certificate/authority.pem"
+    # It isolates its pages, which it cannot do as root.
+    ((EUID != 0)) || export QTWEBENGINE_DISABLE_SANDBOX=1
+}
+
+# A display of this size and a bus.
+startSession() {
+    runtime=$(mktemp -d)
+    export XDG_RUNTIME_DIR=$runtime
+    unset XAUTHORITY
+    startAnnounced display Xvfb -displayfd 1 -screen 0 "$1x24" -nolisten tcp
+    export DISPLAY=:$announced
+    startAnnounced bus dbus-daemon --session --nofork --nopidfile --print-address=1
+    export DBUS_SESSION_BUS_ADDRESS=$announced
+}
+
+startPanel() {
+    start panel env NO_AT_BRIDGE=1 "$@"
+    panel=${started[-1]}
+    await gdbus wait --session --timeout 20 org.kde.StatusNotifierWatcher || fail "the panel did not start; see $log/panel"
+}
+
+startProgram() {
+    start program env LC_ALL=en_US.UTF-8 "$@" "$stage/bin/usage-meter"
+    program=${started[-1]}
+}
+
+endProgram() {
+    waitFor 3 isEndedBy TERM "$program" || fail "the program does not end"
+}
+
+visibleWindows() {
+    xdotool search --onlyvisible "$@" 2>/dev/null | sort
+}
+
+# Whether a picture shows something, and the same as the last time: then the drawing is done.
+isDrawn() {
+    local before=$drawn
+    import "$@" 2>>"$log/screenshots" || return 1
+    drawn=$(identify -format '%# %k' "${!#}")
+    [[ $drawn == "$before" && $drawn != *' 1' ]]
+}
+
+capture() {
+    local picture=$shots/$1.png
+    drawn=
+    waitFor 10 isDrawn -window "$2" "$picture" || fail "$1 shows nothing; see $picture"
+    echo "$picture"
+}
+
+# The area is a sliver until the item is in it.
+findStatusArea() {
+    local width
+    window=$(visibleWindows --class notification-area-applet | tail -n 1)
+    [[ -n $window ]] || return 1
+    width=$(xdotool getwindowgeometry --shell "$window" | sed -n 's/^WIDTH=//p')
+    ((width > 8))
+}
+
+findNewWindow() {
+    window=$(comm -13 <(echo "$1") <(visibleWindows --pid "$program") | head -n 1)
+    [[ -n $window ]]
+}
+
+openWindow() {
+    local before
+    before=$(visibleWindows --pid "$program" || true)
+    await "${showStatus[@]}" --click "$1" || fail "\"$1\" cannot be clicked"
+    waitFor 20 findNewWindow "$before" || fail "\"$1\" opened no window"
+}
+
+captureWindow() {
+    openWindow "$2"
+    capture "$1" "$window"
+}
+
+isBlank() {
+    [[ $(convert "$1" -crop "$2" -format %k info:) == 1 ]]
+}
+
+# A page takes its time. The choice of a month is shown with it, and its table begins right of there, further down.
+isPageDrawn() {
+    isDrawn -window "$window" "$1" && ! isBlank "$1" 100x20+30+12 && ! isBlank "$1" 400x40+30+280
+}
+
+captureDailyUsage() {
+    local picture=$shots/$1.png
+    openWindow "Daily Usage"
+    drawn=
+    waitFor 30 isPageDrawn "$picture" || fail "the provider's page does not come; see $picture and $log/program"
+    echo "$picture"
+}
+
+findAddKeyWindow() {
+    window=$(visibleWindows --name '^Add a Connection$' | tail -n 1)
+    [[ -n $window ]]
+}
+
+# Without settings the program asks for a key by itself.
+captureFirstStart() {
+    endProgram
+    startProgram XDG_CONFIG_HOME="$HOME/first-start"
+    waitFor 20 findAddKeyWindow || fail "a first start does not ask for a key"
+    capture "$1" "$window"
+}
+
+# However the script ends, nothing of it stays.
+endInGoodOrder() {
+    trap finish EXIT
+    trap 'exit 130' INT
+    trap 'exit 143' TERM
+    trap 'exit 129' HUP
+}
