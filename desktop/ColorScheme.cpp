@@ -29,7 +29,7 @@ QPalette darkPalette()
     QPalette palette(QColor(0x35, 0x37, 0x3B), QColor(0x2B, 0x2D, 0x30));
     palette.setColor(QPalette::Base, QColor(0x1E, 0x1F, 0x22));
     palette.setColor(QPalette::AlternateBase, QColor(0x2B, 0x2D, 0x30));
-    palette.setColor(QPalette::Highlight, QColor(0x3F, 0x8F, 0x49));
+    palette.setColor(QPalette::Highlight, QColor(0x37, 0x85, 0x3F));
     palette.setColor(QPalette::Mid, QColor(0x80, 0x84, 0x8B));
     palette.setColor(QPalette::PlaceholderText, QColor(0xA0, 0xA4, 0xAB));
     palette.setColor(QPalette::ToolTipBase, QColor(0x2B, 0x2D, 0x30));

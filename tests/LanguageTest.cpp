@@ -1,35 +1,19 @@
 // SPDX-License-Identifier: MIT
 // Every window, alert and menu with the controller's own texts, in the languages that are hardest on a layout.
-#include "desktop/MainWindows.h"
 #include "desktop/Text.h"
 #include "platform/AtomicFile.h"
 #include "platform/PropertyList.h"
-#include "tests/support/ControllerTest.h"
-
-#include <QtWidgets>
+#include "tests/support/EveryWindowTest.h"
 
 #include <set>
 
 namespace {
-
-using platform::LoadError;
 
 platform::Dictionary readTable(std::filesystem::path const& folder, std::string const& language)
 {
     auto const bytes = platform::readFile(folder / (language + ".lproj") / "Localizable.strings");
     return *platform::readPropertyList(bytes.value());
 }
-
-/// A provider's page that speaks of an error whatever it is asked.
-struct FailingPage final : platform::WebEngine {
-    void load(std::string const& /*url*/) override { }
-    bool isLoading() const override { return false; }
-    void evaluate(std::string const& /*script*/, platform::WebView::Completion completion) override
-    {
-        if (completion)
-            completion("error");
-    }
-};
 
 /// What a user of a screen can read at a widget, or hear.
 QStringList textsOf(QWidget const& widget)
@@ -86,13 +70,9 @@ bool isCutOff(QWidget const& widget)
     return std::ranges::any_of(texts, [&](QString const& text) { return !fits(widget, text, 0, place); });
 }
 
-class LanguageTest : public ControllerTest {
+class LanguageTest : public EveryWindowTest {
 protected:
-    ~LanguageTest() override
-    {
-        windows_.reset();
-        QApplication::setLayoutDirection(Qt::LeftToRight);
-    }
+    ~LanguageTest() override { QApplication::setLayoutDirection(Qt::LeftToRight); }
 
     /// Sets the language of everything, and leads through all that there is to see in it.
     void showAllIn(std::string const& language, Qt::LayoutDirection direction)
@@ -102,25 +82,11 @@ protected:
         std::filesystem::copy(USAGE_METER_PSEUDO, staged, std::filesystem::copy_options::recursive);
         bundle = *platform::Bundle::open(staged, { language });
         ASSERT_EQ(bundle.language(), language);
-        // With numbers for keys and nicknames, and dates in another script, only a text of ours has Latin letters.
-        platform.dateLocale = "ja_JP";
         QApplication::setLayoutDirection(direction);
-        showFirstStart();
-        showUsage();
-        showPreferences();
-        showDailyUsage();
-        showConversion();
+        showAll();
     }
 
-    void open()
-    {
-        windows_.reset();
-        launch();
-        windows_.emplace(*outlets, bundle, runLoop, "");
-        settle();
-    }
-
-    void look()
+    void look() override
     {
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -137,99 +103,6 @@ protected:
         }
     }
 
-    void lookAtAlertOf(platform::Window& window)
-    {
-        EXPECT_NE(alertOn(window), "");
-        look();
-        window.userAnswered(platform::Alert::dismissedReturn);
-    }
-
-    void showFirstStart()
-    {
-        open();
-        look();
-        outlets->confirmKeyButton.userClicked();
-        lookAtAlertOf(outlets->addKeyWindow);
-        outlets->autoRetrieveCodeButton.userClicked();
-        settle();
-        lookAtAlertOf(outlets->addKeyWindow);
-        setReply("11", 10);
-        for (auto const* const nickname : { "1", "2", "2" }) {
-            outlets->addKeyButton.userClicked();
-            outlets->keyNewNickname.userTyped(nickname);
-            outlets->usageID.userTyped("11");
-            outlets->confirmKeyButton.userClicked();
-        }
-        lookAtAlertOf(outlets->addKeyWindow);
-        outlets->cancelButton.userClicked();
-        settle();
-    }
-
-    void showUsage()
-    {
-        windows_->showUsageWindowWithMenu(desktop);
-        look();
-        outlets->usageLimit.userTyped("100");
-        outlets->useConnectionButton.userClicked();
-        look();
-        settle();
-        advance(1s);
-        look();
-        outlets->updateIntervalPopupButton.userSelected(0);
-        settle();
-        look();
-        failReply("11");
-        refresh();
-        look();
-    }
-
-    void showPreferences()
-    {
-        controller->showPreferences();
-        outlets->clearCacheButton.userClicked();
-        advance(2s);
-        look();
-        outlets->removeKeyButton.userClicked();
-        lookAtAlertOf(outlets->window);
-        desktop.isDiskFull = true;
-        outlets->startAtLoginToggle.userToggled(true);
-        lookAtAlertOf(outlets->window);
-    }
-
-    void showDailyUsage()
-    {
-        auto& detailed = outlets->detailedUsage;
-        outlets->detailedUsageButton.userClicked();
-        detailed.usageWebView.engine = &page_;
-        detailed.window.toggleFullScreen();
-        QCoreApplication::processEvents();
-        settle();
-        // However large the screen is.
-        detailed.window.toggleFullScreen();
-        look();
-        detailed.exitFullScreen.hidden.set(false);
-        for (auto const error : { LoadError::Unreachable, LoadError::NameNotResolved, LoadError::CertificateNotTrusted,
-                 LoadError::BadAnswer, LoadError::Stopped, LoadError::PageLost, LoadError::EngineMissing,
-                 LoadError::EngineNotIsolated }) {
-            detailed.usageWebView.delegate->didFailLoadWithError(error);
-            look();
-            detailed.window.userAnswered(platform::Alert::firstButtonReturn);
-            settle();
-        }
-        detailed.usageWebView.delegate->didFinishLoadForFrame();
-        lookAtAlertOf(detailed.window);
-    }
-
-    void showConversion()
-    {
-        defaults.remove(settings::tarvoKeys);
-        defaults.set(settings::tarvoId, "33");
-        open();
-        lookAtAlertOf(outlets->window);
-    }
-
-    FailingPage page_;
-    std::optional<MainWindows> windows_;
     std::set<std::string> seen_;
     std::set<std::string> problems_;
 

@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "desktop/MainWindows.h"
+#include "tests/support/ControllerTest.h"
+
+#include <QtWidgets>
+
+/// A provider's page that speaks of an error whatever it is asked.
+struct FailingPage final : platform::WebEngine {
+    void load(std::string const& /*url*/) override { }
+    bool isLoading() const override { return false; }
+    void evaluate(std::string const& /*script*/, platform::WebView::Completion completion) override
+    {
+        if (completion)
+            completion("error");
+    }
+};
+
+/// Leads through every window, alert and state of the program, as its controller brings them about, and has a look at
+/// each.
+class EveryWindowTest : public ControllerTest {
+protected:
+    ~EveryWindowTest() override { windows_.reset(); }
+
+    /// At all that is on the screen now.
+    virtual void look() = 0;
+
+    void showAll()
+    {
+        // With numbers for keys and nicknames, and dates in another script, only a text of ours has Latin letters.
+        platform.dateLocale = "ja_JP";
+        showFirstStart();
+        showUsage();
+        showPreferences();
+        showDailyUsage();
+        showConversion();
+    }
+
+    void open()
+    {
+        windows_.reset();
+        launch();
+        windows_.emplace(*outlets, bundle, runLoop, "");
+        for (auto* const window :
+            { &outlets->window, &outlets->addKeyWindow, &outlets->monitorWindow, &outlets->detailedUsage.window })
+            window->effectiveAppearance.set(appearance_);
+        settle();
+    }
+
+    void lookAtAlertOf(platform::Window& window)
+    {
+        EXPECT_NE(alertOn(window), "");
+        look();
+        window.userAnswered(platform::Alert::dismissedReturn);
+    }
+
+    void showFirstStart()
+    {
+        open();
+        look();
+        outlets->confirmKeyButton.userClicked();
+        lookAtAlertOf(outlets->addKeyWindow);
+        outlets->autoRetrieveCodeButton.userClicked();
+        settle();
+        lookAtAlertOf(outlets->addKeyWindow);
+        setReply("11", 10);
+        for (auto const* const nickname : { "1", "2", "2" }) {
+            outlets->addKeyButton.userClicked();
+            outlets->keyNewNickname.userTyped(nickname);
+            outlets->usageID.userTyped("11");
+            outlets->confirmKeyButton.userClicked();
+        }
+        lookAtAlertOf(outlets->addKeyWindow);
+        outlets->cancelButton.userClicked();
+        settle();
+    }
+
+    void showUsage()
+    {
+        windows_->showUsageWindowWithMenu(desktop);
+        look();
+        outlets->usageLimit.userTyped("100");
+        outlets->useConnectionButton.userClicked();
+        look();
+        settle();
+        advance(1s);
+        look();
+        outlets->updateIntervalPopupButton.userSelected(0);
+        settle();
+        look();
+        failReply("11");
+        refresh();
+        look();
+    }
+
+    void showPreferences()
+    {
+        controller->showPreferences();
+        outlets->clearCacheButton.userClicked();
+        advance(2s);
+        look();
+        outlets->removeKeyButton.userClicked();
+        lookAtAlertOf(outlets->window);
+        desktop.isDiskFull = true;
+        outlets->startAtLoginToggle.userToggled(true);
+        lookAtAlertOf(outlets->window);
+    }
+
+    void showDailyUsage()
+    {
+        using platform::LoadError;
+        auto& detailed = outlets->detailedUsage;
+        outlets->detailedUsageButton.userClicked();
+        detailed.usageWebView.engine = &page_;
+        detailed.window.toggleFullScreen();
+        QCoreApplication::processEvents();
+        settle();
+        // However large the screen is.
+        detailed.window.toggleFullScreen();
+        look();
+        detailed.exitFullScreen.hidden.set(false);
+        for (auto const error : { LoadError::Unreachable, LoadError::NameNotResolved, LoadError::CertificateNotTrusted,
+                 LoadError::BadAnswer, LoadError::Stopped, LoadError::PageLost, LoadError::EngineMissing,
+                 LoadError::EngineNotIsolated }) {
+            detailed.usageWebView.delegate->didFailLoadWithError(error);
+            look();
+            detailed.window.userAnswered(platform::Alert::firstButtonReturn);
+            settle();
+        }
+        detailed.usageWebView.delegate->didFinishLoadForFrame();
+        lookAtAlertOf(detailed.window);
+    }
+
+    void showConversion()
+    {
+        defaults.remove(settings::tarvoKeys);
+        defaults.set(settings::tarvoId, "33");
+        open();
+        lookAtAlertOf(outlets->window);
+    }
+
+    platform::Appearance appearance_ = platform::Appearance::Light;
+    std::optional<MainWindows> windows_;
+
+private:
+    FailingPage page_;
+};
