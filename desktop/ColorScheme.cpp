@@ -3,6 +3,7 @@
 
 #include "desktop/HighContrastStyle.h"
 #include "desktop/PendingCall.h"
+#include "desktop/RoomyStyle.h"
 #include "desktop/Text.h"
 
 #include <QApplication>
@@ -10,7 +11,6 @@
 #include <QDBusMetaType>
 #include <QDBusPendingReply>
 #include <QPalette>
-#include <QStyleFactory>
 
 #include <utility>
 
@@ -152,7 +152,7 @@ void applyAppearance(platform::Appearance appearance)
     if (isHighContrast(appearance))
         QApplication::setStyle(new HighContrastStyle);
     else
-        QApplication::setStyle(QStringLiteral("Fusion"));
+        QApplication::setStyle(new RoomyStyle);
     QApplication::setPalette(palette(appearance));
 }
 

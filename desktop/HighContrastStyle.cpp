@@ -30,17 +30,12 @@ void drawControlFrame(QPainter& painter, QStyleOption const& option)
 
 }
 
-HighContrastStyle::HighContrastStyle()
-    : QProxyStyle(QStringLiteral("Fusion"))
-{
-}
-
 void HighContrastStyle::drawPrimitive(
     PrimitiveElement element, QStyleOption const* option, QPainter* painter, QWidget const* widget) const
 {
     if (element == PE_FrameFocusRect)
         return drawFrame(*painter, option->rect, option->palette.color(QPalette::Highlight), 2);
-    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    RoomyStyle::drawPrimitive(element, option, painter, widget);
     switch (element) {
     case PE_PanelLineEdit:
     case PE_PanelButtonCommand:
@@ -56,7 +51,7 @@ void HighContrastStyle::drawPrimitive(
 void HighContrastStyle::drawComplexControl(
     ComplexControl control, QStyleOptionComplex const* option, QPainter* painter, QWidget const* widget) const
 {
-    QProxyStyle::drawComplexControl(control, option, painter, widget);
+    RoomyStyle::drawComplexControl(control, option, painter, widget);
     if (control == CC_ComboBox)
         drawControlFrame(*painter, *option);
 }

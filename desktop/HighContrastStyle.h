@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QProxyStyle>
+#include "desktop/RoomyStyle.h"
 
 /// The usual style with strong frames, and a stronger one around what has the focus: the usual one shades its frames
 /// after the ground, which leaves none of them on black.
-class HighContrastStyle final : public QProxyStyle {
+class HighContrastStyle final : public RoomyStyle {
 public:
-    HighContrastStyle();
-
     void drawPrimitive(
         PrimitiveElement element, QStyleOption const* option, QPainter* painter, QWidget const* widget) const override;
     void drawComplexControl(ComplexControl control, QStyleOptionComplex const* option, QPainter* painter,

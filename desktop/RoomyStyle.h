@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QProxyStyle>
+
+/// The toolkit's Fusion style, with some room between a button's letters and its edges.
+class RoomyStyle : public QProxyStyle {
+public:
+    RoomyStyle();
+
+    QSize sizeFromContents(
+        ContentsType type, QStyleOption const* option, QSize const& contents, QWidget const* widget) const override;
+};
