@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "bench/parts/Benchmarks.h"
+#include "bench/parts/ListedMenu.h"
+#include "bench/parts/RunningCore.h"
+
+#include <array>
+
+namespace {
+
+std::vector<std::string> entriesOf(std::size_t count)
+{
+    std::vector<std::string> entries { RunningCore::home };
+    while (entries.size() < count)
+        entries.push_back("Connection " + std::to_string(entries.size()) + " - key" + std::to_string(entries.size()));
+    return entries;
+}
+
+void loadKeys(benchmark::State& state, std::size_t count)
+{
+    SettledCore settled(entriesOf(count));
+    auto const& outlets = settled.core.outlets;
+    require(outlets.tarvoUsageKeysComboBox.items.get().size() == count, "all entries are in the list");
+    require(outlets.connectionMenu.items().size() == (count >= 2 ? count : 0), "a choice has its submenu");
+    for (auto _ : state) {
+        settled.core.controller.loadKeys();
+        benchmark::ClobberMemory();
+    }
+}
+
+// Another connection is picked: the same lines in a new list, with the mark on another one. Making the lines is part of
+// loading the keys, so they are made before.
+void updateMenu(benchmark::State& state, std::size_t count)
+{
+    SettledCore settled(entriesOf(count));
+    auto& outlets = settled.core.outlets;
+    ListedMenu menu(outlets.dropDownMenu);
+    auto const linesWithMarkOn = [&](std::size_t selected) {
+        outlets.tarvoUsageKeysComboBox.selectItemAtIndex(selected);
+        settled.core.controller.doUpdateSubMenu();
+        menu.runQueued();
+        return outlets.connectionMenu.items();
+    };
+    std::array const lists { linesWithMarkOn(count - 1), linesWithMarkOn(0) };
+    menu.tellsOf = 0;
+    std::size_t turn = 0;
+    for (auto _ : state) {
+        outlets.connectionMenu.setItems(lists.at(turn++ % 2));
+        menu.runQueued();
+    }
+    require(menu.tellsOf == (count >= 2 ? 2 * turn : 0), "the mark's old line and its new one are told");
+}
+
+// A refresh changes the first group of lines and leaves the submenu alone.
+void updateMenuAfterRefresh(benchmark::State& state, std::size_t count)
+{
+    SettledCore settled(entriesOf(count));
+    ListedMenu menu(settled.core.outlets.dropDownMenu);
+    struct Line {
+        std::shared_ptr<platform::MenuItem> item;
+        std::array<std::string, 2> titles;
+    };
+    std::vector<Line> lines;
+    for (auto const& item : settled.core.outlets.dropDownMenu.items()) {
+        if (item->isSeparator)
+            break;
+        if (!item->hidden.get())
+            lines.push_back({ item, { item->title.get() + "0", item->title.get() } });
+    }
+    require(lines.size() == 7, "the first group has seven lines");
+    std::size_t turn = 0;
+    for (auto _ : state) {
+        for (auto const& line : lines)
+            line.item->title.set(line.titles.at(turn % 2));
+        ++turn;
+        menu.runQueued();
+    }
+    require(menu.tellsOf == lines.size() * turn, "all lines of the first group are told");
+}
+
+}
+
+void addKeyListBenchmarks()
+{
+    for (std::size_t const count : { 1, 10, 100, 1'000, 10'000 }) {
+        auto const size = ", " + std::to_string(count) + " entries/ours";
+        add("load keys" + size, [count](benchmark::State& state) { loadKeys(state, count); });
+        add("menu update" + size, [count](benchmark::State& state) { updateMenu(state, count); });
+    }
+    add("menu update after a refresh/ours", [](benchmark::State& state) { updateMenuAfterRefresh(state, 2); });
+    add("menu update after a refresh, 10000 entries/ours",
+        [](benchmark::State& state) { updateMenuAfterRefresh(state, 10'000); });
+}

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "bench/parts/Benchmarks.h"
+#include "bench/parts/ListedMenu.h"
+#include "bench/parts/MainLoop.h"
+#include "bench/parts/RunningCore.h"
+#include "desktop/DesktopRunLoop.h"
+#include "desktop/StatusNotifierItem.h"
+#include "platform/ThreadQueues.h"
+
+namespace {
+
+constexpr char const* homeFigure = "57.3GB";
+constexpr char const* cottageFigure = "5.2GB";
+
+/// The program without its windows and without a bus, once the reports of both connections are cached.
+struct RunningProgram {
+    RunningProgram()
+    {
+        waitFor(homeFigure);
+        pick(1);
+        waitFor(cottageFigure);
+        pick(0);
+        waitFor(homeFigure);
+        require(core.provider.requests() == 2, "both connections' reports are cached");
+        mainLoop.runUntil([this] { return core.outlets.usageBar.opacity.at(runLoop.uptime()) == 1.0; });
+    }
+
+    void pick(std::size_t connection)
+    {
+        // Kept, for the click takes the line away.
+        auto const line = core.outlets.connectionMenu.items().at(connection);
+        line->userClicked();
+    }
+
+    void waitFor(std::string_view title)
+    {
+        mainLoop.runUntil([&] { return core.title() == title; });
+        ListedMenu::runQueued();
+    }
+
+    MainLoop mainLoop;
+    DesktopRunLoop runLoop;
+    platform::ThreadQueues queues;
+    RunningCore core { runLoop, queues, { RunningCore::home, RunningCore::cottage } };
+    StatusNotifierItem item { core.controller.usageStatusItem() };
+    ListedMenu menu { core.outlets.dropDownMenu };
+};
+
+// From the click to the menu: the provider's answer is at hand, all else is as in the program.
+void refresh(benchmark::State& state)
+{
+    RunningProgram program;
+    int const requestsBefore = program.core.provider.requests();
+    int refreshes = 0;
+    for (auto _ : state) {
+        program.core.controller.updateButton();
+        program.waitFor(homeFigure);
+        ++refreshes;
+    }
+    require(program.core.provider.requests() == requestsBefore + refreshes, "each refresh asks the provider");
+}
+
+void switchConnection(benchmark::State& state)
+{
+    RunningProgram program;
+    int const requestsBefore = program.core.provider.requests();
+    bool isAtHome = true;
+    for (auto _ : state) {
+        program.pick(isAtHome ? 1 : 0);
+        program.waitFor(isAtHome ? cottageFigure : homeFigure);
+        isAtHome = !isAtHome;
+    }
+    require(program.core.provider.requests() == requestsBefore, "a cached report is not asked for");
+}
+
+// What every refresh and every switch waits for at least: a thread, and the way back from it.
+void hop(benchmark::State& state)
+{
+    MainLoop const mainLoop;
+    DesktopRunLoop runLoop;
+    platform::ThreadQueues queues;
+    for (auto _ : state) {
+        bool isBack = false;
+        bool const started
+            = queues.async("usage_background", [&runLoop, &isBack] { runLoop.perform([&isBack] { isBack = true; }); });
+        require(started, "there is room for a thread");
+        mainLoop.runUntil([&isBack] { return isBack; });
+    }
+    require(queues.waitUntilIdle(std::chrono::seconds(10)), "threads end");
+}
+
+}
+
+void addRefreshBenchmarks()
+{
+    add("refresh without the network/ours", &refresh);
+    add("cached switch without the bus/ours", &switchConnection);
+    add("thread hop/bare", &hop);
+}
