@@ -50,7 +50,7 @@ void readCache(benchmark::State& state)
     FilledCache const filled;
     auto const checked = filled.cache.retrieveCachedFileWithName(FilledCache::key);
     require(checked && checked->size() == filled.report.size(), "the cached report is whole and fresh");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         auto report = filled.cache.retrieveCachedFileWithName(FilledCache::key);
         benchmark::DoNotOptimize(report);
     }
@@ -60,7 +60,7 @@ void readBare(benchmark::State& state)
 {
     FilledCache const filled;
     auto const file = filled.file();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         platform::Descriptor const opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
         struct stat status { };
         require(::fstat(opened.get(), &status) == 0 && status.st_size > 0, "the file has a size");
@@ -73,7 +73,7 @@ void readBare(benchmark::State& state)
 void saveCache(benchmark::State& state)
 {
     FilledCache const filled;
-    for (auto _ : state)
+    while (state.KeepRunning())
         require(filled.cache.saveCacheFile(filled.report, FilledCache::key), "a report can be saved");
 }
 
@@ -96,7 +96,7 @@ void saveBare(benchmark::State& state)
     FilledCache const filled;
     auto const content = platform::readFile(filled.file());
     require(content.has_value(), "the file can be read");
-    for (auto _ : state)
+    while (state.KeepRunning())
         require(replace(filled.cache.getCacheDirectory(), FilledCache::key, *content), "the file can be replaced");
 }
 

@@ -21,7 +21,7 @@ void loadKeys(benchmark::State& state, std::size_t count)
     auto const& outlets = settled.core.outlets;
     require(outlets.tarvoUsageKeysComboBox.items.get().size() == count, "all entries are in the list");
     require(outlets.connectionMenu.items().size() == (count >= 2 ? count : 0), "a choice has its submenu");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         settled.core.controller.loadKeys();
         benchmark::ClobberMemory();
     }
@@ -43,7 +43,7 @@ void updateMenu(benchmark::State& state, std::size_t count)
     std::array const lists { linesWithMarkOn(count - 1), linesWithMarkOn(0) };
     menu.tellsOf = 0;
     std::size_t turn = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         outlets.connectionMenu.setItems(lists.at(turn++ % 2));
         menu.runQueued();
     }
@@ -68,7 +68,7 @@ void updateMenuAfterRefresh(benchmark::State& state, std::size_t count)
     }
     require(lines.size() == 7, "the first group has seven lines");
     std::size_t turn = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         for (auto const& line : lines)
             line.item->title.set(line.titles.at(turn % 2));
         ++turn;
@@ -81,7 +81,7 @@ void updateMenuAfterRefresh(benchmark::State& state, std::size_t count)
 
 void addKeyListBenchmarks()
 {
-    for (std::size_t const count : { 1, 10, 100, 1'000, 10'000 }) {
+    for (std::size_t const count : { 1UL, 10UL, 100UL, 1'000UL, 10'000UL }) {
         auto const size = ", " + std::to_string(count) + " entries/ours";
         add("load keys" + size, [count](benchmark::State& state) { loadKeys(state, count); });
         add("menu update" + size, [count](benchmark::State& state) { updateMenu(state, count); });

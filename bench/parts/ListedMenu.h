@@ -18,7 +18,7 @@ struct ListedMenu {
     }
 
     /// Runs the update that waits for the end of the main loop's turn.
-    static void runQueued() { QCoreApplication::sendPostedEvents(); }
+    void runQueued() { QCoreApplication::sendPostedEvents(); }
 
     DBusMenu menu;
     /// How many times a line's new properties were told.

@@ -15,7 +15,7 @@ public:
     MainLoop() { waker_.start(std::chrono::seconds(1)); }
 
     /// Runs it until the condition holds, which is looked at after each event; ends the run after ten seconds.
-    template <typename Condition> static void runUntil(Condition const& holds)
+    template <typename Condition> void runUntil(Condition const& holds)
     {
         QDeadlineTimer const bound(std::chrono::seconds(10));
         while (!holds()) {

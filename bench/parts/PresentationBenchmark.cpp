@@ -84,7 +84,7 @@ void presentBare(benchmark::State& state)
     auto const shown = shownNumbers();
     auto const dates = shownDates();
     auto const numberFormatter = numberFormat();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         auto const dateFormatter = dateFormat();
         for (auto const date : dates) {
             auto text = formatted(*dateFormatter, date);
@@ -106,7 +106,7 @@ void present(benchmark::State& state)
     require(outlets.lastUpdateMenuItem->title.get() == "Last update: " + formatted(*dateFormat(), settled.launched),
         "both write the same dates");
     require(!outlets.usageBar.hidden.get(), "the level shows");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         settled.core.controller.updateTitleBar();
         settled.runLoop.runQueued();
         benchmark::ClobberMemory();

@@ -35,7 +35,7 @@ struct RunningProgram {
     void waitFor(std::string_view title)
     {
         mainLoop.runUntil([&] { return core.title() == title; });
-        ListedMenu::runQueued();
+        menu.runQueued();
     }
 
     MainLoop mainLoop;
@@ -52,7 +52,7 @@ void refresh(benchmark::State& state)
     RunningProgram program;
     int const requestsBefore = program.core.provider.requests();
     int refreshes = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         program.core.controller.updateButton();
         program.waitFor(homeFigure);
         ++refreshes;
@@ -65,7 +65,7 @@ void switchConnection(benchmark::State& state)
     RunningProgram program;
     int const requestsBefore = program.core.provider.requests();
     bool isAtHome = true;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         program.pick(isAtHome ? 1 : 0);
         program.waitFor(isAtHome ? cottageFigure : homeFigure);
         isAtHome = !isAtHome;
@@ -76,10 +76,10 @@ void switchConnection(benchmark::State& state)
 // What every refresh and every switch waits for at least: a thread, and the way back from it.
 void hop(benchmark::State& state)
 {
-    MainLoop const mainLoop;
+    MainLoop mainLoop;
     DesktopRunLoop runLoop;
     platform::ThreadQueues queues;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         bool isBack = false;
         bool const started
             = queues.async("usage_background", [&runLoop, &isBack] { runLoop.perform([&isBack] { isBack = true; }); });

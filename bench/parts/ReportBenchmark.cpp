@@ -15,7 +15,7 @@ void parseReport(benchmark::State& state)
     auto const parse = [&provider] { return UsageData(provider, ProviderAddresses("host")).updateUsage("demohome"); };
     auto const checked = parse();
     require(checked && checked->size() == 6, "a report has six figures");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         auto report = parse();
         benchmark::DoNotOptimize(report);
     }
@@ -43,7 +43,7 @@ void parseReportBare(benchmark::State& state)
     auto const& document = CannedProvider::report();
     xmlInitParser();
     require(parseBare(document), "a report is well-formed");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         bool const wellFormed = parseBare(document);
         benchmark::DoNotOptimize(wellFormed);
     }

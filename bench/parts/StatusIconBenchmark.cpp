@@ -10,7 +10,7 @@ void drawStatusIcons(benchmark::State& state)
     auto const checked = statusPixmaps(title, StatusLook::Icon);
     // White is in the letters alone.
     require(!checked.isEmpty() && checked.back().pixels.contains("\xff\xff\xff\xff"), "the icon has letters");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         auto pixmaps = statusPixmaps(title, StatusLook::Icon);
         benchmark::DoNotOptimize(pixmaps);
     }
