@@ -27,24 +27,32 @@ void loadKeys(benchmark::State& state, std::size_t count)
     }
 }
 
-// Another connection is picked: the same lines in a new list, with the mark on another one. Making the lines is part of
-// loading the keys, so they are made before.
+// The same lines anew, with the check mark on one of them, as loading the keys makes them.
+platform::Menu::Items madeAnew(platform::Menu::Items const& lines, std::size_t marked)
+{
+    platform::Menu::Items made;
+    for (auto const& line : lines) {
+        auto const& copy = made.emplace_back(std::make_shared<platform::MenuItem>());
+        copy->title.set(line->title.get());
+        copy->on.set(made.size() == marked + 1);
+    }
+    return made;
+}
+
+// Another connection is picked: the mark is on another line. Making the lines is part of loading the keys.
 void updateMenu(benchmark::State& state, std::size_t count)
 {
     SettledCore settled(entriesOf(count));
-    auto& outlets = settled.core.outlets;
-    ListedMenu menu(outlets.dropDownMenu);
-    auto const linesWithMarkOn = [&](std::size_t selected) {
-        outlets.tarvoUsageKeysComboBox.selectItemAtIndex(selected);
-        settled.core.controller.doUpdateSubMenu();
-        menu.runQueued();
-        return outlets.connectionMenu.items();
-    };
-    std::array const lists { linesWithMarkOn(count - 1), linesWithMarkOn(0) };
-    menu.tellsOf = 0;
+    settled.core.controller.doUpdateSubMenu();
+    auto& submenu = settled.core.outlets.connectionMenu;
+    submenu.setItems(madeAnew(submenu.items(), count - 1));
+    ListedMenu menu(settled.core.outlets.dropDownMenu);
     std::size_t turn = 0;
     while (state.KeepRunning()) {
-        outlets.connectionMenu.setItems(lists.at(turn++ % 2));
+        state.PauseTiming();
+        auto lines = madeAnew(submenu.items(), turn++ % 2 == 0 ? 0 : count - 1);
+        state.ResumeTiming();
+        submenu.setItems(std::move(lines));
         menu.runQueued();
     }
     require(menu.tellsOf == (count >= 2 ? 2 * turn : 0), "the mark's old line and its new one are told");
