@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+#include "bench/programs/Measurements.h"
+#include "bench/programs/ProcessFigures.h"
+
+#include <algorithm>
+#include <functional>
+
+using namespace std::chrono_literals;
+
+namespace measurements {
+
+namespace {
+
+// A provider may take its time.
+constexpr auto patience = 30s;
+// By then the panel has read what a refresh changed, and the program has given back what it needed for it.
+constexpr auto calm = 1500ms;
+constexpr auto pace = 1ms;
+
+using Predicate = std::function<bool(MenuLine const&)>;
+
+MenuLine const* find(MenuLine const& menu, Predicate const& isWanted)
+{
+    for (auto const& line : menu.lines) {
+        if (isWanted(line))
+            return &line;
+        if (auto const* const found = find(line, isWanted))
+            return found;
+    }
+    return nullptr;
+}
+
+bool isUpdate(MenuLine const& line) { return line.label == "Update Now"; }
+
+bool hasChoice(MenuLine const& menu) { return std::ranges::any_of(menu.lines, &MenuLine::isChecked); }
+
+// Opens the menu and clicks on a line of it. Nothing when there is none.
+std::optional<Clock::time_point> click(Panel& panel, Predicate const& isWanted)
+{
+    auto const menu = panel.openMenu();
+    auto const* const line = menu ? find(*menu, isWanted) : nullptr;
+    if (!line)
+        return std::nullopt;
+    auto const begin = Clock::now();
+    panel.click(*line);
+    return begin;
+}
+
+// The connection that is not shown at present.
+std::optional<Clock::time_point> clickOther(Panel& panel)
+{
+    auto const menu = panel.openMenu();
+    auto const* const choice = menu ? find(*menu, hasChoice) : nullptr;
+    if (!choice)
+        return std::nullopt;
+    auto const other = std::ranges::find_if(choice->lines, [](MenuLine const& line) { return !line.isChecked; });
+    if (other == choice->lines.end())
+        return std::nullopt;
+    auto const begin = Clock::now();
+    panel.click(*other);
+    return begin;
+}
+
+bool waitForLabel(Desktop& desktop, bool withFigure)
+{
+    auto const& panel = desktop.panel();
+    return desktop.waitFor(
+        [&, before = panel.toldLabels()] {
+            return panel.toldLabels() > before && hasDigit(panel.label()) == withFigure;
+        },
+        patience);
+}
+
+bool openMenu(Desktop& desktop, Samples const& samples)
+{
+    auto const begin = Clock::now();
+    if (!desktop.panel().openMenu())
+        return false;
+    samples.add("menu open to its content", Clock::now() - begin);
+    return true;
+}
+
+bool update(Desktop& desktop, Samples const& samples)
+{
+    auto const begin = click(desktop.panel(), isUpdate);
+    if (!begin || !waitForLabel(desktop, false))
+        return false;
+    samples.add("click to waiting title", Clock::now() - *begin);
+    if (!waitForLabel(desktop, true))
+        return false;
+    samples.add("update now to title", Clock::now() - *begin);
+    return true;
+}
+
+bool switchConnection(Desktop& desktop, Samples const& samples)
+{
+    auto const begin = clickOther(desktop.panel());
+    if (!begin || !waitForLabel(desktop, true))
+        return false;
+    samples.add("cached switch", Clock::now() - *begin);
+    return true;
+}
+
+// Both connections are in the cache afterwards.
+bool visitBoth(Desktop& desktop)
+{
+    return clickOther(desktop.panel()) && waitForLabel(desktop, true) && clickOther(desktop.panel())
+        && waitForLabel(desktop, true);
+}
+
+// Until the outcome of a refresh is there, a failure too. Returns the most that a child had in memory meanwhile.
+std::optional<long> peakOfHelper(Desktop& desktop, pid_t program)
+{
+    auto const& panel = desktop.panel();
+    // The first label is that of the waiting state.
+    auto const isOver = [&, before = panel.toldLabels()] { return panel.toldLabels() >= before + 2; };
+    auto const end = Clock::now() + patience;
+    long peak = 0;
+    while (!desktop.waitFor(isOver, pace)) {
+        if (Clock::now() > end)
+            return std::nullopt;
+        for (auto const helper : processFigures::children(program))
+            peak = std::max(peak, processFigures::peakMemory(helper));
+    }
+    return peak;
+}
+
+}
+
+bool clicks(Desktop& desktop, int count, Samples const& samples)
+{
+    if (!settle(desktop, true) || !visitBoth(desktop))
+        return false;
+    for (int i = 0; i < count; ++i) {
+        desktop.rest(calm);
+        if (!openMenu(desktop, samples) || !update(desktop, samples))
+            return false;
+        desktop.rest(calm);
+        if (!switchConnection(desktop, samples))
+            return false;
+    }
+    return true;
+}
+
+bool replies(Desktop& desktop, Program const& program, std::span<char* const> keys, Samples const& samples)
+{
+    if (!settle(desktop, true))
+        return false;
+    std::optional<long> usualHelper;
+    for (std::string_view const key : keys) {
+        processFigures::forgetPeakMemory(program.id());
+        long const before = processFigures::residentMemory(program.id());
+        if (!click(desktop.panel(), [key](MenuLine const& line) { return line.label.ends_with(key); }))
+            return false;
+        auto const helper = peakOfHelper(desktop, program.id());
+        if (!helper)
+            return false;
+        desktop.rest(calm);
+        samples.addMemory("memory growth at any reply", processFigures::peakMemory(program.id()) - before);
+        samples.addMemory("memory growth of the helper at any reply", *helper - usualHelper.value_or(*helper));
+        usualHelper = usualHelper.value_or(*helper);
+    }
+    return true;
+}
+
+}
