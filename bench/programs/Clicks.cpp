@@ -12,10 +12,12 @@ namespace measurements {
 namespace {
 
 // A provider may take its time.
-constexpr auto patience = 30s;
+constexpr auto patience = 180s;
 // By then the panel has read what a refresh changed, and the program has given back what it needed for it.
 constexpr auto calm = 1500ms;
 constexpr auto pace = 1ms;
+// A child that does not have it yet still shows the program's own memory.
+constexpr std::string_view helperName = "usage-meter-fet";
 
 using Predicate = std::function<bool(MenuLine const&)>;
 
@@ -108,7 +110,7 @@ bool visitBoth(Desktop& desktop)
         && waitForLabel(desktop, true);
 }
 
-// Until the outcome of a refresh is there, a failure too. Returns the most that a child had in memory meanwhile.
+// Until the outcome of a refresh is there, a failure too. Returns the most that the helper had in memory meanwhile.
 std::optional<long> peakOfHelper(Desktop& desktop, pid_t program)
 {
     auto const& panel = desktop.panel();
@@ -119,7 +121,7 @@ std::optional<long> peakOfHelper(Desktop& desktop, pid_t program)
     while (!desktop.waitFor(isOver, pace)) {
         if (Clock::now() > end)
             return std::nullopt;
-        for (auto const helper : processFigures::children(program))
+        for (auto const helper : processFigures::children(program, helperName))
             peak = std::max(peak, processFigures::peakMemory(helper));
     }
     return peak;
@@ -156,9 +158,12 @@ bool replies(Desktop& desktop, Program const& program, std::span<char* const> ke
         if (!helper)
             return false;
         desktop.rest(calm);
-        samples.addMemory("memory growth at any reply", processFigures::peakMemory(program.id()) - before);
-        samples.addMemory("memory growth of the helper at any reply", *helper - usualHelper.value_or(*helper));
+        long const growth = processFigures::peakMemory(program.id()) - before;
+        long const helperGrowth = *helper - usualHelper.value_or(*helper);
         usualHelper = usualHelper.value_or(*helper);
+        samples.addMemory("memory growth on any reply", growth);
+        samples.addMemory("memory growth of the helper on any reply", helperGrowth);
+        std::cerr << key << ": " << growth << " kB, the helper " << helperGrowth << " kB\n";
     }
     return true;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "bench/programs/Panel.h"
 
+#include <array>
 #include <cstring>
 #include <string_view>
 #include <utility>
@@ -97,18 +98,22 @@ int version(sd_bus* /*bus*/, char const* /*path*/, char const* /*interface*/, ch
 
 }
 
-sd_bus_vtable const Panel::watcher[] = {
-    SD_BUS_VTABLE_START(0),
-    SD_BUS_METHOD("RegisterStatusNotifierItem", "s", "", &Panel::registerItem, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("RegisterStatusNotifierHost", "s", "", &Panel::registerHost, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_PROPERTY("RegisteredStatusNotifierItems", "as", &Panel::items, 0, 0),
-    SD_BUS_PROPERTY("IsStatusNotifierHostRegistered", "b", &yes, 0, 0),
-    SD_BUS_PROPERTY("ProtocolVersion", "i", &version, 0, 0),
-    SD_BUS_SIGNAL("StatusNotifierItemRegistered", "s", 0),
-    SD_BUS_SIGNAL("StatusNotifierItemUnregistered", "s", 0),
-    SD_BUS_SIGNAL("StatusNotifierHostRegistered", "", 0),
-    SD_BUS_VTABLE_END,
-};
+sd_bus_vtable const* Panel::watcher()
+{
+    static auto const members = std::to_array<sd_bus_vtable>({
+        SD_BUS_VTABLE_START(0),
+        SD_BUS_METHOD("RegisterStatusNotifierItem", "s", "", &Panel::registerItem, SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_METHOD("RegisterStatusNotifierHost", "s", "", &Panel::registerHost, SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_PROPERTY("RegisteredStatusNotifierItems", "as", &Panel::items, 0, 0),
+        SD_BUS_PROPERTY("IsStatusNotifierHostRegistered", "b", &yes, 0, 0),
+        SD_BUS_PROPERTY("ProtocolVersion", "i", &version, 0, 0),
+        SD_BUS_SIGNAL("StatusNotifierItemRegistered", "s", 0),
+        SD_BUS_SIGNAL("StatusNotifierItemUnregistered", "s", 0),
+        SD_BUS_SIGNAL("StatusNotifierHostRegistered", "", 0),
+        SD_BUS_VTABLE_END,
+    });
+    return members.data();
+}
 
 std::unique_ptr<Panel> Panel::open()
 {
@@ -127,7 +132,7 @@ Panel::Panel(Bus bus)
 bool Panel::start()
 {
     auto* const bus = bus_.get();
-    return sd_bus_add_object_vtable(bus, nullptr, watcherPath, watcherName, watcher, this) >= 0
+    return sd_bus_add_object_vtable(bus, nullptr, watcherPath, watcherName, watcher(), this) >= 0
         && sd_bus_match_signal(bus, nullptr, nullptr, nullptr, itemInterface, nullptr, itemChanged, this) >= 0
         && sd_bus_match_signal(bus, nullptr, nullptr, nullptr, menuInterface, "LayoutUpdated", menuChanged, this) >= 0
         && sd_bus_request_name(bus, watcherName, 0) > 0;

@@ -64,7 +64,7 @@ private:
     static int menuChanged(sd_bus_message* signal, void* panel, sd_bus_error* error);
     static int acceptAll(sd_bus_message* reply, void* panel, sd_bus_error* error);
 
-    static sd_bus_vtable const watcher[];
+    static sd_bus_vtable const* watcher();
 
     Bus bus_;
     std::string service_;

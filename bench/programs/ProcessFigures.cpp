@@ -13,14 +13,19 @@ namespace processFigures {
 
 namespace {
 
-using Folder = std::filesystem::directory_iterator;
-
 std::filesystem::path folderOf(pid_t process) { return std::filesystem::path("/proc") / std::to_string(process); }
 
-Folder entries(std::filesystem::path const& folder)
+std::filesystem::directory_iterator entries(std::filesystem::path const& folder)
 {
     std::error_code error;
-    return Folder(folder, error);
+    return { folder, error };
+}
+
+std::string nameOf(pid_t process)
+{
+    std::string name;
+    std::getline(std::ifstream(folderOf(process) / "comm"), name);
+    return name;
 }
 
 // The number of a line "Name:   12 kB".
@@ -68,20 +73,33 @@ long openFiles(pid_t process)
     return std::distance(begin(files), end(files));
 }
 
-long waits(pid_t process)
+Waits waits(pid_t process)
 {
-    long sum = 0;
+    Waits found;
     for (auto const& thread : entries(folderOf(process) / "task"))
-        sum += field(thread.path() / "status", "voluntary_ctxt_switches:");
-    return sum;
+        found[std::stoi(thread.path().filename())] = field(thread.path() / "status", "voluntary_ctxt_switches:");
+    return found;
 }
 
-std::vector<pid_t> children(pid_t process)
+long wakeupsSince(Waits const& before, pid_t process)
+{
+    auto const after = waits(process);
+    long sum = 0;
+    for (auto const& [thread, count] : after) {
+        auto const known = before.find(thread);
+        sum += count - (known == before.end() ? 0 : known->second);
+    }
+    auto const hasEnded = [&after](auto const& thread) { return !after.contains(thread.first); };
+    return sum + std::ranges::count_if(before, hasEnded);
+}
+
+std::vector<pid_t> children(pid_t process, std::string_view name)
 {
     std::vector<pid_t> found;
     for (auto const& thread : entries(folderOf(process) / "task")) {
         std::ifstream file(thread.path() / "children");
-        std::copy(std::istream_iterator<pid_t>(file), {}, std::back_inserter(found));
+        std::copy_if(std::istream_iterator<pid_t>(file), {}, std::back_inserter(found),
+            [name](pid_t child) { return nameOf(child) == name; });
     }
     return found;
 }

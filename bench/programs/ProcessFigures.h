@@ -2,6 +2,8 @@
 #pragma once
 
 #include <chrono>
+#include <map>
+#include <string_view>
 #include <sys/types.h>
 #include <vector>
 
@@ -24,9 +26,13 @@ void forgetPeakMemory(pid_t process);
 long threads(pid_t process);
 long openFiles(pid_t process);
 
-/// How often its living threads have stopped to wait for something: each time, something woke them.
-long waits(pid_t process);
+/// How often each living thread has stopped to wait for something.
+using Waits = std::map<pid_t, long>;
+Waits waits(pid_t process);
+/// How often something has woken a thread of the process since then; a thread that has ended counts as one time.
+long wakeupsSince(Waits const& before, pid_t process);
 
-std::vector<pid_t> children(pid_t process);
+/// The children that run this program, by the name that the kernel cuts off at 15 characters.
+std::vector<pid_t> children(pid_t process, std::string_view name);
 
 }

@@ -14,6 +14,8 @@ namespace {
 constexpr auto startPatience = 20s;
 // Pages that were needed for the start alone are given back by then.
 constexpr auto calm = 2s;
+// The toolkit keeps threads that it needed at the start for half a minute.
+constexpr auto deepCalm = 35s;
 
 }
 
@@ -51,11 +53,12 @@ bool idle(Desktop& desktop, Program const& program, bool isTitled, std::chrono::
 {
     if (!settle(desktop, isTitled))
         return false;
+    desktop.rest(deepCalm);
     auto const waits = processFigures::waits(program.id());
     auto const processorTime = processFigures::processorTime(program.id());
     desktop.rest(time);
     auto const interval = " in " + std::to_string(time.count()) + " idle seconds";
-    samples.addCount("wakeups" + interval, processFigures::waits(program.id()) - waits);
+    samples.addCount("wakeups" + interval, processFigures::wakeupsSince(waits, program.id()));
     samples.add("CPU" + interval, processFigures::processorTime(program.id()) - processorTime);
     return true;
 }
