@@ -30,6 +30,8 @@ QFont iconFont()
     QFont font;
     font.setWeight(QFont::DemiBold);
     font.setPixelSize(100);
+    // Fitted to no grid, since they are scaled.
+    font.setHintingPreference(QFont::PreferNoHinting);
     return font;
 }
 
@@ -40,10 +42,25 @@ QPainterPath letters(QString const& text)
     return path;
 }
 
-// The text as large as the cell allows, in its middle.
-QPainterPath fitted(QString const& text, QRectF const& cell)
+// One or two lines of letters, for icons of any size.
+struct Lettering {
+    QPainterPath upper;
+    QPainterPath lower;
+    double upperShare = 1;
+};
+
+Lettering letteringOf(QString const& title)
 {
-    auto const path = letters(text);
+    auto const lines = statusIconLines(title);
+    if (lines.size() < 2)
+        return { letters(lines.value(0)), {} };
+    bool const isFigure = lines[0].back().isDigit();
+    return { letters(lines[0]), letters(lines[1]), isFigure ? figureShare : 0.5 };
+}
+
+// As large as the cell allows, in its middle.
+QPainterPath fitted(QPainterPath const& path, QRectF const& cell)
+{
     auto const bounds = path.boundingRect();
     if (bounds.isEmpty())
         return {};
@@ -75,6 +92,19 @@ QImage paint(QPainterPath const& path, QSize const& size)
     painter.fillPath(path, Qt::white);
     painter.end();
     return image.convertToFormat(QImage::Format_ARGB32);
+}
+
+QImage draw(Lettering const& lettering, int size)
+{
+    int const margin = marginOf(size);
+    QRect const room(margin, margin, size - 2 * margin, size - 2 * margin);
+    if (lettering.lower.isEmpty())
+        return paint(fitted(lettering.upper, room), { size, size });
+
+    int const upper = qRound((room.height() - margin) * lettering.upperShare);
+    QRect const top(room.topLeft(), QSize(room.width(), upper));
+    QRect const bottom = room.adjusted(0, upper + margin, 0, 0);
+    return paint(fitted(lettering.upper, top) + fitted(lettering.lower, bottom), { size, size });
 }
 
 QStringList halves(QString const& text, qsizetype end, qsizetype begin)
@@ -140,20 +170,7 @@ QStringList statusIconLines(QString const& title)
     return wrapped(text);
 }
 
-QImage drawStatusIcon(QString const& title, int size)
-{
-    auto const lines = statusIconLines(title);
-    int const margin = marginOf(size);
-    QRect const room(margin, margin, size - 2 * margin, size - 2 * margin);
-    if (lines.size() < 2)
-        return paint(fitted(lines.value(0), room), { size, size });
-
-    bool const isFigure = lines[0].back().isDigit();
-    int const upper = qRound((room.height() - margin) * (isFigure ? figureShare : 0.5));
-    QRect const top(room.topLeft(), QSize(room.width(), upper));
-    QRect const bottom = room.adjusted(0, upper + margin, 0, 0);
-    return paint(fitted(lines[0], top) + fitted(lines[1], bottom), { size, size });
-}
+QImage drawStatusIcon(QString const& title, int size) { return draw(letteringOf(title), size); }
 
 QImage drawWideStatusIcon(QString const& title, int height)
 {
@@ -180,16 +197,18 @@ QList<StatusPixmap> statusPixmaps(QString const& title, StatusLook look)
         image.fill(Qt::transparent);
         return { encoded(image) };
     }
+    auto const lettering = letteringOf(title);
     QList<StatusPixmap> pixmaps;
     for (int const size : usualSizes)
-        pixmaps.push_back(encoded(drawStatusIcon(title, size)));
+        pixmaps.push_back(encoded(draw(lettering, size)));
     return pixmaps;
 }
 
 QIcon statusIcon(QString const& title)
 {
+    auto const lettering = letteringOf(title);
     QIcon icon;
     for (int const size : usualSizes)
-        icon.addPixmap(QPixmap::fromImage(drawStatusIcon(title, size)));
+        icon.addPixmap(QPixmap::fromImage(draw(lettering, size)));
     return icon;
 }

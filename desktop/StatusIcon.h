@@ -27,7 +27,7 @@ Q_DECLARE_METATYPE(StatusPixmap)
 /// cut short.
 QStringList statusIconLines(QString const& title);
 
-/// The title in a square of this many pixels, light with a dark outline so that it reads on any panel.
+/// The title in a square of this many pixels, light on a dark plate so that it reads on any panel.
 QImage drawStatusIcon(QString const& title, int size);
 /// The title on one line of this height.
 QImage drawWideStatusIcon(QString const& title, int height);
