@@ -229,10 +229,18 @@ bool DBusMenu::willShow(Node const& node)
     return !node.observer;
 }
 
-DBusMenu::Line DBusMenu::lineOf(platform::MenuItem const& item, bool isChoice)
+bool DBusMenu::isChoice(platform::MenuItem const& item, bool hasMark) { return hasMark && !item.isSeparator; }
+
+DBusMenu::Line DBusMenu::lineOf(platform::MenuItem const& item, bool hasMark)
 {
-    return { item.title.get(), item.hidden.get(), item.on.get(), item.isSeparator, isChoice && !item.isSeparator,
+    return { item.title.get(), item.hidden.get(), item.on.get(), item.isSeparator, isChoice(item, hasMark),
         item.submenu };
+}
+
+// What else a line that goes on under its id can have changed.
+bool DBusMenu::isUnchanged(Line const& told, platform::MenuItem const& item)
+{
+    return told.title == item.title.get() && told.hidden == item.hidden.get() && told.on == item.on.get();
 }
 
 QVariantMap DBusMenu::properties(Line const& line, QSet<QString> const& names)
@@ -259,10 +267,10 @@ QVariantMap DBusMenu::properties(Line const& line, QSet<QString> const& names)
 
 // Whether a line of a new list may go on under the id of the one that stood in its place. A click that is under way
 // then still meets the text that the user saw, and an open menu is not rebuilt under the pointer.
-bool DBusMenu::isSameLine(Node const& node, std::shared_ptr<platform::MenuItem> const& item, Line const& line)
+bool DBusMenu::isSameLine(Node const& node, std::shared_ptr<platform::MenuItem> const& item, bool hasMark)
 {
-    return (node.item == item || node.line.title == line.title) && node.line.isSeparator == line.isSeparator
-        && node.line.isChoice == line.isChoice && node.line.submenu == line.submenu;
+    return (node.item == item || node.line.title == item->title.get()) && node.line.isSeparator == item->isSeparator
+        && node.line.isChoice == isChoice(*item, hasMark) && node.line.submenu == item->submenu;
 }
 
 DBusMenu::Node* DBusMenu::find(int id)
@@ -282,7 +290,7 @@ DBusMenu::Node* DBusMenu::findOrRefuse(int id)
 int DBusMenu::add(std::shared_ptr<platform::MenuItem> item, Line line)
 {
     int const id = nextId_++;
-    nodes_.emplace(id, Node { std::move(line), std::move(item), nullptr, {} });
+    nodes_.emplace(id, Node { std::move(line), std::move(item), std::nullopt, {} });
     return id;
 }
 
@@ -299,7 +307,10 @@ void DBusMenu::list(int id)
     auto& node = nodes_.at(id);
     if (!node.line.submenu || node.observer)
         return;
-    node.observer = std::make_unique<MenuObserver>(*node.line.submenu, [this] { update_.request(); });
+    node.observer = node.line.submenu->observeChanges([this, id] {
+        outdated_.insert(id);
+        update_.request();
+    });
     Changes unheard;
     synchronize(id, unheard);
 }
@@ -307,8 +318,6 @@ void DBusMenu::list(int id)
 void DBusMenu::synchronize(int id, Changes& changes)
 {
     auto& node = nodes_.at(id);
-    if (!node.observer)
-        return;
     auto const& items = node.line.submenu->items();
     bool const hasMark = std::ranges::any_of(items, [](auto const& item) { return item->on.get(); });
     auto const former = std::exchange(node.children, {});
@@ -316,20 +325,19 @@ void DBusMenu::synchronize(int id, Changes& changes)
     bool isNewLayout = former.size() != items.size();
 
     for (auto const& item : items) {
-        auto line = lineOf(*item, hasMark);
         auto const place = node.children.size();
-        if (place < former.size() && isSameLine(nodes_.at(former[place]), item, line)) {
-            int const kept = former[place];
-            node.children.push_back(kept);
-            nodes_.at(kept).item = item;
-            tell(kept, std::move(line), changes);
-            synchronize(kept, changes);
+        auto* const kept = place < former.size() ? &nodes_.at(former[place]) : nullptr;
+        if (kept && isSameLine(*kept, item, hasMark)) {
+            node.children.push_back(former[place]);
+            kept->item = item;
+            if (!isUnchanged(kept->line, *item))
+                tell(former[place], lineOf(*item, hasMark), changes);
             continue;
         }
         isNewLayout = true;
-        if (place < former.size())
+        if (kept)
             remove(former[place]);
-        node.children.push_back(add(item, std::move(line)));
+        node.children.push_back(add(item, lineOf(*item, hasMark)));
     }
     for (auto place = items.size(); place < former.size(); ++place)
         remove(former[place]);
@@ -340,8 +348,6 @@ void DBusMenu::synchronize(int id, Changes& changes)
 void DBusMenu::tell(int id, Line line, Changes& changes)
 {
     auto& told = nodes_.at(id).line;
-    if (told == line)
-        return;
     auto const before = properties(told);
     auto const after = properties(line);
     told = std::move(line);
@@ -396,7 +402,11 @@ void DBusMenu::click(int id)
 void DBusMenu::update()
 {
     Changes changes;
-    synchronize(rootId, changes);
+    for (int const id : std::exchange(outdated_, {})) {
+        // A line above it may have taken it away.
+        if (find(id))
+            synchronize(id, changes);
+    }
     if (!changes.updated.isEmpty() || !changes.removed.isEmpty())
         Q_EMIT ItemsPropertiesUpdated(changes.updated, changes.removed);
     if (changes.layouts.empty())

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/MenuObserver.h"
 #include "desktop/OncePerTurn.h"
 #include "platform/Menu.h"
 
@@ -16,6 +15,8 @@
 #include <QVariantMap>
 
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -108,8 +109,6 @@ private:
         /// Stands in a list with a check mark, so that it has room for one as well.
         bool isChoice = false;
         platform::Menu* submenu = nullptr;
-
-        bool operator==(Line const&) const = default;
     };
 
     struct Node {
@@ -117,7 +116,7 @@ private:
         /// Nothing for the root.
         std::shared_ptr<platform::MenuItem> item;
         /// Nothing until somebody has asked for the lines under this one.
-        std::unique_ptr<MenuObserver> observer;
+        std::optional<platform::Subscription> observer;
         std::vector<int> children;
     };
 
@@ -127,9 +126,11 @@ private:
         std::vector<int> layouts;
     };
 
-    static Line lineOf(platform::MenuItem const& item, bool isChoice);
+    static bool isChoice(platform::MenuItem const& item, bool hasMark);
+    static Line lineOf(platform::MenuItem const& item, bool hasMark);
+    static bool isUnchanged(Line const& told, platform::MenuItem const& item);
     static QVariantMap properties(Line const& line, QSet<QString> const& names = {});
-    static bool isSameLine(Node const& node, std::shared_ptr<platform::MenuItem> const& item, Line const& line);
+    static bool isSameLine(Node const& node, std::shared_ptr<platform::MenuItem> const& item, bool hasMark);
 
     static bool willShow(Node const& node);
 
@@ -148,6 +149,8 @@ private:
 
     std::unordered_map<int, Node> nodes_;
     int nextId_ = 0;
+    /// The lines whose submenus have changed since the last update. Those further up have lower ids.
+    std::set<int> outdated_;
     uint revision_ = 1;
     OncePerTurn update_;
 };

@@ -11,7 +11,7 @@ MenuMirror::MenuMirror(platform::Menu& menu, QWidget* parent)
     : QMenu(parent)
     , menu_(menu)
     , update_([this] { synchronize(); })
-    , changes_(menu, [this] { update_.request(); })
+    , changes_(menu.observeChanges([this] { update_.request(); }))
 {
     connect(this, &QMenu::aboutToShow, this, [this] {
         menu_.willShow();

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/MenuObserver.h"
 #include "desktop/OncePerTurn.h"
 #include "platform/Menu.h"
 
@@ -25,5 +24,5 @@ private:
     /// The lines as they are shown: a click is meant for what the user saw.
     platform::Menu::Items shown_;
     OncePerTurn update_;
-    MenuObserver changes_;
+    platform::Subscription changes_;
 };

@@ -31,7 +31,7 @@ StatusNotifierItem::StatusNotifierItem(platform::StatusItem& item)
     , told_ { title(), details(), look_ }
     , update_([this] { update(); })
     , titleChanges_(item.title.observeChanges([this](std::string const&) { update_.request(); }))
-    , menuChanges_(item.menu(), [this] { update_.request(); })
+    , menuChanges_(item.menu().observeChanges([this] { update_.request(); }))
 {
     qDBusRegisterMetaType<StatusPixmap>();
     qDBusRegisterMetaType<QList<StatusPixmap>>();

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/MenuObserver.h"
 #include "desktop/OncePerTurn.h"
 #include "desktop/StatusHost.h"
 #include "desktop/StatusIcon.h"
@@ -103,5 +102,5 @@ private:
     Told told_;
     OncePerTurn update_;
     platform::Subscription titleChanges_;
-    MenuObserver menuChanges_;
+    platform::Subscription menuChanges_;
 };

@@ -14,13 +14,41 @@ namespace platform {
 class Menu;
 
 /// One line of a menu: a command, a text, a separator or the way into a submenu. A line without an action and without
-/// a submenu only shows something.
+/// a submenu only shows something. It stands in one menu at a time.
 class MenuItem {
 public:
-    Property<std::string> title;
-    Property<bool> hidden { false };
+    /// A value whose changes the line's menu tells of. Setting an equal value tells nobody.
+    template <typename T> class Field {
+    public:
+        explicit Field(MenuItem const& line)
+            : line_(line)
+        {
+        }
+
+        T const& get() const { return value_; }
+
+        void set(T value)
+        {
+            if (value == value_)
+                return;
+            value_ = std::move(value);
+            if (line_.menuChanges_)
+                line_.menuChanges_->tell();
+        }
+
+    private:
+        MenuItem const& line_;
+        T value_ {};
+    };
+
+    MenuItem() = default;
+    MenuItem(MenuItem const&) = delete;
+    MenuItem& operator=(MenuItem const&) = delete;
+
+    Field<std::string> title { *this };
+    Field<bool> hidden { *this };
     /// Shown as a check mark.
-    Property<bool> on { false };
+    Field<bool> on { *this };
 
     int tag = 0;
     bool isSeparator = false;
@@ -29,12 +57,23 @@ public:
     Menu* submenu = nullptr;
 
     void userClicked() { send(action, this); }
+
+private:
+    friend class Menu;
+
+    /// Nothing while it stands in no menu.
+    Observers<> const* menuChanges_ = nullptr;
 };
 
 /// An ordered list of lines. Its items are told about as one change, however many they are.
 class Menu {
 public:
     using Items = std::vector<std::shared_ptr<MenuItem>>;
+
+    Menu() = default;
+    Menu(Menu const&) = delete;
+    Menu& operator=(Menu const&) = delete;
+    ~Menu() { setChangesOfItems(nullptr); }
 
     /// Called before the menu is shown, where it has lines whose text depends on the moment.
     std::function<void()> needsUpdate;
@@ -43,11 +82,13 @@ public:
 
     void setItems(Items items)
     {
+        setChangesOfItems(nullptr);
         items_ = std::move(items);
+        setChangesOfItems(&changes_);
         changes_.tell();
     }
 
-    /// Tells of every new list of items. What an item shows is observed at the item.
+    /// Tells of every new list of items, and of every change to what one of them shows; not of its submenu's.
     Subscription observeChanges(std::function<void()> observer) { return changes_.add(std::move(observer)); }
 
     void willShow() const
@@ -57,6 +98,13 @@ public:
     }
 
 private:
+    // One list of observers for all, since a menu can have thousands of lines.
+    void setChangesOfItems(Observers<> const* changes) const
+    {
+        for (auto const& item : items_)
+            item->menuChanges_ = changes;
+    }
+
     Items items_;
     Observers<> changes_;
 };
