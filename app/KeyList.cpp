@@ -74,6 +74,7 @@ std::vector<std::string> AppDelegate::storedKeyEntries() const
 {
     std::vector<std::string> entries;
     if (auto const* const stored = prefs_->get<platform::Array>(settings::tarvoKeys)) {
+        entries.reserve(stored->size());
         for (auto const& value : *stored) {
             if (auto const* const entry = value.as<std::string>())
                 entries.push_back(*entry);

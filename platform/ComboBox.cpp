@@ -9,11 +9,11 @@ void ComboBox::removeAllItems()
     items.set({});
 }
 
-void ComboBox::addItems(std::vector<std::string> const& added)
+void ComboBox::addItems(std::vector<std::string> added)
 {
-    auto all = items.get();
-    all.insert(all.end(), added.begin(), added.end());
-    items.set(std::move(all));
+    auto const& present = items.get();
+    added.insert(added.begin(), present.begin(), present.end());
+    items.set(std::move(added));
 }
 
 std::optional<std::string> ComboBox::objectValueOfSelectedItem() const

@@ -32,7 +32,7 @@ public:
 
     /// Keeps the text, leaves no item selected and tells nobody.
     void removeAllItems();
-    void addItems(std::vector<std::string> const& added);
+    void addItems(std::vector<std::string> added);
     /// Selects an item and shows its text; an index out of range does nothing.
     void selectItemAtIndex(std::size_t index);
     /// The selected item's text, where one is selected.

@@ -63,6 +63,9 @@ public:
         });
     }
 
+    /// False while there was never anybody to tell.
+    bool isUsed() const { return list_ != nullptr; }
+
     void tell(Arguments... arguments) const
     {
         if (!list_)
@@ -115,7 +118,8 @@ public:
             return;
         value_ = std::move(value);
         // A copy, for an observer may set the next value while this one is being told.
-        observers_.tell(T(value_));
+        if (observers_.isUsed())
+            observers_.tell(T(value_));
     }
 
     /// Tells the observer the present value at once, then every change.

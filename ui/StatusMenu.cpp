@@ -39,8 +39,10 @@ void AppDelegate::doUpdateSubMenu()
 {
     auto const selected = getCurrentlySelectedKey();
     bool const onlyNicknames = outlets_.onlyKeyNicknamesToggle.on.get();
+    auto const& entries = outlets_.tarvoUsageKeysComboBox.items.get();
     platform::Menu::Items items;
-    for (auto const& entry : outlets_.tarvoUsageKeysComboBox.items.get()) {
+    items.reserve(entries.size());
+    for (auto const& entry : entries) {
         auto item = std::make_shared<platform::MenuItem>();
         item->title.set(onlyNicknames ? KeyEntry::parse(entry).nickname : entry);
         item->tag = static_cast<int>(items.size());
