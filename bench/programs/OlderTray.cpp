@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "bench/programs/OlderTray.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
