@@ -12,6 +12,9 @@ namespace platform {
 
 namespace {
 
+// All names of a document together, in bytes. Attributes are compared with each other, so that an element of a million
+// would be read for hours.
+constexpr std::size_t roomForNames = 64 * 1024;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view view(xmlChar const* text) { return reinterpret_cast<char const*>(text); }
@@ -44,6 +47,7 @@ public:
             return false;
         *context_->sax = handler();
         context_->userData = this;
+        xmlDictSetLimit(context_->dict, roomForNames);
         xmlCtxtReadMemory(
             context_.get(), document_.data(), static_cast<int>(document_.size()), nullptr, "UTF-8", XML_PARSE_NONET);
         flush();

@@ -6,6 +6,9 @@
 
 namespace {
 
+// Its texts are kept several times over while they are read.
+constexpr std::size_t largestReply = 1024 * 1024;
+
 using Predicate = bool (*)(UChar32);
 
 bool isLineBreak(UChar32 character)
@@ -38,6 +41,15 @@ std::string_view trimmed(std::string_view text, Predicate shouldGo)
     return text.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
 }
 
+}
+
+bool parseReply(std::string_view body, platform::XmlParserDelegate& delegate)
+{
+    auto const document = trimmedReply(body);
+    if (document.size() <= largestReply)
+        return platform::parseXml(document, delegate);
+    delegate.parseErrorOccurred();
+    return false;
 }
 
 std::string_view trimmedReply(std::string_view body) { return trimmed(trimmed(body, isLineBreak), isSpace); }

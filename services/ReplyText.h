@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/XmlParser.h"
+
 #include <string_view>
+
+/// Reads the XML of a reply's body, which has some hundred bytes. Of more than 1 MiB nothing is read: it counts as not
+/// well-formed.
+bool parseReply(std::string_view body, platform::XmlParserDelegate& delegate);
 
 /// A reply's body without the line breaks at its ends, and then without the spaces and tabs at its ends. A line break
 /// that only shows once the spaces are gone stays. Both steps know Unicode's line breaks and spaces.

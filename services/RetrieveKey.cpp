@@ -15,7 +15,7 @@ std::optional<std::string> RetrieveKey::keyForCurrentConnection()
     auto const body = loader_.load(addresses_.keyLookup());
     if (!body)
         return std::nullopt;
-    platform::parseXml(trimmedReply(*body), *this);
+    parseReply(*body, *this);
     if (error_ || keys_.empty())
         return std::nullopt;
     return keys_.front();

@@ -17,7 +17,7 @@ std::optional<platform::Dictionary> UsageData::updateUsage(std::string_view usag
         return std::nullopt;
 
     parsedDataDictionary_.clear();
-    if (!platform::parseXml(trimmedReply(*body), *this))
+    if (!parseReply(*body, *this))
         return std::nullopt;
     return parsedDataDictionary_;
 }

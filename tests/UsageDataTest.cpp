@@ -49,3 +49,11 @@ TEST(UsageData, CollectsTheFiguresAsTheyStandByTheGroupOpenedLast)
     for (auto const& [body, figures] : cases)
         EXPECT_EQ(figuresOf(body), figures) << body;
 }
+
+TEST(UsageData, TakesNoReplyOfUnreasonableSizeWhateverStandsAroundIt)
+{
+    std::string const report = "<a><used><upload>2</upload></used></a>";
+    std::string const megabytes(2'000'000, ' ');
+    EXPECT_EQ(figuresOf(megabytes + report + megabytes), (Dictionary { { "used:upload", "2" } }));
+    EXPECT_EQ(figuresOf("<b>" + megabytes + report + "</b>"), std::nullopt);
+}

@@ -63,3 +63,17 @@ TEST(XmlParser, WhatIsNotWellFormedOrHasEntitiesOfItsOwnEndsInOneErrorAndNothing
         { "<!DOCTYPE a SYSTEM 'http://127.0.0.1:9/a.dtd'><a><b c='&e;'/></a>", "<a!" } });
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
+
+TEST(XmlParser, RefusesNamesWithoutEndBeforeTheyTakeTime)
+{
+    std::string attributes;
+    std::string elements;
+    for (int i = 0; i < 100'000; ++i) {
+        attributes += " a" + std::to_string(i) + "=''";
+        elements += "<a" + std::to_string(i) + "/>";
+    }
+    platform::XmlParserDelegate ignored;
+    EXPECT_FALSE(platform::parseXml("<a" + attributes + "/>", ignored));
+    EXPECT_FALSE(platform::parseXml("<a>" + elements + "</a>", ignored));
+    EXPECT_TRUE(platform::parseXml("<a" + attributes.substr(0, attributes.find(" a1000=")) + "/>", ignored));
+}
