@@ -118,14 +118,14 @@ trustProvider() {
     ((EUID != 0)) || export QTWEBENGINE_DISABLE_SANDBOX=1
 }
 
-# A display of this size and a bus.
+# A display of this size, and a bus: an ordinary one, unless dbus-daemon is told otherwise.
 startSession() {
     runtime=$(mktemp -d)
     export XDG_RUNTIME_DIR=$runtime
     unset XAUTHORITY
     startAnnounced display Xvfb -displayfd 1 -screen 0 "$1x24" -nolisten tcp
     export DISPLAY=:$announced
-    startAnnounced bus dbus-daemon --session --nofork --nopidfile --print-address=1
+    startAnnounced bus dbus-daemon "${2:---session}" --nofork --nopidfile --print-address=1
     export DBUS_SESSION_BUS_ADDRESS=$announced
 }
 

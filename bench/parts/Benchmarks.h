@@ -20,9 +20,9 @@ inline void require(bool holds, char const* expectation)
 
 /// Adds a benchmark on the wall clock, named "<figure>/<subject>". The subject is "ours", or "bare" for the library
 /// calls or system calls alone.
-template <typename Function> void add(std::string const& name, Function&& run)
+template <typename Function> benchmark::internal::Benchmark* add(std::string const& name, Function&& run)
 {
-    benchmark::RegisterBenchmark(name.c_str(), std::forward<Function>(run))
+    return benchmark::RegisterBenchmark(name.c_str(), std::forward<Function>(run))
         ->UseRealTime()
         ->Unit(benchmark::kMicrosecond);
 }

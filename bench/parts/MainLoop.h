@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QEventLoop>
 #include <QTimer>
 
 #include <chrono>
@@ -22,6 +23,14 @@ public:
             require(!bound.hasExpired(), "what is waited for comes");
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         }
+    }
+
+    /// Runs it for this time.
+    void rest(std::chrono::milliseconds time)
+    {
+        QEventLoop loop;
+        QTimer::singleShot(time, &loop, &QEventLoop::quit);
+        loop.exec();
     }
 
 private:
