@@ -14,7 +14,7 @@ namespace {
 
 // All names of a document together, in bytes. Attributes are compared with each other, so that an element of a million
 // would be read for hours.
-constexpr std::size_t roomForNames = 64 * 1024;
+constexpr std::size_t roomForNames = 65'536;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view view(xmlChar const* text) { return reinterpret_cast<char const*>(text); }

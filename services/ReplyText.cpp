@@ -7,7 +7,7 @@
 namespace {
 
 // Its texts are kept several times over while they are read.
-constexpr std::size_t largestReply = 1024 * 1024;
+constexpr std::size_t largestReply = 1'048'576;
 
 using Predicate = bool (*)(UChar32);
 

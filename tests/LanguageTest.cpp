@@ -132,7 +132,7 @@ TEST_F(LanguageTest, NoTextIsLeftOverOrCutOffInTheTestLanguage)
         auto const shown = text.substr(0, text.find('%'));
         bool const isElsewhere
             = std::ranges::any_of(std::array { "NOTIFICATION_", "DETAILED_USAGE_WARNING", "DESKTOP_", "METAINFO_" },
-                [&](char const* beginning) { return key.starts_with(beginning); });
+                [&name = key](char const* beginning) { return name.starts_with(beginning); });
         EXPECT_TRUE(isElsewhere || std::ranges::any_of(seen_, [&](auto const& each) { return each.find(shown) + 1; }))
             << key;
         auto const& original = *platform::entry<std::string>(english, key);

@@ -30,7 +30,7 @@ std::optional<Dictionary> figuresOf(std::string const& body)
 TEST(UsageData, CollectsTheFiguresAsTheyStandByTheGroupOpenedLast)
 {
     // What a group's figure is, and what is none.
-    std::pair<char const*, Dictionary> const cases[] {
+    std::vector<std::pair<char const*, Dictionary>> const cases {
         { "<a><used><x><download>1</download></x></used></a>", { { "used:download", "1" } } },
         { "\r\n\n  <a>\n<used>\n<download>\n\t52345678901\n</download><upload> 1.5E9 </upload></used>\n</a>\n\n",
             { { "used:download", "52345678901" }, { "used:upload", "1.5E9" } } },
