@@ -14,7 +14,7 @@ namespace platform {
 class Menu;
 
 /// One line of a menu: a command, a text, a separator or the way into a submenu. A line without an action and without
-/// a submenu only shows something. It stands in one menu at a time.
+/// a submenu only shows something. It stands in one menu at a time, the last one that took it.
 class MenuItem {
 public:
     /// A value whose changes the line's menu tells of. Setting an equal value tells nobody.
@@ -73,7 +73,7 @@ public:
     Menu() = default;
     Menu(Menu const&) = delete;
     Menu& operator=(Menu const&) = delete;
-    ~Menu() { setChangesOfItems(nullptr); }
+    ~Menu() { leaveItems(); }
 
     /// Called before the menu is shown, where it has lines whose text depends on the moment.
     std::function<void()> needsUpdate;
@@ -82,9 +82,11 @@ public:
 
     void setItems(Items items)
     {
-        setChangesOfItems(nullptr);
+        leaveItems();
         items_ = std::move(items);
-        setChangesOfItems(&changes_);
+        // One list of observers for all lines, since a menu can have thousands.
+        for (auto const& item : items_)
+            item->menuChanges_ = &changes_;
         changes_.tell();
     }
 
@@ -98,11 +100,13 @@ public:
     }
 
 private:
-    // One list of observers for all, since a menu can have thousands of lines.
-    void setChangesOfItems(Observers<> const* changes) const
+    // But for those that have gone into another menu.
+    void leaveItems() const
     {
-        for (auto const& item : items_)
-            item->menuChanges_ = changes;
+        for (auto const& item : items_) {
+            if (item->menuChanges_ == &changes_)
+                item->menuChanges_ = nullptr;
+        }
     }
 
     Items items_;

@@ -12,8 +12,8 @@ namespace platform {
 
 namespace {
 
-// All names of a document together, in bytes. Attributes are compared with each other, so that an element of a million
-// would be read for hours.
+// About what all names of a document may take, in bytes. Attributes are compared with each other, so that an element of
+// a million would be read for hours.
 constexpr std::size_t roomForNames = 65'536;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
@@ -51,7 +51,8 @@ public:
         xmlCtxtReadMemory(
             context_.get(), document_.data(), static_cast<int>(document_.size()), nullptr, "UTF-8", XML_PARSE_NONET);
         flush();
-        return context_->wellFormed;
+        // libxml2 counts a document as well-formed that it did not read on for want of room.
+        return context_->wellFormed && context_->errNo != XML_ERR_NO_MEMORY;
     }
 
 private:
@@ -64,7 +65,10 @@ private:
         xmlSAXHandler handler {};
         handler.initialized = XML_SAX2_MAGIC;
         handler.startElementNs = [](void* data, xmlChar const* localName, xmlChar const* prefix, xmlChar const*, int,
-                                     xmlChar const**, int, int, xmlChar const**) {
+                                     xmlChar const**, int, int defaulted, xmlChar const**) {
+            // A document that declares attributes adds them to each of its elements, which takes without end.
+            if (defaulted > 0)
+                return self(data).refuse();
             self(data).markup();
             self(data).delegate_.didStartElement(qualifiedName(localName, prefix));
         };
@@ -91,9 +95,14 @@ private:
     {
         if (error->code != XML_WAR_UNDECLARED_ENTITY)
             return;
-        self(data).flush();
-        self(data).context_->wellFormed = 0;
-        xmlStopParser(self(data).context_.get());
+        self(data).refuse();
+    }
+
+    void refuse()
+    {
+        flush();
+        context_->wellFormed = 0;
+        xmlStopParser(context_.get());
     }
 
     void characters(std::string_view text)

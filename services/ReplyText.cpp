@@ -6,9 +6,6 @@
 
 namespace {
 
-// Its texts are kept several times over while they are read.
-constexpr std::size_t largestReply = 1'048'576;
-
 using Predicate = bool (*)(UChar32);
 
 bool isLineBreak(UChar32 character)

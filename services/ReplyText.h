@@ -5,8 +5,10 @@
 
 #include <string_view>
 
-/// Reads the XML of a reply's body, which has some hundred bytes. Of more than 1 MiB nothing is read: it counts as not
-/// well-formed.
+/// In bytes. Replies have some hundred; the texts of one are kept several times over while it is read.
+inline constexpr std::size_t largestReply = 1'048'576;
+
+/// Reads the XML of a reply's body. One that is larger, without what stands around it, counts as not well-formed.
 bool parseReply(std::string_view body, platform::XmlParserDelegate& delegate);
 
 /// A reply's body without the line breaks at its ends, and then without the spaces and tabs at its ends. A line break

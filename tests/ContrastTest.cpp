@@ -91,13 +91,23 @@ Words wordsOf(QCheckBox const& box)
     return { box.text(), box.style()->subElementRect(QStyle::SE_CheckBoxContents, &option, &box) };
 }
 
+Words wordsOf(QComboBox const& box)
+{
+    QStyleOptionComboBox option;
+    option.initFrom(&box);
+    auto const place = box.style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, &box);
+    return { box.currentIndex() < 0 ? box.placeholderText() : box.currentText(), place };
+}
+
 std::vector<Words> linesOf(QWidget const& menu)
 {
     std::vector<Words> lines;
     for (auto* const action : menu.actions()) {
         auto const* const asMenu = qobject_cast<QMenu const*>(&menu);
         auto const* const asBar = qobject_cast<QMenuBar const*>(&menu);
-        auto const place = asMenu ? asMenu->actionGeometry(action) : asBar->actionGeometry(action);
+        // Without a check mark and an arrow at the ends.
+        auto const place
+            = asMenu ? asMenu->actionGeometry(action).adjusted(24, 0, -24, 0) : asBar->actionGeometry(action);
         if (action->isVisible() && !action->isSeparator())
             lines.push_back({ action->text(), place });
     }
@@ -127,7 +137,7 @@ std::vector<Words> wordsOf(QWidget const& widget)
     if (auto const* const input = qobject_cast<QLineEdit const*>(&widget))
         return { { input->text().isEmpty() ? input->placeholderText() : input->text(), insideFrame(widget) } };
     if (auto const* const box = qobject_cast<QComboBox const*>(&widget))
-        return { { box->currentIndex() < 0 ? box->placeholderText() : box->currentText(), insideFrame(widget) } };
+        return { wordsOf(*box) };
     if (auto const* const list = qobject_cast<QAbstractItemView const*>(&widget))
         return rowsOf(*list);
     if (qobject_cast<QMenu const*>(&widget) || qobject_cast<QMenuBar const*>(&widget))
@@ -152,7 +162,6 @@ protected:
         applyAppearance(appearance);
         showAll();
         showLists();
-        EXPECT_GT(measured_, 100);
         RecordProperty("lowest", std::to_string(lowest_));
     }
 
@@ -160,7 +169,7 @@ protected:
     {
         QCoreApplication::processEvents();
         for (auto* const window : QApplication::topLevelWidgets()) {
-            if (window->isVisible())
+            if (window->isVisible() && !window->size().isEmpty())
                 lookAt(*window);
         }
     }
@@ -168,6 +177,7 @@ protected:
 private:
     void lookAt(QWidget& window)
     {
+        int const measuredBefore = measured_;
         auto const written = pictureOf(window);
         auto const wordless = wordlessPictureOf(window);
         auto widgets = window.findChildren<QWidget*>();
@@ -186,6 +196,7 @@ private:
                 ++measured_;
             }
         }
+        EXPECT_GT(measured_, measuredBefore) << window.objectName().toStdString();
     }
 
     // That of the pixels which are wholly the letters' own. A text that cannot be told from its ground has none.
@@ -210,6 +221,11 @@ private:
         menu.popup({});
         menu.setActiveAction(menu.actions().constFirst());
         QToolTip::showText({}, QStringLiteral("1"));
+        look();
+        for (auto* const line : menu.actions()) {
+            if (line->menu())
+                line->menu()->popup({});
+        }
         look();
         menu.close();
         QList<QComboBox*> boxes;

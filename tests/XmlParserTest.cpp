@@ -64,16 +64,20 @@ TEST(XmlParser, WhatIsNotWellFormedOrHasEntitiesOfItsOwnEndsInOneErrorAndNothing
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(XmlParser, RefusesNamesWithoutEndBeforeTheyTakeTime)
+TEST(XmlParser, RefusesNamesAndDefaultsWithoutEndBeforeTheyTakeTime)
 {
-    std::string attributes;
-    std::string elements;
-    for (int i = 0; i < 100'000; ++i) {
-        attributes += " a" + std::to_string(i) + "=''";
-        elements += "<a" + std::to_string(i) + "/>";
-    }
+    auto const repeated = [](int count, char const* before, char const* behind) {
+        std::string text;
+        for (int i = 0; i < count; ++i)
+            text.append(before).append(std::to_string(i)).append(behind);
+        return text;
+    };
     platform::XmlParserDelegate ignored;
-    EXPECT_FALSE(platform::parseXml("<a" + attributes + "/>", ignored));
-    EXPECT_FALSE(platform::parseXml("<a>" + elements + "</a>", ignored));
-    EXPECT_TRUE(platform::parseXml("<a" + attributes.substr(0, attributes.find(" a1000=")) + "/>", ignored));
+    EXPECT_TRUE(platform::parseXml("<a" + repeated(1'000, " a", "=''") + "/>", ignored));
+    EXPECT_FALSE(platform::parseXml("<a" + repeated(100'000, " a", "=''") + "/>", ignored));
+    EXPECT_FALSE(platform::parseXml("<a>" + repeated(100'000, "<a", "/>") + "</a>", ignored));
+    EXPECT_FALSE(platform::parseXml(repeated(100'000, "<?a", " ?>") + "<a/>", ignored));
+    auto const declared = "<!DOCTYPE a [<!ATTLIST a" + repeated(1'000, " a", " CDATA ''") + ">]>";
+    EXPECT_TRUE(platform::parseXml(declared + "<b/>", ignored));
+    EXPECT_FALSE(platform::parseXml(declared + "<a/>", ignored));
 }

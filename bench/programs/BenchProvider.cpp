@@ -3,6 +3,7 @@
 #include "demo/Provider.h"
 
 #include "platform/UrlLoader.h"
+#include "services/ReplyText.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -11,11 +12,11 @@
 
 namespace {
 
-// As large as a body may be, less what stands around the filling.
-constexpr std::size_t room = platform::maximumBodySize - 1024;
+// What stands around a filling.
+constexpr std::size_t frame = 1024;
 
 // Each piece has its number in place of a "#".
-std::string filling(std::string_view piece)
+std::string filling(std::string_view piece, std::size_t room)
 {
     auto const mark = piece.find('#');
     std::string text;
@@ -40,18 +41,26 @@ demo::Reply manyHeaders()
     return reply;
 }
 
+// As large as a body may be, and as large as one that is read.
+void setWorstReports(demo::Provider& provider, std::string const& prefix, std::size_t size)
+{
+    auto const filled = [size](std::string_view piece) { return filling(piece, size - frame); };
+    provider.setReport(prefix + "space", figureOf("1" + filled(" ")));
+    provider.setReport(prefix + "digits", figureOf(filled("9")));
+    provider.setReport(prefix + "references", figureOf(filled("&#49;")));
+    provider.setReport(prefix + "elements", "<usage>" + filled("<a/>") + "</usage>");
+    provider.setReport(prefix + "names", "<usage>" + filled("<a#/>") + "</usage>");
+    provider.setReport(prefix + "attributes", "<usage " + filled("a#='' ") + "/>");
+    provider.setReport(prefix + "comment", "<usage><!--" + filled(" ") + "--></usage>");
+    provider.setReport(prefix + "nested", filled("<a>"));
+}
+
 void setWorstReplies(demo::Provider& provider)
 {
-    provider.setReport("benchspace", figureOf("1" + filling(" ")));
-    provider.setReport("benchdigits", figureOf(filling("9")));
-    provider.setReport("benchreferences", figureOf(filling("&#49;")));
-    provider.setReport("benchelements", "<usage>" + filling("<a/>") + "</usage>");
-    provider.setReport("benchnames", "<usage>" + filling("<a#/>") + "</usage>");
-    provider.setReport("benchattributes", "<usage " + filling("a#='' ") + "/>");
-    provider.setReport("benchcomment", "<usage><!--" + filling(" ") + "--></usage>");
-    provider.setReport("benchnested", filling("<a>"));
-    provider.setReport("benchtoolarge", filling("<a/>") + filling("<a/>"));
-    provider.setReply("benchheaders", manyHeaders());
+    setWorstReports(provider, "large", platform::maximumBodySize);
+    setWorstReports(provider, "read", largestReply);
+    provider.setReport("largest", filling("<a/>", 2 * platform::maximumBodySize));
+    provider.setReply("headers", manyHeaders());
 }
 
 int fail(std::string_view message)
