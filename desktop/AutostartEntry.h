@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-/// The program's entry among those that a desktop starts at login, after the Desktop Application Autostart
-/// Specification. An entry of the user's takes the place of a system's entry of that name. Main thread only.
+/// The program's entry among those that a desktop starts at login, as XDG's autostart has them. An entry of the user's
+/// takes the place of a system's entry of that name. Main thread only.
 class AutostartEntry final : public platform::LoginItem {
 public:
     struct Program {
