@@ -71,7 +71,7 @@ void WindowMirror::buildWidget()
         widget_->setWindowModality(Qt::WindowModal);
     else
         widget_->setWindowFlags(Qt::Window);
-    // Only now: reading the desktop's icon theme takes a third as long as the whole start.
+    // Only now: reading the desktop's icon theme would make up a seventh of the start.
     widget_->setWindowIcon(QIcon::fromTheme(toQt(bundle_.infoText("CFBundleIconFile"))));
     build_(*widget_);
     binder_ = std::make_unique<Binder>(*widget_, bundle_, runLoop_);
