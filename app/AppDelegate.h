@@ -20,9 +20,9 @@
 namespace platform {
 class MenuItem;
 class NumberFormatter;
-struct Alert;
 class TextField;
 class UserDefaults;
+class Window;
 struct Platform;
 }
 class CacheData;
@@ -206,7 +206,8 @@ private:
 
     // Key management
     void acceptLookup(std::optional<std::string> const& key, bool showError);
-    void showAlertOnAddKeyWindow(platform::Alert alert);
+    platform::Window& addKeyAlertWindow();
+    void showLookupFailure();
     void selectFirstKey();
     std::vector<std::string> storedKeyEntries() const;
     void storeKeyEntries(std::vector<std::string> const& entries);
@@ -253,3 +254,5 @@ private:
 
     std::vector<platform::Subscription> observations_;
 };
+    /// While the user is asked whether to remove a connection.
+    platform::Subscription removalObservation_;

@@ -39,6 +39,23 @@ void Window::endAlerts()
     attachNextSheet();
 }
 
+void Window::endAlerts(std::string_view messageText)
+{
+    std::erase_if(sheets_, [messageText](Begun const& begun) { return isAlert(begun, messageText); });
+    attachNextSheet();
+}
+
+bool Window::hasAlert(std::string_view messageText) const
+{
+    return std::ranges::any_of(sheets_, [messageText](Begun const& begun) { return isAlert(begun, messageText); });
+}
+
+bool Window::isAlert(Begun const& begun, std::string_view messageText)
+{
+    auto const* const alert = std::get_if<std::shared_ptr<Alert const>>(&begun.sheet);
+    return alert && (*alert)->messageText == messageText;
+}
+
 void Window::userAnswered(int returnCode)
 {
     if (!std::holds_alternative<std::shared_ptr<Alert const>>(attachedSheet.get()))

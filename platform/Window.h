@@ -8,6 +8,8 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <variant>
 
 namespace platform {
@@ -56,6 +58,10 @@ public:
     void endSheet(Window& sheet);
     /// Takes the attached alert and all that wait away. That is no answer: no completion runs.
     void endAlerts();
+    /// The same for the alerts with this message alone.
+    void endAlerts(std::string_view messageText);
+    /// Whether an alert with this message is attached or waits.
+    bool hasAlert(std::string_view messageText) const;
 
     /// The user answered the attached alert.
     void userAnswered(int returnCode);
@@ -67,6 +73,7 @@ private:
         Completion completion;
     };
 
+    static bool isAlert(Begun const& begun, std::string_view messageText);
     void attachNextSheet();
 
     std::deque<Begun> sheets_;

@@ -65,15 +65,29 @@ TEST_F(KeyManagementTest, ALookupSpeaksOnlyWhenAskedAndAnswersWheneverItComes)
     EXPECT_EQ(outlets->usageID.text.get(), "typed");
     EXPECT_EQ(alertOn(outlets->addKeyWindow), "");
 
-    // Two at once, both late: the sheet has gone, and a failure is told where it stood.
-    outlets->autoRetrieveCodeButton.userClicked();
-    outlets->autoRetrieveCodeButton.userClicked();
-    outlets->addKeyWindow.userClosed();
+    // Three at once, all late: the sheet has gone, and one alert where it stood is for all that failed.
+    auto const askThreeTimes = [this] {
+        for (int i = 0; i < 3; ++i)
+            outlets->autoRetrieveCodeButton.userClicked();
+        outlets->addKeyWindow.userClosed();
+    };
+    askThreeTimes();
     EXPECT_FALSE(outlets->addKeyWindow.visible.get());
     queues.run(1);
-    loader.replies[lookupAddress] = "<r><key>K2</key></r>";
+    queues.run(1);
+    loader.replies[lookupAddress] = "<r><key>K2\n</key></r>";
     settle();
-    EXPECT_EQ(outlets->usageID.text.get(), "K2");
+    outlets->window.userAnswered(platform::Alert::firstButtonReturn);
+    EXPECT_EQ(alertOn(outlets->window), "");
+
+    // Nobody is waiting any more.
+    loader.replies.clear();
+    askThreeTimes();
+    outlets->window.userClosed();
+    settle();
+    controller->showPreferences();
+    EXPECT_EQ(alertOn(outlets->window), "");
+    EXPECT_EQ(outlets->usageID.text.get(), "K2\n") << "what is looked up is taken as it is";
     EXPECT_EQ(alertOn(outlets->window), textOf("AUTO_FAILURE_TITLE"));
 }
 
@@ -102,6 +116,25 @@ TEST_F(KeyManagementTest, RemovingTheLastEntryEndsWithAnEmptyListAndALateReportD
 {
     launchWith({ home });
     EXPECT_TRUE(outlets->changeConnectionMenuItem->hidden.get()) << "one entry is no choice";
+    outlets->removeKeyButton.userClicked();
+    outlets->window.userAnswered(Alert::firstButtonReturn);
+    EXPECT_TRUE(outlets->changeConnectionMenuItem->hidden.get()) << "one entry is no choice";
+}
+
+TEST_F(KeyManagementTest, TheQuestionWhetherToRemoveEndsWhenAnotherConnectionIsSelected)
+{
+    launchWith({ home, cottage });
+    std::vector<std::function<void()>> const ways { [this] { connection(1).userClicked(); },
+        [this] { outlets->tarvoUsageKeysComboBox.userSelected(0); },
+        [this] { controller->addKeyWithNickname("Office", "K3"); },
+        [this] { defaults.set(settings::tarvoKeySelected, home); } };
+    for (auto const& select : ways) {
+        outlets->removeKeyButton.userClicked();
+        EXPECT_NE(alertOn(outlets->window), "");
+        select();
+        EXPECT_EQ(alertOn(outlets->window), "");
+    }
+    EXPECT_EQ(stored(), (platform::Array { home, cottage, office }));
     controller->updateButton();
     outlets->removeKeyButton.userClicked();
     outlets->window.userAnswered(1000);

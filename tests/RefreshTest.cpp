@@ -77,6 +77,7 @@ TEST_F(RefreshTest, WithoutRoomForAnotherQueueItFailsAndTriesAgain)
     EXPECT_EQ(alertOn(outlets->window), bundle.localizedString("AUTO_FAILURE_TITLE"));
     controller->viewDailyUsageDataButton({});
     EXPECT_EQ(alertOn(outlets->detailedUsage.window), bundle.localizedString("USAGE_DETAIL_ERROR_LOAD_TITLE"));
+    controller->showPreferences();
     queues.isFull = false;
     advance(30s);
     EXPECT_EQ(title(), "10GB");

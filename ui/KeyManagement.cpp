@@ -61,7 +61,7 @@ void AppDelegate::addKeyAction()
     if (KeyEntry::isAcceptable(outlets_.keyNewNickname.text.get(), outlets_.usageID.text.get()))
         doAddKey();
     else
-        showAlertOnAddKeyWindow({ .messageText = text("FAILURE_BLANK_CODE") });
+        addKeyAlertWindow().beginSheet({ .messageText = text("FAILURE_BLANK_CODE") });
 }
 
 void AppDelegate::doAddKey()
@@ -69,7 +69,7 @@ void AppDelegate::doAddKey()
     if (addKeyWithNickname(outlets_.keyNewNickname.text.get(), outlets_.usageID.text.get()))
         outlets_.window.endSheet(outlets_.addKeyWindow);
     else
-        showAlertOnAddKeyWindow({ .messageText = text("FAILURE_KEY_EXISTS") });
+        addKeyAlertWindow().beginSheet({ .messageText = text("FAILURE_KEY_EXISTS") });
     // Even a refused key leads to fresh figures.
     loadKeys();
     updateUsageWithCache(false);
@@ -110,23 +110,36 @@ void AppDelegate::acceptLookup(std::optional<std::string> const& key, bool showE
     if (key)
         outlets_.usageID.text.set(*key);
     else if (showError)
-        showAlertOnAddKeyWindow({ .messageText = text("AUTO_FAILURE_TITLE"),
-            .informativeText = text("AUTO_FAILURE_MESSAGE"),
-            .buttons = { text("DISMISS") } });
+        showLookupFailure();
 }
 
 // An alert that comes too late for its window goes to the one that the window stood on.
-void AppDelegate::showAlertOnAddKeyWindow(platform::Alert alert)
+platform::Window& AppDelegate::addKeyAlertWindow()
 {
-    auto& window = outlets_.addKeyWindow.visible.get() ? outlets_.addKeyWindow : outlets_.window;
-    window.beginSheet(std::move(alert));
+    return outlets_.addKeyWindow.visible.get() ? outlets_.addKeyWindow : outlets_.window;
+}
+
+// One alert speaks for all lookups that failed before it was answered. A user who has closed both windows is no longer
+// waiting for it.
+void AppDelegate::showLookupFailure()
+{
+    auto& window = addKeyAlertWindow();
+    auto title = text("AUTO_FAILURE_TITLE");
+    if (!window.visible.get() || window.hasAlert(title))
+        return;
+    window.beginSheet({ .messageText = std::move(title),
+        .informativeText = text("AUTO_FAILURE_MESSAGE"),
+        .buttons = { text("DISMISS") } });
 }
 
 void AppDelegate::removeKeyButton()
 {
-    auto const& comboBox = outlets_.tarvoUsageKeysComboBox;
+    auto& comboBox = outlets_.tarvoUsageKeysComboBox;
     if (comboBox.text.get().empty() || comboBox.items.get().empty())
         return;
+    // The question is about this connection. Whatever selects another one takes the question back.
+    removalObservation_ = comboBox.text.observeChanges(
+        [this](std::string const&) { outlets_.window.endAlerts(text("REMOVE_KEY_CONFIRM_TITLE")); });
     outlets_.window.beginSheet(
         { .messageText = text("REMOVE_KEY_CONFIRM_TITLE"),
             .informativeText
