@@ -181,9 +181,10 @@ private:
 
     // Refresh
     void refreshInBackground(Refresh const& refresh);
-    void acceptCachedReport(platform::Dictionary const& report);
+    void acceptCachedReport(Refresh const& refresh, platform::Dictionary const& report);
     void acceptFetchedReport(Refresh const& refresh, platform::Dictionary report, platform::Date lastUpdate);
-    void acceptFailure();
+    void acceptFailure(std::string const& usageKey);
+    void followSelection();
     void notify();
 
     // Schedule
@@ -210,6 +211,8 @@ private:
     void showLookupFailure();
     void selectFirstKey();
     std::vector<std::string> storedKeyEntries() const;
+    /// Whether an entry of the key list has this usage key.
+    bool isStored(std::string_view usageKey) const;
     void storeKeyEntries(std::vector<std::string> const& entries);
 
     // Preferences
@@ -237,6 +240,8 @@ private:
 
     /// The current report; empty until the first refresh ends, none after one that failed.
     std::optional<platform::Dictionary> usageDictionary_;
+    /// The usage key that the current report, or its failure, belongs to; none until the first refresh ends.
+    std::optional<std::string> reportKey_;
     /// The current usage key.
     std::string selectedKey_;
     IntervalChoice indexOfSelectedItemUpdateInterval_ = 0;
@@ -253,6 +258,6 @@ private:
     std::unique_ptr<DetailedUsageViewController> detailedUsageController_;
 
     std::vector<platform::Subscription> observations_;
-};
     /// While the user is asked whether to remove a connection.
     platform::Subscription removalObservation_;
+};

@@ -6,6 +6,8 @@
 #include "storage/SettingsKeys.h"
 #include "storage/UsageCaps.h"
 
+#include <algorithm>
+
 void AppDelegate::loadKeys()
 {
     if (!prefs_->contains(settings::tarvoKeys)) {
@@ -68,6 +70,12 @@ std::optional<std::string> AppDelegate::usageCapForKey(std::string_view keyEntry
 void AppDelegate::storeKeyEntries(std::vector<std::string> const& entries)
 {
     prefs_->set(settings::tarvoKeys, platform::Array(entries.begin(), entries.end()));
+}
+
+bool AppDelegate::isStored(std::string_view usageKey) const
+{
+    return std::ranges::any_of(
+        storedKeyEntries(), [usageKey](std::string const& entry) { return KeyEntry::parse(entry).key == usageKey; });
 }
 
 std::vector<std::string> AppDelegate::storedKeyEntries() const

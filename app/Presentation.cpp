@@ -52,6 +52,8 @@ void AppDelegate::showError()
 void AppDelegate::presentReport()
 {
     waiting_ = false;
+    // Of an overlapping refresh that failed.
+    fixErrorTimer_.reset();
     updateTitleBarDates();
     auto figures = UsageFigures::fromReport(*usageDictionary_, outlets_.usageLimit.text.get());
     showToolTips(figures);

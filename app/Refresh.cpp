@@ -31,7 +31,7 @@ void AppDelegate::updateUsageWithCache(bool cacheAllowed, bool withNotification)
     bool const started = platform_.backgroundQueues.async("usage_background",
         [this, refresh = Refresh { selectedKey_, cacheAllowed, withNotification }] { refreshInBackground(refresh); });
     if (!started)
-        acceptFailure();
+        acceptFailure(selectedKey_);
 }
 
 // Runs on the refresh's own queue. Whatever it finds goes to the main thread in one task.
@@ -39,7 +39,8 @@ void AppDelegate::refreshInBackground(Refresh const& refresh)
 {
     if (refresh.cacheAllowed) {
         if (auto cached = cacheData().retrieveCachedFileWithName(refresh.usageKey)) {
-            platform_.runLoop.perform([this, report = *std::move(cached)] { acceptCachedReport(report); });
+            platform_.runLoop.perform(
+                [this, refresh, report = *std::move(cached)] { acceptCachedReport(refresh, report); });
             return;
         }
     }
@@ -49,15 +50,16 @@ void AppDelegate::refreshInBackground(Refresh const& refresh)
     platform_.runLoop.perform(
         [this, refresh, lastUpdate, report = std::move(fetched).value_or(platform::Dictionary {})] {
             if (report.empty())
-                acceptFailure();
+                acceptFailure(refresh.usageKey);
             else
                 acceptFetchedReport(refresh, report, lastUpdate);
         });
 }
 
-void AppDelegate::acceptCachedReport(platform::Dictionary const& report)
+void AppDelegate::acceptCachedReport(Refresh const& refresh, platform::Dictionary const& report)
 {
     usageDictionary_ = report;
+    reportKey_ = refresh.usageKey;
     indexOfSelectedItemUpdateInterval_ = intervalChoice();
     if (indexOfSelectedItemUpdateInterval_ != 0) {
         auto const* const nextUpdate = platform::entry<platform::Date>(report, reportEntry::nextUpdate);
@@ -75,16 +77,20 @@ void AppDelegate::acceptFetchedReport(Refresh const& refresh, platform::Dictiona
     report.insert_or_assign(reportEntry::updateInterval, indexOfSelectedItemUpdateInterval_);
 
     usageDictionary_ = std::move(report);
+    reportKey_ = refresh.usageKey;
 
-    cacheData().saveCacheFile(*usageDictionary_, refresh.usageKey);
+    // Removing a connection removes its file, which a refresh that was under way must not bring back.
+    if (isStored(refresh.usageKey))
+        cacheData().saveCacheFile(*usageDictionary_, refresh.usageKey);
     if (refresh.withNotification)
         notify();
     updateTitleBar();
 }
 
-void AppDelegate::acceptFailure()
+void AppDelegate::acceptFailure(std::string const& usageKey)
 {
     usageDictionary_.reset();
+    reportKey_ = usageKey;
     updateTitleBar();
 }
 
@@ -109,5 +115,19 @@ void AppDelegate::updateTitleBar()
             presentReport();
         else
             showError();
+        followSelection();
     });
+}
+
+// A refresh keeps its key, so its outcome can come after the user has picked another connection or removed the last
+// one. It is presented all the same, but does not stay under another connection's name. What follows has the key of the
+// moment, so this ends once the user stops picking.
+void AppDelegate::followSelection()
+{
+    if (!reportKey_)
+        return;
+    if (!getCurrentlySelectedKey())
+        updateMenuBarLoading();
+    else if (*reportKey_ != selectedKey_)
+        updateUsageWithCache(true);
 }

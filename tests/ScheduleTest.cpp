@@ -198,3 +198,14 @@ TEST_F(Schedule, RetriesEveryThirtySecondsUntilTheProviderAnswers)
     advance(1h);
     EXPECT_EQ(requests(), 6U);
 }
+
+    // That of another refresh too, which was asked for before the failure.
+    controller->updateButton();
+    controller->updateButton();
+    failReply("K1");
+    queues.run(0);
+    setReply("K1", 10);
+    settle();
+    EXPECT_EQ(title(), "10GB");
+    advance(1h);
+    EXPECT_EQ(requests(), 8U);

@@ -68,7 +68,10 @@ struct RecordedDesktop final : platform::Application,
     void terminate() override { ++terminations; }
     void open(std::string const& url) override { opened.push_back(url); }
     void setDelegate(platform::NotificationCenterDelegate* newDelegate) override { delegate = newDelegate; }
-    void deliver(platform::UserNotification const& notification) override { notified.push_back(notification.title); }
+    void deliver(platform::UserNotification const& notification) override
+    {
+        notified.push_back(notification.title + ": " + notification.informativeText);
+    }
     void removeDelivered(platform::NotificationId id) override { removed.push_back(id); }
 
     bool isEnabled() const override { return startsAtLogin; }
