@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/Controls.h"
 
+#include "platform/Utf8.h"
+
 namespace platform {
 
 void CheckBox::userToggled(bool nowOn)
@@ -28,6 +30,6 @@ void DatePicker::userPicked(Date date)
         action();
 }
 
-void TextField::userTyped(std::string const& typed) { text.set(typed); }
+void TextField::userTyped(std::string_view typed) { text.set(withoutControlCharacters(typed)); }
 
 }

@@ -9,6 +9,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace platform {
@@ -63,7 +64,8 @@ public:
     Property<bool> hidden { false };
     Opacity opacity { 1.0 };
 
-    void userTyped(std::string const& typed);
+    /// The whole text as the user left it. What does not belong on one line is left out.
+    void userTyped(std::string_view typed);
 };
 
 /// Lets the user pick a month between two dates. It holds a whole date, of which only the month is shown.

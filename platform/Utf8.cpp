@@ -19,6 +19,17 @@ std::int32_t nextCodePoint(std::string_view text, std::size_t& position)
     return codePoint;
 }
 
+namespace {
+
+// Unicode's categories Cc, Zl and Zp.
+bool isControlCharacter(std::int32_t codePoint)
+{
+    return (codePoint >= 0 && codePoint < 0x20) || (codePoint >= 0x7F && codePoint < 0xA0) || codePoint == 0x2028
+        || codePoint == 0x2029;
+}
+
+}
+
 bool isValidUtf8(std::string_view text)
 {
     for (std::size_t position = 0; position < text.size();) {
@@ -26,6 +37,17 @@ bool isValidUtf8(std::string_view text)
             return false;
     }
     return true;
+}
+
+std::string withoutControlCharacters(std::string_view text)
+{
+    std::string kept;
+    for (std::size_t position = 0; position < text.size();) {
+        std::size_t const start = position;
+        if (!isControlCharacter(nextCodePoint(text, position)))
+            kept += text.substr(start, position - start);
+    }
+    return kept;
 }
 
 }

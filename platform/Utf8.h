@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace platform {
@@ -11,5 +12,8 @@ namespace platform {
 std::int32_t nextCodePoint(std::string_view text, std::size_t& position);
 
 bool isValidUtf8(std::string_view text);
+
+/// The text without line breaks, tabs and other control characters; what is not UTF-8 stays.
+std::string withoutControlCharacters(std::string_view text);
 
 }

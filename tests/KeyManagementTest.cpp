@@ -26,7 +26,8 @@ TEST_F(KeyManagementTest, RefusesWhatWouldMakeAnEntryAmbiguousOrIsThere)
     launchWith({ home });
     std::vector<std::tuple<char const*, char const*, bool>> const cases { { "Home", "", false },
         { "Home", "K-2", false }, { "Ho-me", "K2", false }, { "Home", "K 2", false }, { "", "K2", true },
-        { "My & <b>_home_</b>", "K3\t", true } };
+        // A pasted line brings its end with it.
+        { "My & <b>_\thome_</b>\u2028", "K3\r\n", true } };
     for (auto const& [nickname, key, isAccepted] : cases) {
         outlets->addKeyButton.userClicked();
         auto const count = stored().size();
@@ -37,7 +38,7 @@ TEST_F(KeyManagementTest, RefusesWhatWouldMakeAnEntryAmbiguousOrIsThere)
         outlets->addKeyWindow.userAnswered(1000);
         settle();
     }
-    EXPECT_EQ(stored().at(1), platform::Value(" - K2"));
+    EXPECT_EQ(stored(), (platform::Array { home, " - K2", "My & <b>_home_</b> - K3" }));
 
     // A duplicate is refused too, but still refreshes.
     outlets->addKeyButton.userClicked();
