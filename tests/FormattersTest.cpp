@@ -36,12 +36,16 @@ TEST(NumberFormatter, GroupsAndRoundsHalfToEvenByTheLocale)
         EXPECT_EQ(platform::NumberFormatter(each.locale).string(each.number), each.text) << each.locale;
 }
 
-TEST(DateFormatter, WritesFarDatesShortAndInTheLocalesOrder)
+TEST(DateFormatter, WritesFarDatesShortInTheLocalesOrderAndTodayAsAWord)
 {
     setenv("TZ", "UTC", 1);
     platform::Date const date { std::chrono::sys_days(std::chrono::year(2024) / 5 / 31) + std::chrono::hours(13) };
     EXPECT_EQ(platform::DateFormatter("en_US").string(date), "5/31/24, 1:00\u202FPM");
     EXPECT_EQ(platform::DateFormatter("fr_FR").string(date), "31/05/2024 13:00");
+    // The day may be over between the two.
+    platform::DateFormatter const today("en_US");
+    auto const now = std::chrono::system_clock::now();
+    EXPECT_TRUE(today.string(now).starts_with("today") || today.string(now).starts_with("tomorrow"));
 }
 
 TEST(Locale, FollowsTheUsualOrderAndFallsBackToEnglish)

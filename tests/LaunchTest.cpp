@@ -43,6 +43,7 @@ TEST_F(LaunchTest, ConvertsTheKeyOfEarlierVersions)
     launchAndSettle();
     EXPECT_EQ(*defaults.get<platform::Array>(settings::tarvoKeys), platform::Array { home });
     EXPECT_EQ(*defaults.get<std::string>(settings::tarvoKeySelected), home);
+    EXPECT_EQ(outlets->tarvoUsageKeysComboBox.items.get(), Texts { home });
     EXPECT_FALSE(defaults.contains(settings::tarvoId));
     EXPECT_TRUE(outlets->window.visible.get());
     EXPECT_EQ(alertOn(outlets->window), bundle.localizedString("CONVERSION_COMPLETE"));

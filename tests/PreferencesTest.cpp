@@ -5,30 +5,54 @@ struct PreferencesTest : ControllerTest {
     PreferencesTest() { launchWith({ home, cottage }); }
 };
 
+TEST_F(PreferencesTest, EachCheckBoxOfALineShowsItsOwnAtOnceAndLasts)
+{
+    auto const pairs = [this] {
+        return std::vector { std::pair(&outlets->usageCapToggle, outlets->usageCapMenuItem.get()),
+            { &outlets->remainingUsageToggle, outlets->remainingUsageMenuItem.get() },
+            { &outlets->lastUpdateToggle, outlets->lastUpdateMenuItem.get() },
+            { &outlets->nextUpdateToggle, outlets->nextUpdateMenuItem.get() } };
+    };
+    for (std::size_t off = 0; off < pairs().size(); ++off) {
+        auto const expectOnlyThatHidden = [&] {
+            for (std::size_t i = 0; i < pairs().size(); ++i)
+                EXPECT_EQ(pairs()[i].second->hidden.get(), i == off) << i << off;
+        };
+        pairs()[off].first->userToggled(false);
+        expectOnlyThatHidden();
+        refresh();
+        expectOnlyThatHidden();
+        launchAndSettle();
+        expectOnlyThatHidden();
+        pairs()[off].first->userToggled(true);
+    }
+}
+
 TEST_F(PreferencesTest, ChoicesTakeEffectAtOnceAndLast)
 {
-    outlets->usageCapToggle.userToggled(false);
-    outlets->nextUpdateToggle.userToggled(false);
     outlets->onlyKeyNicknamesToggle.userToggled(true);
-    outlets->showNotificationsToggle.userToggled(true);
+    outlets->showNotificationsToggle.userToggled(false);
     outlets->statusBarDropdown.userSelected(0);
     outlets->updateIntervalPopupButton.userSelected(6);
     settle();
-    // Nobody is notified without a service, whatever is stored.
-    platform.notificationCenter = nullptr;
     for (int launches = 0; launches < 2; ++launches) {
-        EXPECT_TRUE(outlets->usageCapMenuItem->hidden.get());
-        EXPECT_FALSE(outlets->remainingUsageMenuItem->hidden.get());
-        EXPECT_TRUE(outlets->nextUpdateMenuItem->hidden.get());
+        EXPECT_FALSE(outlets->showNotificationsToggle.on.get());
         EXPECT_EQ(connection(1).title.get(), "Cottage");
         EXPECT_EQ(title(), "6GB");
         EXPECT_EQ(nextLine(), nextUpdate(at(16, 0)));
         EXPECT_EQ(requests(), 2U);
         launchAndSettle();
     }
-    EXPECT_TRUE(outlets->showNotificationsToggle.hidden.get());
     outlets->window.effectiveAppearance.set(platform::Appearance::Dark);
     EXPECT_EQ(outlets->window.backgroundColor.get(), bundle.namedColor("mainBackground", platform::Appearance::Dark));
+
+    // Nobody is notified without a service, whatever is stored.
+    outlets->showNotificationsToggle.userToggled(true);
+    platform.notificationCenter = nullptr;
+    launchAndSettle();
+    EXPECT_TRUE(outlets->showNotificationsToggle.hidden.get());
+    advance(6h);
+    EXPECT_EQ(title(), "6GB");
 }
 
 TEST_F(PreferencesTest, TheTitleChoiceRewritesTheTitleOnlyOverAReport)
@@ -69,6 +93,15 @@ TEST_F(PreferencesTest, TheSuccessMessageFadesInStaysAndGoesAfterEveryPress)
         advance(750ms);
         EXPECT_TRUE(message.hidden.get());
     }
+    // Of two presses each one's time to go comes, and begins with the message shown.
+    outlets->clearCacheButton.userClicked();
+    advance(3s);
+    outlets->clearCacheButton.userClicked();
+    advance(6500ms);
+    EXPECT_FALSE(message.hidden.get());
+    EXPECT_EQ(message.opacity.at(runLoop.uptime()), 1.0);
+    advance(1500ms);
+    EXPECT_TRUE(message.hidden.get());
 }
 
 TEST_F(PreferencesTest, StartingAtLoginShowsWhatStandsOnDisk)

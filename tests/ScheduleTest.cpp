@@ -91,7 +91,10 @@ TEST_F(Schedule, ChangingTheIntervalEmptiesTheCacheAndRefreshes)
     EXPECT_FALSE(saved.contains(reportEntry::nextUpdate));
     EXPECT_EQ(*platform::entry<std::int64_t>(saved, reportEntry::updateInterval), 0);
     advance(100h);
+    controller->updateUsageWithCache(true);
+    settle();
     EXPECT_EQ(requests(), 3U);
+    EXPECT_EQ(lastLine(), lastUpdate(runLoop.now())) << "without a next update, the last one is the moment's";
 }
 
 TEST_F(Schedule, WakingRefreshesOnlyWhatFellDueInSleep)
@@ -197,7 +200,6 @@ TEST_F(Schedule, RetriesEveryThirtySecondsUntilTheProviderAnswers)
     EXPECT_EQ(title(), "10GB");
     advance(1h);
     EXPECT_EQ(requests(), 6U);
-}
 
     // That of another refresh too, which was asked for before the failure.
     controller->updateButton();
@@ -209,3 +211,4 @@ TEST_F(Schedule, RetriesEveryThirtySecondsUntilTheProviderAnswers)
     EXPECT_EQ(title(), "10GB");
     advance(1h);
     EXPECT_EQ(requests(), 8U);
+}

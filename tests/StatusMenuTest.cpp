@@ -26,6 +26,10 @@ TEST_F(StatusMenuTest, PickingAConnectionSwitchesToItAndLeavesCapsAndWindowAlone
     outlets->usageLimit.userTyped("77");
     connection(1).userClicked();
     EXPECT_EQ(title(), "Please wait…");
+    auto lines = linesOf(outlets->dropDownMenu);
+    std::erase_if(lines, [](std::string const& line) { return !line.ends_with(" …"); });
+    EXPECT_EQ(
+        lines, (Texts { "Downloaded: …", "Downloaded free: …", "All traffic: …", "Last update: …", "Next update: …" }));
     settle();
     EXPECT_EQ(title(), "20GB");
     EXPECT_EQ(outlets->usageCapText.text.get(), "40GB");
@@ -44,11 +48,15 @@ TEST_F(StatusMenuTest, ConfirmingStoresTheCapAndHidesTheWindowEvenAfterAnEmptyPi
 
     outlets->tarvoUsageKeysComboBox.userSelected(1);
     EXPECT_EQ(outlets->usageLimit.text.get(), "");
-    outlets->usageLimit.userTyped("12,5");
-    outlets->useConnectionButton.userClicked();
-    settle();
-    EXPECT_EQ(controller->usageCapForKey(cottage), "12,5");
-    EXPECT_EQ(outlets->usageCapText.text.get(), "12GB");
+    defaults.set(settings::usageCapValues, platform::Dictionary { { home, "90" } });
+    for (auto const& [typed, shown] : { std::pair("12,5", "12GB"), { "", "∞" }, { "40", "40GB" } }) {
+        outlets->usageLimit.userTyped(typed);
+        outlets->useConnectionButton.userClicked();
+        settle();
+        EXPECT_EQ(controller->usageCapForKey(cottage), typed);
+        EXPECT_EQ(outlets->usageCapText.text.get(), shown);
+    }
+    EXPECT_EQ(controller->usageCapForKey(home), "90");
     EXPECT_FALSE(outlets->window.visible.get());
     EXPECT_EQ(title(), "20GB");
 }

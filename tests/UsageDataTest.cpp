@@ -36,6 +36,7 @@ TEST(UsageData, CollectsTheFiguresAsTheyStandByTheGroupOpenedLast)
             { { "used:download", "52345678901" }, { "used:upload", "1.5E9" } } },
         { "<a><grace><download>n/a</download><upload/></grace></a>",
             { { "grace:download", "n/a" }, { "grace:upload", "" } } },
+        { "<a><plan>9</plan><used><upload>2</upload></used></a>", { { "used:upload", "2" } } },
         { "<a><used/><upload>2</upload></a>", { { "used:upload", "2" } } },
         { "<a><download>1</download><used><upload>2</upload></used></a>", { { "used:upload", "2" } } },
         { "<a><used><upload>1</upload></used><used><upload>2</upload></used></a>", { { "used:upload", "2" } } },
