@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/FreedesktopNotifications.h"
 
+#include "desktop/ActivationToken.h"
 #include "desktop/PendingCall.h"
 #include "desktop/Text.h"
 
@@ -45,7 +46,7 @@ FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus)
     , serviceOwner_(service, bus_, QDBusServiceWatcher::WatchForOwnerChange)
 {
     // A service that starts anew counts from one again.
-    QObject::connect(&serviceOwner_, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { delivered_.clear(); });
+    QObject::connect(&serviceOwner_, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { delivered_.reset(); });
     auto const listen = [this](char const* signal, char const* slot) {
         bus_.connect(service, path, service, QLatin1String(signal), this, slot);
     };
@@ -59,18 +60,19 @@ void FreedesktopNotifications::deliver(platform::UserNotification const& notific
     auto message = call("Notify");
     QStringList const actions { defaultAction, toQt(notification.title) };
     QVariantMap const hints { { QStringLiteral("desktop-entry"), QGuiApplication::desktopFileName() } };
-    message << QCoreApplication::applicationName() << 0U << QGuiApplication::windowIcon().name()
+    // The service shows it in place of the last one, so that they do not collect while nobody looks.
+    message << QCoreApplication::applicationName() << delivered_.value_or(0U) << QGuiApplication::windowIcon().name()
             << toQt(notification.title) << toQt(notification.informativeText).toHtmlEscaped() << actions << hints << -1;
     whenFinished(bus_.asyncCall(message), this, [this](QDBusPendingCall const& finished) {
         QDBusPendingReply<uint> const reply = finished;
         if (reply.isValid())
-            delivered_.insert(reply.value());
+            delivered_ = reply.value();
     });
 }
 
 void FreedesktopNotifications::removeDelivered(platform::NotificationId id)
 {
-    delivered_.erase(id);
+    notificationClosed(id, 0);
     auto message = call("CloseNotification");
     message << id;
     bus_.send(message);
@@ -78,15 +80,18 @@ void FreedesktopNotifications::removeDelivered(platform::NotificationId id)
 
 void FreedesktopNotifications::actionInvoked(uint id, QString const& action)
 {
-    if (delegate_ && action == defaultAction && delivered_.contains(id))
+    if (delegate_ && action == defaultAction && id == delivered_)
         delegate_->didActivateNotification(id);
 }
 
-void FreedesktopNotifications::notificationClosed(uint id, uint /*reason*/) { delivered_.erase(id); }
+void FreedesktopNotifications::notificationClosed(uint id, uint /*reason*/)
+{
+    if (id == delivered_)
+        delivered_.reset();
+}
 
 void FreedesktopNotifications::activationToken(uint id, QString const& token)
 {
-    // Where windows are raised by token, Qt takes it from here at the next activation.
-    if (delivered_.contains(id))
-        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+    if (id == delivered_)
+        keepActivationToken(token);
 }

@@ -8,7 +8,7 @@
 #include <QObject>
 
 #include <memory>
-#include <set>
+#include <optional>
 
 /// The notification centre over the Desktop Notifications protocol 1.2 (org.freedesktop.Notifications).
 class FreedesktopNotifications final : public QObject, public platform::NotificationCenter {
@@ -32,7 +32,7 @@ private:
 
     QDBusConnection bus_;
     platform::NotificationCenterDelegate* delegate_ = nullptr;
-    /// Signals tell of every program's notifications; these are ours.
-    std::set<uint> delivered_;
+    /// The service's number of our last notification, unless it was closed.
+    std::optional<uint> delivered_;
     QDBusServiceWatcher serviceOwner_;
 };

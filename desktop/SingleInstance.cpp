@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/SingleInstance.h"
 
+#include "desktop/ActivationToken.h"
+
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QTimer>
@@ -69,8 +71,7 @@ bool SingleInstance::activateFirst()
 
 void SingleInstance::Activate(QVariantMap const& platformData)
 {
-    if (auto const token = platformData.value(QStringLiteral("activation-token")).toString(); !token.isEmpty())
-        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+    keepActivationToken(platformData.value(QStringLiteral("activation-token")).toString());
     // The caller is answered first.
     QTimer::singleShot(0, this, [this] {
         if (activated_)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/WindowMirror.h"
 
+#include "desktop/ActivationToken.h"
 #include "desktop/Mnemonics.h"
 #include "desktop/Text.h"
 #include "platform/Bundle.h"
@@ -106,6 +107,7 @@ void WindowMirror::bringToFront()
     widget_->setWindowState(widget_->windowState() & ~Qt::WindowMinimized);
     widget_->raise();
     widget_->activateWindow();
+    dropActivationToken();
 }
 
 void WindowMirror::setBackground(std::optional<platform::Color> const& color)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
+#include "desktop/ActivationToken.h"
 #include "desktop/AutostartEntry.h"
 #include "desktop/ColorScheme.h"
 #include "desktop/DesktopRunLoop.h"
@@ -168,7 +169,7 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
     StatusArea const statusArea(controller.usageStatusItem(),
         { .noStatusArea = [&windows, &desktopApplication] { windows.showUsageWindowWithMenu(desktopApplication); },
             .placed = [&windows] { windows.leaveMenuToStatusArea(); },
-            .activationToken = [](QString const& token) { qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8()); } },
+            .activationToken = keepActivationToken },
         bus);
     ColorScheme const colorScheme(bus, [&outlets](platform::Appearance appearance) {
         applyAppearance(appearance);

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+// A panel, a notification service or a later instance can hand over a token with which a window of ours may come to the
+// front (xdg-activation-v1). Main thread only.
+
+/// Keeps a token for the next window that comes to the front; the toolkit looks for it in the environment. A token that
+/// is empty or longer than 1 KiB is ignored.
+void keepActivationToken(QString const& token);
+
+/// Takes the token out of the environment. It is good for one window.
+void dropActivationToken();
