@@ -179,14 +179,29 @@ void Binder::bindLabel(char const* outlet, platform::TextField& model)
 {
     auto& label = widget<QLabel>(outlet);
     label.setTextFormat(Qt::PlainText);
-    // A figure stands in the table with its meaning around it; by ear it needs to say what it is.
-    keep(model.text.observe([&label, spoken = label.accessibleName()](std::string const& text) {
-        label.setText(toQt(text));
-        label.setAccessibleName(filledIn(spoken, toQt(text)));
-    }));
-    keep(model.toolTip.observe([&label](std::string const& text) { label.setToolTip(toQt(text)); }));
+    keep(model.text.observe([&label](std::string const& text) { label.setText(toQt(text)); }));
     mirrorHidden(label, model.hidden);
     mirrorOpacity(label, model.opacity);
+}
+
+void Binder::bindFigure(char const* outlet, platform::TextField& model)
+{
+    // In letters of average width. Every figure of a real connection is shorter.
+    constexpr int maximumWidth = 24;
+    bindLabel(outlet, model);
+    auto& label = widget<QLabel>(outlet);
+    auto const show = [&label, &model, spoken = label.accessibleName()](std::string const&) {
+        auto const whole = toQt(model.text.get());
+        auto const& metrics = label.fontMetrics();
+        auto const shown = metrics.elidedText(whole, Qt::ElideRight, maximumWidth * metrics.averageCharWidth());
+        label.setText(shown);
+        auto const toolTip = inLines(toQt(model.toolTip.get()));
+        label.setToolTip(shown == whole ? toolTip : inLines(whole) + QLatin1Char('\n') + toolTip);
+        // The table around a figure gives its meaning; by ear it needs to say what it is.
+        label.setAccessibleName(filledIn(spoken, whole));
+    };
+    keep(model.text.observe(show));
+    keep(model.toolTip.observeChanges(show));
 }
 
 void Binder::bindInput(char const* outlet, platform::TextField& model)
@@ -197,8 +212,16 @@ void Binder::bindInput(char const* outlet, platform::TextField& model)
         if (auto const shown = toQt(text); shown != input.text())
             input.setText(shown);
     }));
-    QObject::connect(
-        &input, &QLineEdit::textEdited, &input, [&model](QString const& text) { model.userTyped(text.toStdString()); });
+    QObject::connect(&input, &QLineEdit::textEdited, &input, [&input, &model](QString const& text) {
+        auto const behindCursor = text.size() - input.cursorPosition();
+        model.userTyped(text.toStdString());
+        auto const kept = toQt(model.text.get());
+        if (kept == text)
+            return;
+        // What the model left out was in front of the cursor.
+        input.setText(kept);
+        input.setCursorPosition(static_cast<int>(kept.size() - behindCursor));
+    });
 }
 
 void Binder::bind(char const* outlet, platform::LevelIndicator& model)

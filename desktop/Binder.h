@@ -39,6 +39,9 @@ public:
     void bind(char const* outlet, platform::PopUpButton& model);
     /// A text to read.
     void bindLabel(char const* outlet, platform::TextField& model);
+    /// A label for a figure, which it cuts off with an ellipsis rather than widen the window. The tool tip has it
+    /// whole.
+    void bindFigure(char const* outlet, platform::TextField& model);
     /// A text to type into.
     void bindInput(char const* outlet, platform::TextField& model);
     void bind(char const* outlet, platform::LevelIndicator& model);

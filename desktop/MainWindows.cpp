@@ -69,17 +69,17 @@ void bindAddKey(Binder& binder, Outlets& outlets)
 
 void bindUsage(Binder& binder, Outlets& outlets)
 {
-    binder.bindLabel("downloadUsage", outlets.downloadUsage);
-    binder.bindLabel("uploadUsage", outlets.uploadUsage);
-    binder.bindLabel("totalUsage", outlets.totalUsage);
-    binder.bindLabel("downloadFreeUsage", outlets.downloadFreeUsage);
-    binder.bindLabel("uploadFreeUsage", outlets.uploadFreeUsage);
-    binder.bindLabel("totalFreeUsage", outlets.totalFreeUsage);
-    binder.bindLabel("finalTotalUsage", outlets.finalTotalUsage);
-    binder.bindLabel("usageCapText", outlets.usageCapText);
-    binder.bindLabel("usageRemainingText", outlets.usageRemainingText);
+    binder.bindFigure("downloadUsage", outlets.downloadUsage);
+    binder.bindFigure("uploadUsage", outlets.uploadUsage);
+    binder.bindFigure("totalUsage", outlets.totalUsage);
+    binder.bindFigure("downloadFreeUsage", outlets.downloadFreeUsage);
+    binder.bindFigure("uploadFreeUsage", outlets.uploadFreeUsage);
+    binder.bindFigure("totalFreeUsage", outlets.totalFreeUsage);
+    binder.bindFigure("finalTotalUsage", outlets.finalTotalUsage);
+    binder.bindFigure("usageCapText", outlets.usageCapText);
+    binder.bindFigure("usageRemainingText", outlets.usageRemainingText);
     binder.bind("usageBar", outlets.usageBar);
-    binder.bindLabel("usageCapPercentageText", outlets.usageCapPercentageText);
+    binder.bindFigure("usageCapPercentageText", outlets.usageCapPercentageText);
     binder.bind("detailedUsageButton", outlets.detailedUsageButton);
 }
 

@@ -38,6 +38,13 @@ StatusNotifierItem::StatusNotifierItem(platform::StatusItem& item)
     qDBusRegisterMetaType<StatusToolTip>();
 }
 
+QString StatusNotifierItem::title() const
+{
+    // In letters, the ellipsis included. Every figure of a real connection is shorter.
+    constexpr qsizetype maximumLength = 32;
+    return shortened(toQt(item_.title.get()), maximumLength);
+}
+
 void StatusNotifierItem::setLook(StatusLook look)
 {
     look_ = look;
@@ -58,7 +65,10 @@ QString StatusNotifierItem::accessibleDescription() const
     return QCoreApplication::applicationName() + QLatin1String(": ") + title();
 }
 
-StatusToolTip StatusNotifierItem::toolTip() const { return { {}, {}, title(), details().toHtmlEscaped() }; }
+StatusToolTip StatusNotifierItem::toolTip() const
+{
+    return { {}, {}, toQt(item_.title.get()), details().toHtmlEscaped() };
+}
 
 void StatusNotifierItem::Activate(int /*x*/, int /*y*/) { Q_EMIT menuRequested(); }
 

@@ -56,7 +56,8 @@ public:
     QString id() const { return QStringLiteral("usage-meter"); }
     QString category() const { return QStringLiteral("ApplicationStatus"); }
     QString status() const { return QStringLiteral("Active"); }
-    QString title() const { return QString::fromStdString(item_.title.get()); }
+    /// Cut off with an ellipsis where a panel could not show it.
+    QString title() const;
     QString iconName() const { return {}; }
     QList<StatusPixmap> iconPixmap();
     /// What the item is and says, for panels that read it out.

@@ -33,6 +33,21 @@ inline QString asLabel(std::string_view text)
 /// A pattern's text, with this in its place for one.
 inline QString filledIn(QString pattern, QString const& text) { return pattern.replace(QLatin1String("%@"), text); }
 
+/// A text of at most so many letters, which ends in an ellipsis if it was longer.
+inline QString shortened(QString const& text, qsizetype maximumLength)
+{
+    return text.size() <= maximumLength ? text : text.left(maximumLength - 1) + QChar(0x2026);
+}
+
+/// A text that has no blanks to break it at, in lines that fit on a screen.
+inline QString inLines(QString text)
+{
+    constexpr qsizetype lineLength = 64;
+    for (qsizetype end = lineLength; end < text.size(); end += lineLength + 1)
+        text.insert(end, QLatin1Char('\n'));
+    return text;
+}
+
 /// A text for a window's title, where Qt would take "[*]" for the mark of a change.
 inline QString asWindowTitle(std::string_view text)
 {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The desktop's half of the program: real event loop, real widgets, a real bus.
+#include "desktop/ActivationToken.h"
 #include "desktop/ColorScheme.h"
 #include "desktop/FreedesktopNotifications.h"
 #include "desktop/LevelBar.h"
@@ -7,7 +8,11 @@
 #include "tests/support/WindowsTest.h"
 #include "ui/MainLayout.h"
 
+#include <atomic>
+#include <ctime>
+#include <sys/syscall.h>
 #include <thread>
+#include <unistd.h>
 
 using namespace std::chrono_literals;
 using platform::Alert;
@@ -36,6 +41,26 @@ TEST(DesktopRunLoop, TasksWaitTheirTurnAndTimersMayEndInTheirOwnTaskAndFireAtOnc
     EXPECT_EQ(hourly->fireDate(), first + 2h);
 }
 
+/// How long the computer has slept, as the clock that counts sleep has it.
+std::atomic<int> sleptSeconds = 0;
+
+TEST(DesktopRunLoop, TellsOfAWakeBeforeWhatFellDueInSleep)
+{
+    DesktopRunLoop loop;
+    Texts told;
+    auto const wake = loop.observeWake([&told] { told.emplace_back("wake"); });
+    std::unique_ptr<platform::Timer> timer;
+    for (auto const& schedule : { std::function<void()>([&] {
+                                     timer = loop.repeat(loop.now() + 1ms, 1h, [&told] { told.emplace_back("timer"); });
+                                 }),
+             std::function<void()>([&] { timer = loop.after(1ms, [&told] { told.emplace_back("timer"); }); }) }) {
+        schedule();
+        sleptSeconds += 3600;
+        ASSERT_TRUE(QTest::qWaitFor([&told] { return !told.empty() && told.back() == "timer"; }));
+        EXPECT_EQ(std::exchange(told, {}), (Texts { "wake", "timer" }));
+    }
+}
+
 TEST(SleepWatch, NoticesEachSleepOnceAndNoUnevenReading)
 {
     SleepWatch watch(100s, 90s);
@@ -53,7 +78,8 @@ struct MainWindowsTest : WindowsTest {
         outlets_.monitorWindow.makeKeyAndOrderFront();
     }
 
-    QWidget& window() { return *widgetOf<QLineEdit>("usageLimit").window(); }
+    static QWidget& window() { return *widgetOf<QLineEdit>("usageLimit").window(); }
+    static QWidget& usageWindow() { return *widgetOf<LevelBar>("usageBar").window(); }
 
     MainLayout layout_ { outlets_, bundle_, defaults_ };
 };
@@ -63,21 +89,48 @@ TEST_F(MainWindowsTest, TheUsersHandReachesTheModelsAndTheSettings)
     int actions = 0;
     outlets_.useConnectionButton.action = [&](platform::Sender) { ++actions; };
     outlets_.updateIntervalPopupButton.action = [&] { ++actions; };
-    outlets_.usageLimit.text.set("1");
-    QTest::keyClicks(&widgetOf<QLineEdit>("usageLimit"), QStringLiteral("0.5"));
+    outlets_.usageLimit.text.set("15");
+    auto& field = widgetOf<QLineEdit>("usageLimit");
+    field.setCursorPosition(1);
+    QTest::keyClicks(&field, QStringLiteral("0"));
+    QGuiApplication::clipboard()->setText(QStringLiteral("\t.\r\n"));
+    field.paste();
+    EXPECT_EQ(field.text(), "10.5") << "a field holds one line";
+    EXPECT_EQ(field.cursorPosition(), 3);
     QTest::mouseClick(&widgetOf<QPushButton>("useConnectionButton"), Qt::LeftButton);
     QTest::keyClick(&widgetOf<QCheckBox>("usageCapToggle"), Qt::Key_Space);
-    QTest::keyClick(&widgetOf<QComboBox>("updateIntervalPopupButton"), Qt::Key_Down);
+    auto& popUp = widgetOf<QComboBox>("updateIntervalPopupButton");
+    QTest::keyClick(&popUp, Qt::Key_Down);
+    QWheelEvent wheel({}, {}, {}, { 0, -120 }, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&popUp, &wheel);
     EXPECT_EQ(outlets_.usageLimit.text.get(), "10.5");
     EXPECT_EQ(*defaults_.get<bool>(settings::showUsageCap), false);
     EXPECT_EQ(*defaults_.get<std::int64_t>(settings::hourUpdateInterval), 1);
     EXPECT_EQ(actions, 2);
 
-    QTest::keyClick(&window(), Qt::Key_Escape);
-    EXPECT_FALSE(outlets_.window.visible.get());
-    EXPECT_FALSE(window().isVisible());
-    outlets_.window.makeKeyAndOrderFront();
-    EXPECT_TRUE(window().isVisible());
+    for (auto* const model : { &outlets_.window, &outlets_.monitorWindow }) {
+        auto& widget = model == &outlets_.window ? window() : usageWindow();
+        for (auto const& [key, modifier] :
+            { std::pair(Qt::Key_Escape, Qt::NoModifier), { Qt::Key_W, Qt::ControlModifier } }) {
+            model->makeKeyAndOrderFront();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(&widget));
+            QTest::keyClick(&widget, key, modifier);
+            EXPECT_FALSE(model->visible.get() || widget.isVisible());
+        }
+    }
+}
+
+TEST_F(MainWindowsTest, AWindowComesToTheFrontFromWhereverItIsWithATokenThatIsUsedOnce)
+{
+    auto const token = [] { return qEnvironmentVariable("XDG_ACTIVATION_TOKEN"); };
+    for (auto const& [given, kept] : { std::pair(QString(1024, 'x'), true), { QString(1025, 'x'), false } }) {
+        window().showMinimized();
+        keepActivationToken(given);
+        EXPECT_EQ(token(), kept ? given : QString());
+        outlets_.window.makeKeyAndOrderFront();
+        EXPECT_FALSE(window().isMinimized());
+        EXPECT_EQ(token(), QString());
+    }
 }
 
 TEST_F(MainWindowsTest, WhatTheProgramSetsIsShownAndNotTakenForTheUsers)
@@ -101,6 +154,13 @@ TEST_F(MainWindowsTest, WhatTheProgramSetsIsShownAndNotTakenForTheUsers)
     EXPECT_EQ(widgetOf<LevelBar>("usageBar").percentage(), 110);
     EXPECT_FALSE(defaults_.contains(settings::showNotificationsMenu));
 
+    // The level is shown by a fade.
+    auto const* const fade = qobject_cast<QGraphicsOpacityEffect*>(widgetOf<LevelBar>("usageBar").graphicsEffect());
+    outlets_.usageBar.opacity.set(0);
+    EXPECT_EQ(fade->opacity(), 0);
+    platform::animate(loop_, { &outlets_.usageBar.opacity }, 1, 20ms, [] {});
+    EXPECT_TRUE(QTest::qWaitFor([fade] { return fade->opacity() == 1; }));
+
     // A text that is no item stands in place of one.
     auto& model = outlets_.tarvoUsageKeysComboBox;
     auto& box = widgetOf<QComboBox>("tarvoUsageKeysComboBox");
@@ -113,6 +173,22 @@ TEST_F(MainWindowsTest, WhatTheProgramSetsIsShownAndNotTakenForTheUsers)
     EXPECT_EQ(*defaults_.get<std::string>(settings::tarvoKeySelected), "Home - K1");
     model.removeAllItems();
     EXPECT_EQ(box.placeholderText(), "Home - K1");
+}
+
+TEST_F(MainWindowsTest, AFigureOfAnyLengthLeavesTheWindowItsWidthAndIsWholeInTheToolTip)
+{
+    auto& label = widgetOf<QLabel>("downloadUsage");
+    outlets_.downloadUsage.toolTip.set("52,345.68MB");
+    EXPECT_EQ(label.toolTip(), "52,345.68MB");
+    std::string const absurd(400, '9');
+    for (auto* const field : { &outlets_.downloadUsage, &outlets_.uploadUsage, &outlets_.totalUsage,
+             &outlets_.usageCapText, &outlets_.usageCapPercentageText })
+        field->text.set(absurd);
+    EXPECT_LT(usageWindow().sizeHint().width(), 1000);
+    EXPECT_TRUE(label.text().startsWith("99") && label.text().endsWith("…"));
+    auto const lines = label.toolTip().split('\n');
+    EXPECT_EQ(lines.mid(0, 7).join(QString()).toStdString(), absurd);
+    EXPECT_EQ(lines.back(), "52,345.68MB");
 }
 
 TEST_F(MainWindowsTest, ASheetShowsPlainTextAndAnswersByKey)
@@ -258,12 +334,12 @@ public:
     QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("service"));
     std::vector<Texts> notified;
 
-    Q_SLOT uint Notify(QString const& /*application*/, uint /*replaced*/, QString const& /*icon*/,
-        QString const& summary, QString const& body, QStringList const& actions, QVariantMap const& /*hints*/,
-        int /*timeout*/)
+    Q_SLOT uint Notify(QString const& /*application*/, uint replaced, QString const& /*icon*/, QString const& summary,
+        QString const& body, QStringList const& actions, QVariantMap const& /*hints*/, int /*timeout*/)
     {
-        notified.push_back({ summary.toStdString(), body.toStdString(), actions.value(0).toStdString() });
-        return 40 + static_cast<uint>(notified.size());
+        notified.push_back(
+            { std::to_string(replaced), summary.toStdString(), body.toStdString(), actions.value(0).toStdString() });
+        return replaced != 0 ? replaced : 40 + static_cast<uint>(notified.size());
     }
 
     Q_SIGNAL void ActionInvoked(uint, QString const&);
@@ -281,18 +357,33 @@ TEST(FreedesktopNotifications, DeliversAndTellsOfClicksOnItsOwnOnly)
         QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("program")));
     ActivationLog log;
     center->setDelegate(&log);
-    for (int i = 0; i < 2; ++i)
+    // Each one takes the place of the last, unless that has gone.
+    std::vector<platform::NotificationId> const ids { 41, 41, 43 };
+    for (auto const id : ids) {
+        auto const count = service.notified.size();
+        if (count == 2)
+            center->removeDelivered(41);
         center->deliver({ "Fish & Chips", "1 <b>bold</b> & one" });
-    ASSERT_TRUE(QTest::qWaitFor([&] { return service.notified.size() == 2; }));
-    EXPECT_EQ(service.notified[0], (Texts { "Fish & Chips", "1 &lt;b&gt;bold&lt;/b&gt; &amp; one", "default" }));
-
-    Q_EMIT service.ActionInvoked(7, QStringLiteral("default"));
-    Q_EMIT service.ActionInvoked(41, QStringLiteral("another"));
-    Q_EMIT service.ActionInvoked(42, QStringLiteral("default"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !log.activated.empty(); }));
-    EXPECT_EQ(log.activated, std::vector<platform::NotificationId> { 42 });
+        ASSERT_TRUE(QTest::qWaitFor([&] { return service.notified.size() > count; }));
+        EXPECT_EQ(service.notified.back(),
+            (Texts { count == 1 ? "41" : "0", "Fish & Chips", "1 &lt;b&gt;bold&lt;/b&gt; &amp; one", "default" }));
+        Q_EMIT service.ActionInvoked(7, QStringLiteral("default"));
+        Q_EMIT service.ActionInvoked(id, QStringLiteral("another"));
+        Q_EMIT service.ActionInvoked(id, QStringLiteral("default"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return log.activated.size() > count; }));
+    }
+    EXPECT_EQ(log.activated, ids);
 }
 
+}
+
+/// Every clock of this process is read here, so that a test can have the computer sleep.
+extern "C" int clock_gettime(clockid_t clock, timespec* time)
+{
+    auto const result = static_cast<int>(::syscall(SYS_clock_gettime, clock, time));
+    if (clock == CLOCK_BOOTTIME)
+        time->tv_sec += sleptSeconds;
+    return result;
 }
 
 #include "DesktopTest.moc"

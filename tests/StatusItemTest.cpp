@@ -106,6 +106,8 @@ TEST_F(StatusItem, ShowsItsTitleAndItsMenuAndRebuildsTenThousandLinesInLittleTim
     menu_.items()[2]->isSeparator = true;
     start();
     EXPECT_EQ(reader_.title(), "57.3GB");
+    item_.title.set(std::string(248, '9'));
+    EXPECT_TRUE(waitFor([this] { return reader_.title() == QString(31, '9') + "…"; })) << "no panel has room for it";
     EXPECT_TRUE(waitForLines({ "Downloaded: 52.35GB", "--", "Update now", "  * Home", "  Cottage_by_the__sea" }));
 
     Menu::Items items;
