@@ -8,6 +8,7 @@
 
 #include <QProcess>
 
+#include <algorithm>
 #include <csignal>
 
 /// The real program, staged as it is installed into a folder of its own, with settings, caches and an identifier that
@@ -70,6 +71,16 @@ public:
         platform::makePrivateFolder(settingsFile.parent_path());
         platform::writeFileAtomically(settingsFile, platform::writePropertyList(stored));
         start();
+    }
+
+    /// How many helpers make an exchange for it now.
+    std::ptrdiff_t exchanges() const
+    {
+        return std::ranges::count_if(std::filesystem::directory_iterator("/proc"), [this](auto const& process) {
+            std::error_code gone;
+            auto const file = std::filesystem::read_symlink(process.path() / "exe", gone);
+            return file.filename() == "usage-meter-fetch" && file.string().starts_with(folder_.path().string());
+        });
     }
 
     qint64 processId() const { return process_.processId(); }
