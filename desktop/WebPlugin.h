@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "desktop/WebPluginId.h"
+
 #include <QtPlugin>
 
 #include <memory>
@@ -21,4 +23,4 @@ public:
     virtual std::unique_ptr<platform::WebEngine> makePage(platform::WebView& model, QWidget& place) = 0;
 };
 
-Q_DECLARE_INTERFACE(WebPlugin, "net.tarvo.UsageMeter.WebPlugin/1.0")
+Q_DECLARE_INTERFACE(WebPlugin, USAGE_METER_WEB_PLUGIN_ID)

@@ -4,7 +4,10 @@
 #include "desktop/Text.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QLibrary>
+#include <QLibraryInfo>
 #include <QOpenGLContext>
 #include <QPluginLoader>
 
@@ -17,11 +20,15 @@ Q_GUI_EXPORT void qt_gl_set_global_share_context(QOpenGLContext* context);
 
 namespace {
 
+// All that the engine asks of the system at once. A system may allow the first of the namespaces and not the others,
+// or give them but forbid what they are for.
 bool mayMakeNamespaces()
 {
     pid_t const child = ::fork();
-    if (child == 0)
-        ::_exit(::unshare(CLONE_NEWUSER) == 0 ? EXIT_SUCCESS : EXIT_FAILURE);
+    if (child == 0) {
+        bool const may = ::unshare(CLONE_NEWUSER | CLONE_NEWPID | CLONE_NEWNET) == 0 && ::chroot("/") == 0;
+        ::_exit(may ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
     int status = EXIT_FAILURE;
     return child > 0 && ::waitpid(child, &status, 0) == child && status == EXIT_SUCCESS;
 }
@@ -32,6 +39,22 @@ bool mayIsolatePages()
     if (qEnvironmentVariableIsSet("QTWEBENGINE_DISABLE_SANDBOX"))
         return true;
     return ::geteuid() != 0 && mayMakeNamespaces();
+}
+
+// Where the engine looks for a part of its own: at the toolkit's place for it, or where a variable says.
+QString placeOfPart(char const* variable, QLibraryInfo::LibraryPath folder, char const* name)
+{
+    auto const elsewhere = qEnvironmentVariable(variable);
+    return elsewhere.isEmpty() ? QDir(QLibraryInfo::path(folder)).filePath(QLatin1String(name)) : elsewhere;
+}
+
+// The engine's process and its resources come in packages of their own. Without them the engine ends the program.
+bool isEngineComplete()
+{
+    auto const process
+        = placeOfPart("QTWEBENGINEPROCESS_PATH", QLibraryInfo::LibraryExecutablesPath, "QtWebEngineProcess");
+    QDir const resources(placeOfPart("QTWEBENGINE_RESOURCES_PATH", QLibraryInfo::DataPath, "resources"));
+    return QFileInfo(process).isExecutable() && resources.exists(QStringLiteral("qtwebengine_resources.pak"));
 }
 
 // The engine crashes without a context to share. Tells whether that is one that can draw.
@@ -63,8 +86,15 @@ std::optional<platform::LoadError> WebPluginLoader::load()
         return std::nullopt;
     if (!mayIsolatePages())
         return platform::LoadError::EngineNotIsolated;
-    shareGraphics();
     QPluginLoader loader(toQt((folder_ / "usage-meter-web").string()));
+    auto const id = loader.metaData().value(QStringLiteral("IID")).toString();
+    if (!id.isEmpty() && id != QLatin1String(USAGE_METER_WEB_PLUGIN_ID))
+        return platform::LoadError::EngineOfAnotherBuild;
+    if (!isEngineComplete())
+        return platform::LoadError::EngineMissing;
+    // The engine would write the secrets of its connections there.
+    qunsetenv("SSLKEYLOGFILE");
+    shareGraphics();
     plugin_ = qobject_cast<WebPlugin*>(loader.instance());
     if (plugin_)
         return std::nullopt;

@@ -45,6 +45,12 @@ void WebViewMirror::loadNow()
 
 bool WebViewMirror::isLoading() const { return page_ && page_->isLoading(); }
 
+void WebViewMirror::run(std::string const& script)
+{
+    if (page_)
+        page_->run(script);
+}
+
 void WebViewMirror::evaluate(std::string const& script, platform::WebView::Completion completion)
 {
     if (page_)

@@ -24,6 +24,7 @@ public:
     /// Does nothing while the window is closed.
     void load(std::string const& url) override;
     bool isLoading() const override;
+    void run(std::string const& script) override;
     void evaluate(std::string const& script, platform::WebView::Completion completion) override;
 
 private:

@@ -9,8 +9,6 @@
 #include "platform/Platform.h"
 #include "services/ProviderAddresses.h"
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace {
@@ -37,6 +35,8 @@ constexpr char const* descriptionKey(platform::LoadError error)
         return "LOAD_ERROR_PAGE_LOST";
     case platform::LoadError::EngineMissing:
         return "LOAD_ERROR_ENGINE_MISSING";
+    case platform::LoadError::EngineOfAnotherBuild:
+        return "LOAD_ERROR_ENGINE_OF_ANOTHER_BUILD";
     case platform::LoadError::EngineNotIsolated:
         return "LOAD_ERROR_ENGINE_NOT_ISOLATED";
     case platform::LoadError::BadAnswer:
@@ -60,6 +60,11 @@ void DetailedUsageViewController::windowDidLoad()
         layout_.window.effectiveAppearance.observeChanges([this](platform::Appearance) { updateDarkAppearance(); }));
     observations_.push_back(layout_.window.fullScreen.observeChanges(
         [this](bool entering) { entering ? windowWillEnterFullScreen() : windowWillExitFullScreen(); }));
+    // What a closed window had to say is not said at its next opening.
+    observations_.push_back(layout_.window.visible.observeChanges([this](bool visible) {
+        if (!visible)
+            layout_.window.endAlerts();
+    }));
     layout_.exitFullScreen.action = [this](platform::Sender) { exitFullScreenAction(); };
     layout_.usageMonthPicker.action = [this] { changeMonth(); };
 
@@ -155,10 +160,10 @@ void DetailedUsageViewController::didFinishLoadForFrame()
     // A frame that is still on its way brings another notice.
     if (layout_.usageWebView.isLoading())
         return;
-    auto const scripts = restylingScripts();
-    auto const last = std::prev(scripts.end());
-    std::for_each(scripts.begin(), last, [this](std::string const& script) { layout_.usageWebView.evaluate(script); });
-    evaluate(*last, [this](std::string const&) { showPage(); });
+    for (auto const& script : restylingScripts())
+        layout_.usageWebView.run(script);
+    // It is answered after all of them have run.
+    evaluate(pageScripts::nothing(), [this](bool) { showPage(); });
 }
 
 std::vector<std::string> DetailedUsageViewController::restylingScripts()
@@ -177,25 +182,29 @@ void DetailedUsageViewController::showPage()
 {
     setLoading(false);
     updateDarkAppearance();
-    evaluate(pageScripts::failureNotice(), [this](std::string const& notice) { reportFailureNotice(notice); });
+    evaluate(pageScripts::hasFailureNotice(), [this](bool hasNotice) {
+        if (hasNotice)
+            reportFailureNotice();
+    });
 }
 
-void DetailedUsageViewController::reportFailureNotice(std::string const& notice)
+void DetailedUsageViewController::reportFailureNotice()
 {
-    if (notice.find("error") == std::string::npos)
+    auto title = text("USAGE_ERROR_TITLE");
+    // A page can load itself again and again.
+    if (layout_.window.hasAlert(title))
         return;
-    layout_.window.beginSheet({ .messageText = text("USAGE_ERROR_TITLE"),
+    layout_.window.beginSheet({ .messageText = std::move(title),
         .informativeText = text("USAGE_ERROR_MESSAGE"),
         .buttons = { text("DISMISS") },
         .style = platform::Alert::Style::Critical });
 }
 
-void DetailedUsageViewController::evaluate(
-    std::string const& script, std::function<void(std::string const& result)> next)
+void DetailedUsageViewController::evaluate(std::string const& script, std::function<void(bool isTrue)> next)
 {
-    layout_.usageWebView.evaluate(script, [this, load = load_, goOn = std::move(next)](std::string const& result) {
+    layout_.usageWebView.evaluate(script, [this, load = load_, goOn = std::move(next)](bool isTrue) {
         if (load == load_)
-            goOn(result);
+            goOn(isTrue);
     });
 }
 
@@ -205,7 +214,7 @@ void DetailedUsageViewController::updateDarkAppearance()
     for (auto const& script : { pageScripts::pageBackground(colors.windowBackground),
              pageScripts::pageText(colors.text), pageScripts::boxBackground(colors.controlBackground),
              pageScripts::rowBackground(colors.controlBackground, selectedMonthIsCurrentMonth_) })
-        layout_.usageWebView.evaluate(script);
+        layout_.usageWebView.run(script);
 }
 
 void DetailedUsageViewController::didFailProvisionalLoadWithError(platform::LoadError error)
@@ -220,16 +229,19 @@ void DetailedUsageViewController::didFailLoadWithError(platform::LoadError error
 
 void DetailedUsageViewController::doDisplayErrorPromptWithWebView(platform::LoadError andError)
 {
+    auto title = text("USAGE_DETAIL_ERROR_LOAD_TITLE");
+    if (layout_.window.hasAlert(title))
+        return;
     layout_.window.beginSheet(
-        { .messageText = text("USAGE_DETAIL_ERROR_LOAD_TITLE"),
+        { .messageText = std::move(title),
             .informativeText = text("USAGE_DETAIL_ERROR_LOAD_MESSAGE") + " " + text(descriptionKey(andError)),
             .buttons = { text("RETRY"), text("REMOVE_KEY_CONFIRM_DONT_REMOVE_BUTTON") },
             .style = platform::Alert::Style::Critical },
         [this](int returnCode) {
             if (returnCode == platform::Alert::firstButtonReturn)
-                doReload();
-            else
-                doCloseWindow();
+                return doReload();
+            layout_.window.endAlerts();
+            doCloseWindow();
         });
 }
 

@@ -62,9 +62,9 @@ private:
     /// The scripts that a finished load calls for, in their order.
     std::vector<std::string> restylingScripts();
     void showPage();
-    void reportFailureNotice(std::string const& notice);
-    /// Runs a script and goes on with its result, unless another load has begun by then.
-    void evaluate(std::string const& script, std::function<void(std::string const& result)> next);
+    void reportFailureNotice();
+    /// Runs a script and goes on with whether its value is true, unless another load has begun by then.
+    void evaluate(std::string const& script, std::function<void(bool isTrue)> next);
 
     std::string text(std::string_view key) const;
     ProviderAddresses addresses() const;

@@ -91,6 +91,11 @@ std::string rowBackground(platform::Color color, bool lastIsToday)
         styleOf("all[i]", "background-color", color));
 }
 
-std::string failureNotice() { return "document.getElementsByClassName('usage-message-failure')[0].innerHTML"; }
+std::string hasFailureNotice()
+{
+    return "document.getElementsByClassName('usage-message-failure')[0].innerHTML.includes('error')";
+}
+
+std::string nothing() { return "undefined"; }
 
 }

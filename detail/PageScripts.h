@@ -27,7 +27,11 @@ std::string boxBackground(platform::Color color);
 /// Colours the rows of all tables; the document's last one keeps its highlight where it is today's.
 std::string rowBackground(platform::Color color, bool lastIsToday);
 
-/// Yields the markup of the provider's failure notice, where the page has one.
-std::string failureNotice();
+/// Is true if the page has the provider's failure notice and its markup holds the word "error". The page itself is
+/// searched, for its notice can be of any size.
+std::string hasFailureNotice();
+
+/// Has no effect and no value.
+std::string nothing();
 
 }

@@ -21,6 +21,8 @@ enum class LoadError {
     /// The process that showed the page is gone.
     PageLost,
     EngineMissing,
+    /// The engine is there, but belongs to another build of the program: an upgrade has replaced it.
+    EngineOfAnotherBuild,
     /// The engine is there, but may not shut its pages off from the rest of the computer.
     EngineNotIsolated,
 };
@@ -52,15 +54,18 @@ public:
     virtual void load(std::string const& url) = 0;
     /// Whether any frame is not finished yet.
     virtual bool isLoading() const = 0;
-    /// Runs a script in the main frame, apart from the page's own scripts. Scripts run in the order given; the result
-    /// comes later, as text: empty when the script fails or yields none, and not at all when the page goes.
-    virtual void evaluate(std::string const& script, std::function<void(std::string const& result)> completion) = 0;
+    /// Runs a script in the main frame, apart from the page's own scripts, after all that were given before it. Nobody
+    /// is told its value, which can be as large as the page.
+    virtual void run(std::string const& script) = 0;
+    /// The same. The completion is told later whether the script's value is true, which it is not when the script
+    /// fails; it is told nothing when the page goes.
+    virtual void evaluate(std::string const& script, std::function<void(bool isTrue)> completion) = 0;
 };
 
 /// A place for a page of the web. Without an engine it stays empty: nothing loads and no script runs.
 class WebView {
 public:
-    using Completion = std::function<void(std::string const& result)>;
+    using Completion = std::function<void(bool isTrue)>;
 
     Property<bool> hidden { false };
     WebViewDelegate* delegate = nullptr;
@@ -72,7 +77,12 @@ public:
             engine->load(url);
     }
     bool isLoading() const { return engine && engine->isLoading(); }
-    void evaluate(std::string const& script, Completion completion = {}) const
+    void run(std::string const& script) const
+    {
+        if (engine)
+            engine->run(script);
+    }
+    void evaluate(std::string const& script, Completion completion) const
     {
         if (engine)
             engine->evaluate(script, std::move(completion));

@@ -14,12 +14,12 @@ using platform::LoadError;
 struct ScriptedEngine final : platform::WebEngine {
     void load(std::string const& url) override { urls.push_back(url); }
     bool isLoading() const override { return loading; }
+    void run(std::string const& script) override { scripts.push_back(script); }
     void evaluate(std::string const& script, platform::WebView::Completion completion) override
     {
         scripts.push_back(script);
         pending.push_back([this, script, goOn = std::move(completion)] {
-            if (goOn)
-                goOn(script == pageScripts::failureNotice() ? notice : std::string());
+            goOn(script == pageScripts::hasFailureNotice() && hasNotice);
         });
     }
 
@@ -34,7 +34,7 @@ struct ScriptedEngine final : platform::WebEngine {
     }
 
     bool loading = false;
-    std::string notice;
+    bool hasNotice = false;
     Texts urls;
     Texts scripts;
     std::vector<platform::Task> pending;
@@ -162,20 +162,21 @@ TEST_F(DetailedUsageTest, APageIsShownOnceItIsRestyledAndThenColoured)
     engine.loading = false;
     events().didFinishLoadForFrame();
     EXPECT_EQ(engine.scripts,
-        (Texts { pageScripts::restyling(), pageScripts::todayHighlight(), pageScripts::todayLegend(), banner }));
+        (Texts { pageScripts::restyling(), pageScripts::todayHighlight(), pageScripts::todayLegend(), banner,
+            pageScripts::nothing() }));
     EXPECT_EQ(state(), "loading");
     engine.scripts.clear();
     engine.answer();
     EXPECT_EQ(state(), "shown");
     Texts const colouring { pageScripts::pageBackground({ 4, 4, 4 }), pageScripts::pageText({ 5, 5, 5 }),
         pageScripts::boxBackground({ 6, 6, 6 }), pageScripts::rowBackground({ 6, 6, 6 }, true),
-        pageScripts::failureNotice() };
+        pageScripts::hasFailureNotice() };
     EXPECT_EQ(engine.scripts, colouring);
 
     // The same load may end once more, and keeps its banner.
     engine.scripts.clear();
     events().didFinishLoadForFrame();
-    EXPECT_EQ(engine.scripts.back(), pageScripts::todayLegend());
+    EXPECT_FALSE(ran(banner));
     engine.answer();
     EXPECT_EQ(state(), "shown");
 
@@ -190,7 +191,7 @@ TEST_F(DetailedUsageTest, APageIsShownOnceItIsRestyledAndThenColoured)
 TEST_F(DetailedUsageTest, LateAnswersOfAnOlderLoadChangeNothing)
 {
     show();
-    engine.notice = "error";
+    engine.hasNotice = true;
     load();
     events().didStartProvisionalLoadForFrame();
     engine.answer();
@@ -234,26 +235,35 @@ TEST_F(DetailedUsageTest, AFailedLoadAsksWhetherToTryAgain)
     EXPECT_EQ(engine.urls.size(), 3U);
 }
 
-TEST_F(DetailedUsageTest, ClosingWaitsForTheNextPromptAndANewLoadEndsThemAllWithoutAnAnswer)
+TEST_F(DetailedUsageTest, HoweverOftenAPageFailsThereIsOnePromptAndOneNotice)
 {
+    engine.hasNotice = true;
     show();
-    auto const failTwice = [this] {
-        events().didFailProvisionalLoadWithError(LoadError::Stopped);
-        events().didFailLoadWithError(LoadError::PageLost);
+    auto const failAgainAndAgain = [this] {
+        for (int i = 0; i < 3; ++i) {
+            loadAndAnswer();
+            events().didFailProvisionalLoadWithError(LoadError::Stopped);
+            events().didFailLoadWithError(LoadError::PageLost);
+        }
+        EXPECT_EQ(alertOn(detailed().window), bundle.localizedString("USAGE_ERROR_TITLE"));
     };
-    failTwice();
-    detailed().window.userAnswered(platform::Alert::dismissedReturn);
-    advance(1s);
-    EXPECT_TRUE(detailed().window.visible.get());
-    detailed().window.userAnswered(platform::Alert::dismissedReturn);
-    EXPECT_FALSE(detailed().window.visible.get());
+    auto& window = detailed().window;
+    failAgainAndAgain();
+    window.userAnswered(platform::Alert::firstButtonReturn);
+    EXPECT_EQ(alertOn(window), bundle.localizedString("USAGE_DETAIL_ERROR_LOAD_TITLE"));
+    loadAndAnswer();
+    window.userAnswered(platform::Alert::firstButtonReturn + 1);
+    EXPECT_FALSE(window.visible.get()) << "a notice that waits does not hold it up";
 
-    show();
-    failTwice();
-    detailed().window.userAnswered(platform::Alert::dismissedReturn);
-    pick(2026, 2, 1);
-    advance(1s);
-    EXPECT_EQ(alertOn(detailed().window), "");
-    EXPECT_TRUE(detailed().window.visible.get());
+    for (auto const& leave : { std::function<void()>([&] { window.userClosed(); }), std::function<void()>([this] {
+                                  pick(2026, 2, 1);
+                                  advance(1s);
+                              }) }) {
+        show();
+        failAgainAndAgain();
+        leave();
+        EXPECT_EQ(alertOn(window), "");
+    }
+    EXPECT_TRUE(window.visible.get());
     EXPECT_EQ(engine.urls.back(), address("year=2026&month=2"));
 }

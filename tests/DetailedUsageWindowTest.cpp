@@ -2,6 +2,7 @@
 // The detailed usage window with a real web engine, on a real provider.
 #include "demo/Provider.h"
 #include "desktop/ColorScheme.h"
+#include "desktop/WebPluginId.h"
 #include "detail/DetailedUsageViewController.h"
 #include "platform/AtomicFile.h"
 #include "platform/Calendar.h"
@@ -50,6 +51,7 @@ struct DetailedUsageWindowTest : WindowsTest {
         // A home whose user trusts the provider's certificate, in the way that the engine asks for.
         qputenv("HOME", home_.c_str());
         qputenv("NO_PROXY", "localhost");
+        qputenv("SSLKEYLOGFILE", secrets_.c_str());
         // The engine isolates its pages, but never as root.
         if (::geteuid() == 0)
             qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
@@ -109,15 +111,19 @@ struct DetailedUsageWindowTest : WindowsTest {
         return waitFor([this] { return !alertText().empty(); }) ? alertText() : "no alert";
     }
 
-    /// What a script finds in the page.
-    std::string read(std::string const& script)
+    /// Whether a script finds this in the page.
+    bool finds(std::string const& script, std::string const& expected)
     {
-        std::optional<std::string> found;
-        detailed().usageWebView.evaluate(script, [&found](std::string const& result) { found = result; });
-        return waitFor([&found] { return found.has_value(); }) ? *found : "no answer";
+        std::optional<bool> found;
+        detailed().usageWebView.evaluate(
+            "String(" + script + ") === `" + expected + "`", [&found](bool isTrue) { found = isTrue; });
+        return waitFor([&found] { return found.has_value(); }) && *found;
     }
 
-    std::string ground(std::string const& element) { return read("getComputedStyle(" + element + ").backgroundColor"); }
+    bool hasGround(std::string const& element, std::string const& color)
+    {
+        return finds("getComputedStyle(" + element + ").backgroundColor", color);
+    }
 
     DetailedUsageLayout& detailed() { return outlets_.detailedUsage; }
     std::size_t pageCount() const { return provider_->pageRequests(pagePath).size(); }
@@ -125,6 +131,8 @@ struct DetailedUsageWindowTest : WindowsTest {
     demo::CertificateFiles certificate_ = *demo::makeCertificate(folder_.path() / "certificate");
     std::unique_ptr<demo::Provider> provider_ = demo::Provider::start(certificate_);
     std::filesystem::path const home_ = folder_.path() / "home";
+    /// Where nobody may write the secrets of a connection.
+    std::filesystem::path const secrets_ = folder_.path() / "secrets";
     platform::ThreadQueues queues_;
     platform::ProcessUrlLoader urlLoader_ { {} };
     DesktopWorkspace workspace_;
@@ -139,25 +147,27 @@ TEST_F(DetailedUsageWindowTest, TheProvidersPageIsCutDownAndColouredAndFillsTheS
 {
     open();
     ASSERT_TRUE(waitForPage());
-    EXPECT_EQ(read("document.body.children.length + ' ' + document.body.firstElementChild.className"),
-        "1 portal-login-section");
+    EXPECT_TRUE(finds(
+        "document.body.children.length + ' ' + document.body.firstElementChild.className", "1 portal-login-section"));
     auto const warning = bundle_.localizedString("DETAILED_USAGE_WARNING");
-    EXPECT_EQ(read("document.body.innerText.split('" + warning + "').length - 1"), "1");
-    EXPECT_EQ(read("document.querySelectorAll('script, footer, h2, #headerMountPoint').length"), "0");
-    EXPECT_EQ(read("document.querySelectorAll('span.highlight').length"), "1");
-    EXPECT_EQ(ground("document.body"), "rgb(243, 243, 243)");
+    EXPECT_TRUE(finds("document.body.innerText.split('" + warning + "').length - 1", "1"));
+    EXPECT_TRUE(finds("document.querySelectorAll('script, footer, h2, #headerMountPoint').length", "0"));
+    EXPECT_TRUE(finds("document.querySelectorAll('span.highlight').length", "1"));
+    EXPECT_TRUE(hasGround("document.body", "rgb(243, 243, 243)"));
     auto const grounds = "[...document.getElementsByTagName('tr')].map(row => getComputedStyle(row).backgroundColor)";
-    EXPECT_EQ(read(std::string("new Set(") + grounds + ".slice(0, -1)).size"), "1");
-    EXPECT_EQ(read(std::string(grounds) + ".at(-2)"), "rgb(255, 255, 255)");
-    EXPECT_EQ(read(std::string(grounds) + ".at(-1)"), "rgb(212, 255, 209)");
-    EXPECT_EQ(read("getComputedStyle(document.body).userSelect"), "none");
+    EXPECT_TRUE(finds(std::string("new Set(") + grounds + ".slice(0, -1)).size", "1"));
+    EXPECT_TRUE(finds(std::string(grounds) + ".at(-2)", "rgb(255, 255, 255)"));
+    EXPECT_TRUE(finds(std::string(grounds) + ".at(-1)", "rgb(212, 255, 209)"));
+    EXPECT_TRUE(finds("getComputedStyle(document.body).userSelect", "none"));
     for (auto const* const event : { "selectstart", "dragstart" })
-        EXPECT_EQ(read(std::string("document.body.dispatchEvent(new Event('") + event + "', { cancelable: true }))"),
-            "false");
+        EXPECT_TRUE(finds(
+            std::string("document.body.dispatchEvent(new Event('") + event + "', { cancelable: true }))", "false"));
+
+    EXPECT_FALSE(std::filesystem::exists(secrets_));
 
     detailed().window.effectiveAppearance.set(platform::Appearance::Dark);
-    EXPECT_EQ(ground("document.body"), "rgb(43, 45, 48)");
-    EXPECT_NE(read(std::string(grounds) + ".at(-2)"), "rgb(255, 255, 255)");
+    EXPECT_TRUE(hasGround("document.body", "rgb(43, 45, 48)"));
+    EXPECT_FALSE(finds(std::string(grounds) + ".at(-2)", "rgb(255, 255, 255)"));
     EXPECT_EQ(pageCount(), 1U);
 
     // The month before, as the user picks it.
@@ -167,8 +177,8 @@ TEST_F(DetailedUsageWindowTest, TheProvidersPageIsCutDownAndColouredAndFillsTheS
     QTest::keyClick(&picker, Qt::Key_Down);
     ASSERT_TRUE(waitFor([this] { return pageCount() == 2; }));
     ASSERT_TRUE(waitForPage());
-    EXPECT_EQ(read("document.querySelectorAll('span.highlight').length"), "0");
-    EXPECT_EQ(read(std::string("new Set(") + grounds + ").size"), "1");
+    EXPECT_TRUE(finds("document.querySelectorAll('span.highlight').length", "0"));
+    EXPECT_TRUE(finds(std::string("new Set(") + grounds + ").size", "1"));
 
     // Full screen is entered and left by key, and left by its button.
     auto& window = widgetOf<QDialog>("detailedUsageWindow");
@@ -210,7 +220,7 @@ TEST_F(DetailedUsageWindowTest, WhatCannotBeShownAsksWhetherToTryAgainAndTheRest
             EXPECT_TRUE(detailed().usageWebView.hidden.get());
         } else {
             EXPECT_TRUE(waitForPage());
-            EXPECT_EQ(read("document.querySelectorAll('table').length"), "1");
+            EXPECT_TRUE(finds("document.querySelectorAll('table').length", "1"));
             detailed().usageWebView.hidden.set(true);
         }
     }
@@ -243,9 +253,9 @@ TEST_F(DetailedUsageWindowTest, APageThatTriesToLeaveStaysAndOpensAndWritesNothi
         "location = 'mailto:someone@example.org'", "alert('?')",
         "document.getElementById('link').requestFullscreen()" };
     for (auto const& attempt : attempts) {
-        read(attempt);
+        detailed().usageWebView.run(attempt);
         // An answer from the page that is still the same one, and shown.
-        EXPECT_EQ(read("document.getElementById('link').id"), "link") << attempt;
+        EXPECT_TRUE(finds("document.getElementById('link').id", "link")) << attempt;
         EXPECT_FALSE(detailed().usageWebView.hidden.get()) << attempt;
     }
     EXPECT_EQ(alertText(), "");
@@ -253,7 +263,7 @@ TEST_F(DetailedUsageWindowTest, APageThatTriesToLeaveStaysAndOpensAndWritesNothi
     EXPECT_TRUE(elsewhere->pageRequests("/away").empty());
 
     // A download in place of the page is no page, and no file either.
-    read("location = '/file'");
+    detailed().usageWebView.run("location = '/file'");
     EXPECT_TRUE(waitForAlert().ends_with(bundle_.localizedString("LOAD_ERROR_STOPPED")));
     for (auto const& entry : std::filesystem::recursive_directory_iterator(home_))
         EXPECT_NE(entry.path().filename(), "x");
@@ -277,17 +287,32 @@ TEST_F(DetailedUsageWindowTest, ClosingEndsThePageWhateverItDoesAndTheNextShowin
     EXPECT_TRUE(waitForAlert().ends_with(bundle_.localizedString("LOAD_ERROR_PAGE_LOST")));
 }
 
-TEST_F(DetailedUsageWindowTest, WithoutTheEngineTheWindowSaysSoAndNothingElseIsHarmed)
+TEST_F(DetailedUsageWindowTest, WithoutTheWholeEngineOfThisBuildTheWindowSaysSoAndNothingElseIsHarmed)
 {
+    auto const expectError = [this](char const* error) {
+        open();
+        EXPECT_TRUE(waitForAlert().ends_with(bundle_.localizedString(error))) << alertText();
+        detailed().window.userAnswered(platform::Alert::firstButtonReturn + 1);
+        EXPECT_FALSE(detailed().window.visible.get());
+    };
+    for (char const* const part : { "QTWEBENGINEPROCESS_PATH", "QTWEBENGINE_RESOURCES_PATH" }) {
+        qputenv(part, "/nowhere");
+        expectError("LOAD_ERROR_ENGINE_MISSING");
+        qunsetenv(part);
+    }
     windows_.emplace(outlets_, bundle_, loop_, folder_.path());
-    open();
-    EXPECT_TRUE(waitForAlert().ends_with(bundle_.localizedString("LOAD_ERROR_ENGINE_MISSING")));
-    detailed().window.userAnswered(platform::Alert::firstButtonReturn + 1);
-    EXPECT_FALSE(detailed().window.visible.get());
+    expectError("LOAD_ERROR_ENGINE_MISSING");
+
+    // As an upgrade leaves it to the program that it runs under.
+    auto plugin = *platform::readFile(std::filesystem::path(USAGE_METER_WEB) / "usage-meter-web.so");
+    std::string const id = USAGE_METER_WEB_PLUGIN_ID;
+    for (auto at = plugin.find(id); at != std::string::npos; at = plugin.find(id, at + 1))
+        plugin[at + id.size() - 1] ^= 1;
+    std::ofstream(folder_.path() / "usage-meter-web.so") << plugin;
+    expectError("LOAD_ERROR_ENGINE_OF_ANOTHER_BUILD");
+
     // Where it could not isolate its pages it is not even tried.
     qunsetenv("QTWEBENGINE_DISABLE_SANDBOX");
-    if (::geteuid() == 0) {
-        open();
-        EXPECT_TRUE(waitForAlert().ends_with(bundle_.localizedString("LOAD_ERROR_ENGINE_NOT_ISOLATED")));
-    }
+    if (::geteuid() == 0)
+        expectError("LOAD_ERROR_ENGINE_NOT_ISOLATED");
 }

@@ -7,7 +7,7 @@
 /// The library's way in.
 class WebEnginePlugin final : public QObject, public WebPlugin {
     Q_OBJECT
-    Q_PLUGIN_METADATA(IID "net.tarvo.UsageMeter.WebPlugin/1.0")
+    Q_PLUGIN_METADATA(IID USAGE_METER_WEB_PLUGIN_ID)
     Q_INTERFACES(WebPlugin)
 
 public:

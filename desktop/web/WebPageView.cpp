@@ -27,12 +27,17 @@ WebPageView::~WebPageView()
 
 void WebPageView::load(std::string const& url) { page_.load(QUrl(toQt(url))); }
 
+void WebPageView::run(std::string const& script)
+{
+    page_.runJavaScript(toQt(script), QWebEngineScript::ApplicationWorld);
+}
+
 void WebPageView::evaluate(std::string const& script, platform::WebView::Completion completion)
 {
     page_.runJavaScript(
         toQt(script), QWebEngineScript::ApplicationWorld, [this, goOn = std::move(completion)](QVariant const& result) {
-            if (goOn && !isClosing_)
-                goOn(result.toString().toStdString());
+            if (!isClosing_)
+                goOn(result == QVariant(true));
         });
 }
 

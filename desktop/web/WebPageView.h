@@ -16,6 +16,7 @@ public:
 
     void load(std::string const& url) override;
     bool isLoading() const override { return page_.isLoading(); }
+    void run(std::string const& script) override;
     void evaluate(std::string const& script, platform::WebView::Completion completion) override;
 
 private:

@@ -10,10 +10,10 @@
 struct FailingPage final : platform::WebEngine {
     void load(std::string const& /*url*/) override { }
     bool isLoading() const override { return false; }
+    void run(std::string const& /*script*/) override { }
     void evaluate(std::string const& /*script*/, platform::WebView::Completion completion) override
     {
-        if (completion)
-            completion("error");
+        completion(true);
     }
 };
 
@@ -122,7 +122,7 @@ protected:
         detailed.exitFullScreen.hidden.set(false);
         for (auto const error : { LoadError::Unreachable, LoadError::NameNotResolved, LoadError::CertificateNotTrusted,
                  LoadError::BadAnswer, LoadError::Stopped, LoadError::PageLost, LoadError::EngineMissing,
-                 LoadError::EngineNotIsolated }) {
+                 LoadError::EngineOfAnotherBuild, LoadError::EngineNotIsolated }) {
             detailed.usageWebView.delegate->didFailLoadWithError(error);
             look();
             detailed.window.userAnswered(platform::Alert::firstButtonReturn);
