@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/DBusMenu.h"
 
+#include "desktop/Text.h"
+
 #include <QDBusMetaType>
 #include <QGuiApplication>
 
@@ -12,10 +14,7 @@ namespace {
 constexpr int rootId = 0;
 
 // A single underscore would mark the next letter as the line's key.
-QString escaped(std::string const& title)
-{
-    return QString::fromStdString(title).replace(QLatin1Char('_'), QStringLiteral("__"));
-}
+QString escaped(std::string const& title) { return asMenuLine(title).replace(QLatin1Char('_'), QStringLiteral("__")); }
 
 // What the protocol says of a line that does not carry the property.
 QVariantMap const& defaults()

@@ -38,12 +38,7 @@ StatusNotifierItem::StatusNotifierItem(platform::StatusItem& item)
     qDBusRegisterMetaType<StatusToolTip>();
 }
 
-QString StatusNotifierItem::title() const
-{
-    // In letters, the ellipsis included. Every figure of a real connection is shorter.
-    constexpr qsizetype maximumLength = 32;
-    return shortened(toQt(item_.title.get()), maximumLength);
-}
+QString StatusNotifierItem::title() const { return asPanelLabel(item_.title.get()); }
 
 void StatusNotifierItem::setLook(StatusLook look)
 {

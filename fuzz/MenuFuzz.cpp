@@ -216,7 +216,7 @@ bool isMenu(DBusMenuLayout const& layout, Menu const& menu, QSet<int>& met)
         auto const has = [&line](char const* name, QVariant const& value) {
             return line.properties.value(QLatin1String(name)) == value;
         };
-        auto const title = toQt(item->title.get()).replace(QLatin1Char('_'), QLatin1String("__"));
+        auto const title = asMenuLine(item->title.get()).replace(QLatin1Char('_'), QLatin1String("__"));
         auto const known = met.size();
         met.insert(line.id);
         return met.size() > known && has("type", item->isSeparator ? QStringLiteral("separator") : QVariant())
@@ -389,7 +389,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     QCoreApplication::sendPostedEvents();
     panel.read(0, [](DBusMenuLayout const&) {});
     panel.wait();
-    require(panel.label == toQt(model.item.title.get()));
+    require(panel.label == asPanelLabel(model.item.title.get()));
     panel.read(0, [&](DBusMenuLayout const& layout) {
         QSet<int> met { 0 };
         require(isSame(panel.copy, layout) && isMenu(layout, model.menus[0], met));
