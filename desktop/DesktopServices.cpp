@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/DesktopServices.h"
 
+#include "desktop/ActivationToken.h"
 #include "desktop/Text.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QUrl>
 
-void DesktopWorkspace::open(std::string const& url) { QDesktopServices::openUrl(QUrl(toQt(url))); }
+void DesktopWorkspace::open(std::string const& url)
+{
+    QDesktopServices::openUrl(QUrl(toQt(url)));
+    dropActivationToken();
+}
 
 void DesktopApplication::activateIgnoringOtherApps()
 {
