@@ -20,6 +20,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// A helper takes 13 MB, and a user may ask for any number of refreshes while the provider is silent.
+constexpr std::uint64_t maximumHelpers = 4;
+
 bool isReadyInTime(int channel, short event, Clock::time_point end)
 {
     pollfd awaited { channel, event, 0 };
@@ -89,8 +92,31 @@ ProcessUrlLoader::ProcessUrlLoader(
 
 std::optional<std::string> ProcessUrlLoader::load(std::string const& url)
 {
-    if (!isWellFormedUrl(url))
+    if (!isWellFormedUrl(url) || !awaitTurn())
         return std::nullopt;
+    auto body = exchange(url);
+    endTurn();
+    return body;
+}
+
+// By their numbers loads keep the order they came in.
+bool ProcessUrlLoader::awaitTurn()
+{
+    std::unique_lock lock(mutex_);
+    std::uint64_t const number = came_++;
+    turnEnded_.wait(lock, [this, number] { return cancelled_ || number < ended_ + maximumHelpers; });
+    return !cancelled_;
+}
+
+void ProcessUrlLoader::endTurn()
+{
+    std::scoped_lock const lock(mutex_);
+    ++ended_;
+    turnEnded_.notify_all();
+}
+
+std::optional<std::string> ProcessUrlLoader::exchange(std::string const& url)
+{
     std::array<int, 2> ends {};
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
         return std::nullopt;
@@ -120,6 +146,8 @@ bool ProcessUrlLoader::start(int channel, pid_t& process)
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, channel, STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, channel, STDOUT_FILENO);
+    // The program's libraries have descriptors that a started process would inherit.
+    posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
     auto path = helper_.string();
     std::array<char*, 2> const arguments { path.data(), nullptr };
     std::vector<char*> environment;
@@ -144,6 +172,7 @@ void ProcessUrlLoader::cancel()
 {
     std::scoped_lock const lock(mutex_);
     cancelled_ = true;
+    turnEnded_.notify_all();
     for (pid_t const process : running_)
         ::kill(process, SIGKILL);
 }

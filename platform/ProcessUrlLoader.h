@@ -4,6 +4,8 @@
 #include "platform/UrlLoader.h"
 
 #include <chrono>
+#include <condition_variable>
+#include <cstdint>
 #include <filesystem>
 #include <mutex>
 #include <vector>
@@ -19,12 +21,16 @@ public:
     explicit ProcessUrlLoader(std::filesystem::path helper, std::filesystem::path additionalAuthority = {},
         std::chrono::milliseconds limit = std::chrono::seconds(315));
 
+    /// Four loads run at a time. Others wait for their turn in the order they came, as long as it takes.
     std::optional<std::string> load(std::string const& url) override;
 
-    /// Ends the running loads with nothing, and every later one too. Any thread.
+    /// Ends the running and the waiting loads with nothing, and every later one too. Any thread.
     void cancel();
 
 private:
+    bool awaitTurn();
+    void endTurn();
+    std::optional<std::string> exchange(std::string const& url);
     bool start(int channel, pid_t& process);
     void finished(pid_t process);
 
@@ -34,6 +40,10 @@ private:
     std::filesystem::path additionalAuthority_;
     std::chrono::milliseconds limit_;
     std::mutex mutex_;
+    std::condition_variable turnEnded_;
+    /// How many loads have come, and how many of them have had their turn.
+    std::uint64_t came_ = 0;
+    std::uint64_t ended_ = 0;
     /// The helpers that run now; one that is waited for is not among them.
     std::vector<pid_t> running_;
     bool cancelled_ = false;
