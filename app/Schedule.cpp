@@ -15,9 +15,8 @@ bool AppDelegate::updateTimer(std::optional<platform::Date> withFireDate, std::i
 
 void AppDelegate::armUpdateInterval(std::optional<platform::Date> fireDate, platform::Seconds interval)
 {
-    auto const* const stored
-        = usageDictionary_ ? platform::entry<std::int64_t>(*usageDictionary_, reportEntry::updateInterval) : nullptr;
-    auto const plan = nextTimer(platform_.runLoop.now(), fireDate, interval, intervalChoice(), stored ? *stored : 0);
+    std::int64_t const stored = usageDictionary_ ? updateIntervalOf(*usageDictionary_) : 0;
+    auto const plan = nextTimer(platform_.runLoop.now(), fireDate, interval, intervalChoice(), stored);
 
     if (updateInterval_)
         updateInterval_->cancel();

@@ -40,14 +40,20 @@ bool isFresh(platform::Dictionary const& report, platform::Date now)
     auto const* const nextUpdate = platform::entry<platform::Date>(report, reportEntry::nextUpdate);
     if (nextUpdate && *nextUpdate > now)
         return true;
-    auto const interval = report.find(reportEntry::updateInterval);
-    return interval == report.end() || interval->second == platform::Value(0);
+    return updateIntervalOf(report) == 0;
 }
 
 bool isRegularFileOfTheUser(std::filesystem::path const& path)
 {
     struct stat status { };
     return lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid();
+}
+
+bool isReport(std::filesystem::path const& file)
+{
+    auto const bytes = platform::readFile(file);
+    auto const read = bytes ? platform::readPropertyList(*bytes) : std::nullopt;
+    return read && hasFigure(*read);
 }
 
 }
@@ -116,7 +122,7 @@ bool CacheData::fixCacheWithKeyList(std::vector<std::string> const& usageKeys) c
 {
     for (auto const& key : usageKeys) {
         auto const path = cachesFolder_ / key;
-        if (isFileName(key) && isRegularFileOfTheUser(path))
+        if (isFileName(key) && isRegularFileOfTheUser(path) && isReport(path))
             unlink(path.c_str());
     }
     return true;

@@ -37,8 +37,8 @@ public:
     /// Removes all that lies in the folder. Always true.
     bool clearCache() const;
 
-    /// Removes the files that the earliest versions left in the user's caches folder itself: only regular files of the
-    /// user's own under the exact name of a key. Always true.
+    /// Removes the reports that the earliest versions left in the user's caches folder itself: only regular files of
+    /// the user's own under the exact name of a key, and only what reads as a report. Always true.
     bool fixCacheWithKeyList(std::vector<std::string> const& usageKeys) const;
 
 private:

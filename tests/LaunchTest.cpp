@@ -59,13 +59,13 @@ TEST_F(LaunchTest, ConvertsTheKeyOfEarlierVersions)
 TEST_F(LaunchTest, RepairsTheCacheOnceThereAreKeys)
 {
     auto const old = folder.path() / "K1";
-    std::ofstream(old) << "old";
+    auto const report = "<plist><dict><key>used:upload</key><string>1</string></dict></plist>";
+    std::ofstream(old) << report;
     launchAndSettle();
     EXPECT_TRUE(std::filesystem::exists(old));
     launchWith({ home });
     EXPECT_FALSE(std::filesystem::exists(old));
-    EXPECT_EQ(*defaults.get<std::int64_t>(settings::fixedCache), 1);
-    std::ofstream(old) << "old";
+    std::ofstream(old) << report;
     launchAndSettle();
     EXPECT_TRUE(std::filesystem::exists(old));
 }
