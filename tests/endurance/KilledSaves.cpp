@@ -11,14 +11,12 @@
 
 #include <csignal>
 #include <iostream>
-#include <random>
 #include <set>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
 
 namespace {
 
@@ -68,13 +66,6 @@ protected:
         return kill(child);
     }
 
-    static bool killAfter(pid_t child, Clock::duration delay)
-    {
-        ::ptrace(PTRACE_DETACH, child, nullptr, nullptr);
-        for (auto const end = Clock::now() + delay; Clock::now() < end;) { }
-        return kill(child);
-    }
-
     std::set<std::string> names() const
     {
         std::set<std::string> names;
@@ -88,19 +79,12 @@ protected:
         char const* const wanted = std::getenv("USAGE_METER_ROUNDS");
         int const rounds = wanted ? std::atoi(wanted) : 200;
         save(0);
-        auto const before = Clock::now();
-        save(1);
-        std::mt19937 random;
-        std::uniform_int_distribution delay(0L, 2 * (Clock::now() - before).count());
-        int number = 1, stop = 0, renewed = 0, leftovers = 0;
+        int number = 0, stop = 0, renewed = 0, leftovers = 0;
         for (int kills = 0; kills < rounds;) {
             pid_t const child = start(save, number + 1);
-            bool const atStop = kills % 2 == 0;
-            bool const hit = atStop ? killAtStop(child, ++stop) : killAfter(child, Clock::duration(delay(random)));
-            if (hit)
-                ++kills;
-            else if (atStop)
-                stop = 0;
+            bool const hit = killAtStop(child, ++stop);
+            kills += hit ? 1 : 0;
+            stop = hit ? stop : 0;
 
             auto const stored = platform::readPropertyList(platform::readFile(file).value_or(""));
             ASSERT_TRUE(stored == content(number) || stored == content(number + 1)) << "kill " << kills;
