@@ -98,7 +98,7 @@ bool AutostartEntry::setEnabled(bool enabled)
 
 bool AutostartEntry::write(std::string const& content) const
 {
-    return platform::makePrivateFolder(userEntry_.parent_path()) && platform::writeFileAtomically(userEntry_, content);
+    return platform::makeFolder(userEntry_.parent_path()) && platform::writeFileAtomically(userEntry_, content);
 }
 
 bool AutostartEntry::remove() const

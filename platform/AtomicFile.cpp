@@ -13,12 +13,11 @@
 #include <chrono>
 #include <mutex>
 #include <thread>
+#include <tuple>
 
 namespace platform {
 
 namespace {
-
-constexpr std::size_t maximumSize = 16UL * 1024 * 1024;
 
 bool writeAll(int descriptor, std::string_view content)
 {
@@ -33,32 +32,46 @@ bool writeAll(int descriptor, std::string_view content)
     return true;
 }
 
-// A new file of that name in the folder, whatever stood there before: a leftover or a link is removed, not followed.
-bool writeUnfinished(int folder, std::string_view content)
+// The unfinished file is its own lock: others could open and lock the folder, but not a file that its owner alone may
+// open. One that is locked is another process's save; one that is not was left by a killed process, and is removed
+// under its lock, so that no new save's file goes in its place. Until the lock is had, the name may come to lead
+// elsewhere, so it is looked at again then, and before the renaming. Links and other people's files are removed
+// unopened. A file system without locks is written to without one.
+bool tryToLock(int file) { return ::flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
+
+bool isInPlace(int folder, int file)
 {
-    ::unlinkat(folder, unfinishedFileName, 0);
-    Descriptor const file(
-        ::openat(folder, unfinishedFileName, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    return file.isOpen() && writeAll(file.get(), content) && ::fsync(file.get()) == 0;
+    struct stat opened { };
+    struct stat named { };
+    return ::fstat(file, &opened) == 0 && ::fstatat(folder, unfinishedFileName, &named, AT_SYMLINK_NOFOLLOW) == 0
+        && opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
-// Whether the folder may be written to now. Another process holds it for the moment of a save; one that holds it for
-// longer than a person would wait is left alone. A file system without locks is written to without one.
-bool lockFolder(int folder)
+bool belongsToTheUserAlone(struct stat const& file)
 {
-    for (int tries = 0; ::flock(folder, LOCK_EX | LOCK_NB) != 0; ++tries) {
-        if (errno != EWOULDBLOCK)
-            return true;
-        if (tries == 80)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return true;
+    constexpr mode_t privateFile = S_IFREG | S_IRUSR | S_IWUSR;
+    return file.st_mode == privateFile && file.st_uid == ::geteuid() && file.st_nlink == 1;
 }
 
-bool replaceFile(int folder, std::filesystem::path const& name, std::string_view content)
+// False if there is something that cannot be removed. What another process writes to stays, and goes by itself.
+bool removeLeftover(int folder)
 {
-    if (!writeUnfinished(folder, content) || ::renameat(folder, unfinishedFileName, folder, name.c_str()) != 0) {
+    struct stat status { };
+    if (::fstatat(folder, unfinishedFileName, &status, AT_SYMLINK_NOFOLLOW) != 0)
+        return errno == ENOENT;
+    if (!belongsToTheUserAlone(status))
+        return ::unlinkat(folder, unfinishedFileName, 0) == 0;
+    Descriptor const file(::openat(folder, unfinishedFileName, O_RDWR | O_NOFOLLOW | O_CLOEXEC));
+    bool const isLeft = file.isOpen() && tryToLock(file.get()) && isInPlace(folder, file.get());
+    return !isLeft || ::unlinkat(folder, unfinishedFileName, 0) == 0;
+}
+
+bool finish(int folder, int file, std::filesystem::path const& name, std::string_view content)
+{
+    bool const isWritten = writeAll(file, content) && ::fsync(file) == 0;
+    if (!isInPlace(folder, file))
+        return false;
+    if (!isWritten || ::renameat(folder, unfinishedFileName, folder, name.c_str()) != 0) {
         ::unlinkat(folder, unfinishedFileName, 0);
         return false;
     }
@@ -67,24 +80,41 @@ bool replaceFile(int folder, std::filesystem::path const& name, std::string_view
     return true;
 }
 
+// Whether the file was replaced; nothing if another process was in the way.
+std::optional<bool> tryToReplace(int folder, std::filesystem::path const& name, std::string_view content)
+{
+    Descriptor const file(
+        ::openat(folder, unfinishedFileName, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    if (!file.isOpen())
+        return errno == EEXIST && removeLeftover(folder) ? std::nullopt : std::optional(false);
+    if (!tryToLock(file.get()) || !isInPlace(folder, file.get()))
+        return std::nullopt;
+    bool const isReplaced = finish(folder, file.get(), name, content);
+    // Closing does not do it: a process that is being started has a copy of the descriptor for a moment.
+    ::flock(file.get(), LOCK_UN);
+    return isReplaced;
+}
+
 }
 
 bool writeFileAtomically(std::filesystem::path const& file, std::string_view content)
 {
-    if (content.size() > maximumSize)
+    if (content.size() > maximumFileSize)
         return false;
-    // The unfinished file belongs to one writer at a time: the mutex sees to it among threads, the lock among
-    // processes.
+    // Threads wait for each other as long as it takes.
     static std::mutex mutex;
     std::scoped_lock const lock(mutex);
     std::filesystem::path const parent = file.has_parent_path() ? file.parent_path() : ".";
     Descriptor const folder(::open(parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!folder.isOpen() || !lockFolder(folder.get()))
+    if (!folder.isOpen())
         return false;
-    bool const replaced = replaceFile(folder.get(), file.filename(), content);
-    // Closing does not do it: a process that is being started has a copy of the descriptor for a moment.
-    ::flock(folder.get(), LOCK_UN);
-    return replaced;
+    // Another process is there for the moment of a save. One that takes longer than a person would wait is left alone.
+    for (int tries = 0; tries < 80; ++tries) {
+        if (auto const isReplaced = tryToReplace(folder.get(), file.filename(), content))
+            return *isReplaced;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
 }
 
 std::optional<std::string> readFile(std::filesystem::path const& file)
@@ -97,7 +127,7 @@ std::optional<std::string> readFile(std::filesystem::path const& file)
 
     std::string content;
     std::array<char, 65536> piece {};
-    while (content.size() <= maximumSize) {
+    while (content.size() <= maximumFileSize) {
         ssize_t const count = ::read(opened.get(), piece.data(), piece.size());
         if (count == 0)
             return content;
@@ -109,7 +139,7 @@ std::optional<std::string> readFile(std::filesystem::path const& file)
     return std::nullopt;
 }
 
-bool makePrivateFolder(std::filesystem::path const& folder)
+bool makeFolder(std::filesystem::path const& folder)
 {
     // std::filesystem would make them open to everybody first.
     std::filesystem::path made;
@@ -119,6 +149,24 @@ bool makePrivateFolder(std::filesystem::path const& folder)
     }
     std::error_code error;
     return std::filesystem::is_directory(folder, error);
+}
+
+void closeFolderToOthers(std::filesystem::path const& folder)
+{
+    struct stat status { };
+    if (::lstat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != ::geteuid())
+        return;
+    constexpr mode_t othersRights = S_IRWXG | S_IRWXO;
+    if ((status.st_mode & othersRights) != 0)
+        std::ignore
+            = ::fchmodat(AT_FDCWD, folder.c_str(), status.st_mode & ~(S_IFMT | othersRights), AT_SYMLINK_NOFOLLOW);
+}
+
+bool makePrivateFolder(std::filesystem::path const& folder)
+{
+    bool const isThere = makeFolder(folder);
+    closeFolderToOthers(folder);
+    return isThere;
 }
 
 }

@@ -35,6 +35,7 @@ UserDefaults::UserDefaults(std::filesystem::path file, RunLoop& runLoop)
     : file_(std::move(file))
     , runLoop_(runLoop)
 {
+    closeFolderToOthers(file_.parent_path());
     // A file that cannot be opened may be sound. It stays where it is until something is to be written in its place.
     std::optional<std::string> const bytes = readFile(file_);
     if (!bytes) {

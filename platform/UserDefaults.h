@@ -16,7 +16,8 @@ namespace platform {
 /// is overwritten. Main thread only.
 class UserDefaults {
 public:
-    /// Reads the file. One that cannot be read as settings is moved aside, never overwritten, and there are none then.
+    /// Reads the file, and closes its folder to others. A file that cannot be read as settings is moved aside, never
+    /// overwritten, and there are none then.
     UserDefaults(std::filesystem::path file, RunLoop& runLoop);
 
     bool contains(std::string_view key) const { return value(key) != nullptr; }

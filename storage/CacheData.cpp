@@ -20,12 +20,13 @@ bool isFileName(std::string_view name)
 }
 
 // The folder held open, so that nothing is done elsewhere when something else takes its place meanwhile. A link there
-// leads to somebody else's files, and is not opened.
+// leads to somebody else's files, and is not opened. Its files are named after keys, so nobody else may list them.
 class HeldFolder {
 public:
     explicit HeldFolder(std::filesystem::path const& folder)
         : descriptor_(open(folder.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC))
     {
+        platform::closeFolderToOthers(folder);
     }
 
     bool isOpen() const { return descriptor_.isOpen(); }
@@ -68,7 +69,7 @@ CacheData::CacheData(
 
 bool CacheData::saveCacheFile(platform::Dictionary const& report, std::string_view withName) const
 {
-    if (!isFileName(withName) || !platform::makePrivateFolder(folder_))
+    if (!isFileName(withName) || !platform::makeFolder(folder_))
         return false;
     HeldFolder const folder(folder_);
     return folder.isOpen()

@@ -15,7 +15,7 @@ class RunLoop;
 
 /// The last usage report of each usage key, a property-list file each, named by the key. Reading may be done on any
 /// thread; saving and removing are for the main one. A name that is empty, "." or "..", or holds "/" or NUL, is refused
-/// everywhere. So is a link in the folder's place.
+/// everywhere. So is a link in the folder's place. The folder is closed to others whenever it is used.
 class CacheData {
 public:
     /// The user's caches folder, the name of the program's own folder in it, and the loop whose clock decides

@@ -101,3 +101,40 @@ TEST_F(CacheDataTest, RepairUnlinksOnlyReportsNamedByAKeyInTheCachesFolder)
     for (char const* const name : { "program/own", "other", "number", "cut", "link" })
         EXPECT_TRUE(fs::exists(folder.path() / name)) << name;
 }
+
+TEST_F(CacheDataTest, ClosesItsOwnFolderToOthersWhateverItIsUsedFor)
+{
+    fs::permissions(folder.path(), fs::perms(0755));
+    fs::create_directory(cache.getCacheDirectory());
+    for (int use = 0; use < 3; ++use) {
+        fs::permissions(cache.getCacheDirectory(), fs::perms(0755));
+        use == 0       ? cache.removeCacheFile("K1")
+            : use == 1 ? cache.saveCacheFile({}, "K1")
+                       : cache.retrieveCachedFileWithName("K1").has_value();
+        EXPECT_EQ(fs::status(cache.getCacheDirectory()).permissions(), fs::perms(0700)) << use;
+    }
+    EXPECT_EQ(fs::status(folder.path()).permissions(), fs::perms(0755));
+}
+
+TEST_F(CacheDataTest, WhatIsSavedCanBeReadWhateverItsShapeAndWhatIsTooLargeIsNotSaved)
+{
+    std::vector<std::function<platform::Value(std::size_t count)>> const shapes {
+        [](auto count) { return std::string(count, 'x'); },
+        [](auto count) { return std::string(count, '&'); },
+        [](auto count) { return platform::Array(count, platform::Array { "\r" }); },
+        [](auto count) {
+            Dictionary keys { { std::string(1'000'000, 'k'), true } };
+            for (; count > 0; --count)
+                keys.emplace(std::to_string(1'000'000 + count), true);
+            return keys;
+        },
+    };
+    for (auto const& shape : shapes) {
+        auto const report = [&](std::size_t count) { return Dictionary { { "k", shape(count) } }; };
+        auto const size = [&](std::size_t count) { return platform::writePropertyList(report(count)).size(); };
+        auto const most = (platform::maximumFileSize - size(1)) / (size(2) - size(1)) + 1;
+        EXPECT_TRUE(cache.saveCacheFile(report(most), "K1"));
+        EXPECT_FALSE(cache.saveCacheFile(report(most + 1), "K1"));
+        EXPECT_TRUE(cache.retrieveCachedFileWithName("K1") == report(most)) << &shape - &shapes.front();
+    }
+}

@@ -38,7 +38,6 @@ TEST_F(UserDefaultsTest, TheChangesOfOneTurnAreOneWriteAtItsEnd)
     EXPECT_EQ(stored(), (Dictionary { { "name", "Home" } }));
 
     UserDefaults another(file, loop);
-    EXPECT_EQ(*another.get<std::string>("name"), "Home");
     settings.set("ours", 1);
     loop.runQueued();
     another.set("theirs", 1);
@@ -75,14 +74,15 @@ TEST_F(UserDefaultsTest, DamagedFilesAreMovedAsideAndNoneIsOverwritten)
 
 TEST_F(UserDefaultsTest, WhatCannotBeReadStaysUntilItsPlaceIsNeeded)
 {
-    std::ofstream(file) << "";
-    fs::resize_file(file, 16UL * 1024 * 1024 + 1);
+    std::ofstream(file) << std::string(platform::maximumFileSize + 1, ' ');
+    fs::permissions(temporary.path(), fs::perms(0755));
     UserDefaults settings(file, loop);
+    EXPECT_EQ(fs::status(temporary.path()).permissions(), fs::perms(0700));
     EXPECT_TRUE(fs::exists(file));
     settings.set("new", 2);
     loop.runQueued();
     EXPECT_EQ(stored(), (Dictionary { { "new", 2 } }));
-    EXPECT_EQ(fs::file_size(file.string() + ".damaged"), 16UL * 1024 * 1024 + 1);
+    EXPECT_EQ(fs::file_size(file.string() + ".damaged"), platform::maximumFileSize + 1);
 }
 
 TEST_F(UserDefaultsTest, TheNextChangeIsWrittenWhenADiskFaultIsGone)
