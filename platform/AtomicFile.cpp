@@ -32,11 +32,11 @@ bool writeAll(int descriptor, std::string_view content)
     return true;
 }
 
-// The unfinished file is its own lock: others could open and lock the folder, but not a file that its owner alone may
-// open. One that is locked is another process's save; one that is not was left by a killed process, and is removed
-// under its lock, so that no new save's file goes in its place. Until the lock is had, the name may come to lead
-// elsewhere, so it is looked at again then, and before the renaming. Links and other people's files are removed
-// unopened. A file system without locks is written to without one.
+// The unfinished file is its own lock. Other users could open and lock the folder, but not a file that only its owner
+// may open. A locked one belongs to another process that is saving. An unlocked one was left by a killed process; it is
+// removed while this process holds its lock, so that a new save's file is never removed in its place. The name may have
+// come to mean another file before the lock was taken, so it is checked then, and again before the renaming. Links and
+// files of other users are removed without being opened. A file system that has no locks is written to without one.
 bool tryToLock(int file) { return ::flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
 
 bool isInPlace(int folder, int file)

@@ -63,6 +63,18 @@ TEST_F(CacheDataTest, LeavesAFileThatIsNoReportUntilASaveReplacesIt)
     EXPECT_EQ(cache.retrieveCachedFileWithName("K1"), (Dictionary { { "used:upload", "2" } }));
 }
 
+TEST_F(CacheDataTest, RefusesNamesThatAreNoFileNames)
+{
+    write(folder.path() / "neighbour", "");
+    for (std::string const& name :
+        { std::string("a\0b", 3), std::string(), std::string(".."), std::string("../neighbour"), std::string("a/b") }) {
+        EXPECT_FALSE(cache.saveCacheFile({}, name));
+        EXPECT_EQ(cache.retrieveCachedFileWithName(name), std::nullopt);
+        EXPECT_FALSE(cache.removeCacheFile(name));
+    }
+    EXPECT_TRUE(fs::exists(folder.path() / "neighbour"));
+}
+
 TEST_F(CacheDataTest, RemovesOneFileOrAllButNothingThroughALink)
 {
     auto const foreign = folder.path() / "foreign";
@@ -106,12 +118,12 @@ TEST_F(CacheDataTest, ClosesItsOwnFolderToOthersWhateverItIsUsedFor)
 {
     fs::permissions(folder.path(), fs::perms(0755));
     fs::create_directory(cache.getCacheDirectory());
-    for (int use = 0; use < 3; ++use) {
+    std::vector<std::function<void()>> const uses { [this] { cache.removeCacheFile("K1"); },
+        [this] { cache.saveCacheFile({}, "K1"); }, [this] { cache.retrieveCachedFileWithName("K1"); } };
+    for (auto const& use : uses) {
         fs::permissions(cache.getCacheDirectory(), fs::perms(0755));
-        use == 0       ? cache.removeCacheFile("K1")
-            : use == 1 ? cache.saveCacheFile({}, "K1")
-                       : cache.retrieveCachedFileWithName("K1").has_value();
-        EXPECT_EQ(fs::status(cache.getCacheDirectory()).permissions(), fs::perms(0700)) << use;
+        use();
+        EXPECT_EQ(fs::status(cache.getCacheDirectory()).permissions(), fs::perms(0700));
     }
     EXPECT_EQ(fs::status(folder.path()).permissions(), fs::perms(0755));
 }

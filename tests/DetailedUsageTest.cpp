@@ -239,6 +239,10 @@ TEST_F(DetailedUsageTest, HoweverOftenAPageFailsThereIsOnePromptAndOneNotice)
 {
     engine.hasNotice = true;
     show();
+    for (int i = 0; i < 3; ++i)
+        loadAndAnswer();
+    detailed().window.userAnswered(platform::Alert::firstButtonReturn);
+    EXPECT_EQ(alertOn(detailed().window), "");
     auto const failAgainAndAgain = [this] {
         for (int i = 0; i < 3; ++i) {
             loadAndAnswer();

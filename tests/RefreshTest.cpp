@@ -97,8 +97,10 @@ TEST_F(RefreshTest, AnAnswerThatComesAfterASwitchDoesNotStayOnTheScreen)
         runLoop.runQueued();
         EXPECT_EQ(title(), "20GB");
         answers ? setReply("K1", 70) : failReply("K1");
+        auto const before = requests();
         settle();
         EXPECT_EQ(title(), "20GB");
+        EXPECT_EQ(requests(), before + 1) << "the cache has the other one";
         EXPECT_EQ(outlets->monitorWindow.title.get(), "Usage Meter - Cottage");
         connection(0).userClicked();
         settle();

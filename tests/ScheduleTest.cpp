@@ -60,6 +60,10 @@ TEST_F(Schedule, ACachedReportWithoutADueTimeArmsNoTimer)
 TEST_F(Schedule, ACachedReportKeepsItsDueTimeButOfAnotherChoiceArmsAFullPeriod)
 {
     advance(75min);
+    // As another program may have written it.
+    auto report = cache().retrieveCachedFileWithName("K1").value();
+    report.insert_or_assign(reportEntry::updateInterval, "2");
+    cache().saveCacheFile(report, "K1");
     controller->updateUsageWithCache(true);
     settle();
     EXPECT_EQ(requests(), 1U);

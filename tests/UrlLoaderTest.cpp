@@ -26,6 +26,7 @@ using Clock = std::chrono::steady_clock;
 
 std::filesystem::path const helper = USAGE_METER_FETCH;
 std::string const ok = "HTTP/1.1 200 OK\r\n";
+std::string const chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";
 std::string const piece(65536, 'x');
 
 std::string outputOf(char const* command)
@@ -112,10 +113,13 @@ TEST_F(UrlLoaderTest, NothingComesOfALoadThatWentWrong)
         { "/latin-1", response("caf\xE9") },
         { "/to-http", redirect("http://" + host + "/") },
         { "/to-file", redirect("file:///etc/passwd") },
+        { "/to-user", redirect("https://user:word@" + host + "/") },
         { "/loop", redirect("/loop") },
         { "/endless-header", { ok, Ending::closed, "a: b\r\n" } },
         { "/endless-continue", { "", Ending::closed, "HTTP/1.1 100 Continue\r\n\r\n" } },
+        { "/endless-trailer", { chunked + "0\r\n", Ending::closed, "a: b\r\na: b\r\na: b\r\na: b\r\n" } },
         { "/cut", { ok + "Content-Length: 10\r\n\r\nhello" } },
+        { "/cut-chunk", { chunked + "5\r\nhel" } },
         { "/reset", { ok + "\r\nhello", Ending::reset } },
     };
     TlsServer const server = serve(replies);
