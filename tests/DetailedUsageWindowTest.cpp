@@ -46,21 +46,24 @@ std::vector<pid_t> renderers()
 }
 
 struct DetailedUsageWindowTest : WindowsTest {
-    DetailedUsageWindowTest()
+    /// A home whose user trusts the provider's certificate, which the engine reads once in a process.
+    static void SetUpTestSuite()
     {
-        // A home whose user trusts the provider's certificate, in the way that the engine asks for.
         qputenv("HOME", home_.c_str());
         qputenv("NO_PROXY", "localhost");
         qputenv("SSLKEYLOGFILE", secrets_.c_str());
-        // The engine isolates its pages, but never as root.
-        if (::geteuid() == 0)
-            qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
         std::filesystem::create_directories(home_ / ".pki/nssdb");
         auto const database = QString::fromStdString("sql:" + (home_ / ".pki/nssdb").string());
         QProcess::execute("certutil", { "-N", "-d", database, "--empty-password" });
         auto const authority = QString::fromStdString(certificate_.authority);
         QProcess::execute("certutil", { "-A", "-d", database, "-n", "provider", "-t", "C,,", "-i", authority });
+    }
 
+    DetailedUsageWindowTest()
+    {
+        // The engine isolates its pages, but never as root.
+        if (::geteuid() == 0)
+            qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
         auto const folder = folder_.path() / "bundle";
         std::filesystem::copy(USAGE_METER_BUNDLE, folder, std::filesystem::copy_options::recursive);
         auto info = *platform::readPropertyList(*platform::readFile(folder / "Info.plist"));
@@ -128,11 +131,12 @@ struct DetailedUsageWindowTest : WindowsTest {
     DetailedUsageLayout& detailed() { return outlets_.detailedUsage; }
     std::size_t pageCount() const { return provider_->pageRequests(pagePath).size(); }
 
-    demo::CertificateFiles certificate_ = *demo::makeCertificate(folder_.path() / "certificate");
-    std::unique_ptr<demo::Provider> provider_ = demo::Provider::start(certificate_);
-    std::filesystem::path const home_ = folder_.path() / "home";
+    inline static TemporaryFolder const shared_;
+    inline static std::filesystem::path const home_ = shared_.path() / "home";
     /// Where nobody may write the secrets of a connection.
-    std::filesystem::path const secrets_ = folder_.path() / "secrets";
+    inline static std::filesystem::path const secrets_ = shared_.path() / "secrets";
+    inline static demo::CertificateFiles const certificate_ = *demo::makeCertificate(shared_.path() / "certificate");
+    std::unique_ptr<demo::Provider> provider_ = demo::Provider::start(certificate_);
     platform::ThreadQueues queues_;
     platform::ProcessUrlLoader urlLoader_ { {} };
     DesktopWorkspace workspace_;
