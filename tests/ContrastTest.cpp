@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Whether every text can be read: its contrast with its ground, measured on the pixels of every window in every look.
-#include "desktop/ColorScheme.h"
 #include "desktop/MenuMirror.h"
 #include "desktop/StatusIcon.h"
 #include "tests/support/EveryWindowTest.h"
@@ -153,13 +152,10 @@ bool isFaded(QWidget const& widget)
 
 class ContrastTest : public EveryWindowTest {
 protected:
-    ~ContrastTest() override { applyAppearance(Appearance::Light); }
-
     void measure(Appearance appearance, double limit)
     {
         appearance_ = appearance;
         limit_ = limit;
-        applyAppearance(appearance);
         showAll();
         showLists();
         RecordProperty("lowest", std::to_string(lowest_));

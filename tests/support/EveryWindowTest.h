@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "desktop/ColorScheme.h"
 #include "desktop/MainWindows.h"
 #include "tests/support/ControllerTest.h"
 
@@ -28,6 +29,7 @@ protected:
 
     void showAll()
     {
+        applyAppearance(appearance_);
         // With numbers for keys and nicknames, and dates in another script, only a text of ours has Latin letters.
         platform.dateLocale = "ja_JP";
         showFirstStart();
