@@ -3,6 +3,7 @@
 
 #include <QDBusConnection>
 #include <QDBusObjectPath>
+#include <QProcess>
 #include <QVariant>
 
 #include <string>
@@ -29,10 +30,11 @@ struct Accessible {
     std::string keys;
 };
 
-/// Reads other programs' windows over the accessibility bus of the session, as a screen reader does.
+/// Starts an accessibility bus for the session, and reads other programs' windows over it as a screen reader does.
 class AccessibleTree {
 public:
     AccessibleTree();
+    ~AccessibleTree();
 
     /// All that shows in the window of this title, itself first; empty as long as no program shows such a window.
     std::vector<Accessible> window(std::string const& title) const;
@@ -49,5 +51,6 @@ private:
     Accessible read(AccessiblePlace const& place) const;
     void addShowing(std::vector<Accessible>& found, AccessiblePlace const& place) const;
 
+    QProcess launcher_;
     QDBusConnection bus_;
 };
