@@ -116,10 +116,11 @@ std::vector<std::filesystem::path> systemAutostartFolders()
     return autostartFolders;
 }
 
-// A place beside the program's own folder, the same in the build folder and in an installation.
-std::filesystem::path besideProgram(char const* place)
+// A place relative to the program's own folder, the same in the build folder and in an installation.
+std::filesystem::path fromProgram(char const* place)
 {
-    return QDir::cleanPath(QDir(QCoreApplication::applicationDirPath()).filePath(QLatin1String(place))).toStdString();
+    auto const folder = std::filesystem::path(QCoreApplication::applicationDirPath().toStdString());
+    return (folder / place).lexically_normal();
 }
 
 std::filesystem::path additionalAuthority(platform::Bundle const& bundle)
@@ -134,7 +135,7 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
     DesktopRunLoop runLoop;
     platform::ThreadQueues queues;
     platform::ProcessUrlLoader urlLoader(
-        besideProgram("../lib/usage-meter/usage-meter-fetch"), additionalAuthority(bundle));
+        fromProgram(USAGE_METER_PARTS "/usage-meter-fetch"), additionalAuthority(bundle));
     auto const settingsFile = userFolder("XDG_CONFIG_HOME", ".config") / bundle.identifier() / "preferences.plist";
     platform::UserDefaults userDefaults(settingsFile, runLoop);
     auto const notifications = FreedesktopNotifications::connectTo(bus);
@@ -164,7 +165,7 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
     MainLayout layout(outlets, bundle, userDefaults, platform.numberLocale);
     AppDelegate controller(platform, outlets);
     layout.wire(controller);
-    MainWindows windows(outlets, bundle, runLoop, besideProgram("../lib/usage-meter"));
+    MainWindows windows(outlets, bundle, runLoop, fromProgram(USAGE_METER_PARTS));
     instance.whenActivated([&controller] { controller.showPreferences(); });
     StatusArea const statusArea(controller.usageStatusItem(),
         { .noStatusArea = [&windows, &desktopApplication] { windows.showUsageWindowWithMenu(desktopApplication); },
@@ -210,7 +211,7 @@ int main(int argc, char** argv)
     QObject::connect(&application, &QGuiApplication::saveStateRequest,
         [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
 
-    auto const folder = besideProgram("../share/usage-meter");
+    auto const folder = fromProgram(USAGE_METER_BUNDLE);
     auto const bundle = platform::Bundle::open(folder, platform::userLanguages());
     if (!bundle) {
         std::fprintf(stderr, "usage-meter: %s/Info.plist is missing or damaged\n", folder.c_str());

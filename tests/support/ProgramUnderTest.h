@@ -11,19 +11,14 @@
 #include <algorithm>
 #include <csignal>
 
-/// The real program, staged as it is installed into a folder of its own, with settings, caches and an identifier that
-/// nobody else has.
+/// The real program, copied into a folder of its own from the build folder, or with an installation that
+/// USAGE_METER_INSTALLATION names. Its settings, caches and identifier are nobody else's.
 class ProgramUnderTest {
 public:
     static constexpr char const* identifier = "net.tarvo.UsageMeter.test";
 
     ProgramUnderTest()
     {
-        std::filesystem::path const build = USAGE_METER_BUILD;
-        for (auto const* const part : { "bin/usage-meter", "lib", USAGE_METER_BUNDLE }) {
-            std::filesystem::create_directories((folder_.path() / part).parent_path());
-            std::filesystem::copy(build / part, folder_.path() / part, std::filesystem::copy_options::recursive);
-        }
         setInfo("CFBundleIdentifier", identifier);
 
         for (auto const& [variable, folder] :
@@ -58,7 +53,7 @@ public:
     void start()
     {
         process_.setProcessEnvironment(environment_);
-        process_.start(QString::fromStdString(folder_.path() / "bin/usage-meter"), {});
+        process_.start(QString::fromStdString(find("usage-meter")), {});
         process_.waitForStarted();
     }
 
@@ -84,7 +79,12 @@ public:
     }
 
     qint64 processId() const { return process_.processId(); }
-    void signal(int number) const { ::kill(static_cast<pid_t>(processId()), number); }
+    /// Nothing to a program that has ended, for its number 0 would be the group of processes that the test is in.
+    void signal(int number) const
+    {
+        if (processId() != 0)
+            ::kill(static_cast<pid_t>(processId()), number);
+    }
 
     /// The exit status; -1 when it runs on or a signal ended it.
     int waitForExit(std::chrono::milliseconds bound)
@@ -98,13 +98,38 @@ public:
     std::string const& output() { return output_ += process_.readAll().toStdString(); }
 
 private:
+    std::filesystem::path stage() const
+    {
+        auto const* const installation = std::getenv("USAGE_METER_INSTALLATION");
+        std::filesystem::path const source = installation ? installation : USAGE_METER_BUILD;
+        std::vector<std::filesystem::path> parts { USAGE_METER_PROGRAM, USAGE_METER_PARTS, USAGE_METER_BUNDLE };
+        if (installation)
+            parts = { source };
+        for (auto const& part : parts) {
+            auto const copy = folder_.path() / part.lexically_relative(source);
+            std::filesystem::create_directories(copy.parent_path());
+            std::filesystem::copy(part, copy, std::filesystem::copy_options::recursive);
+        }
+        return folder_.path();
+    }
+
+    std::filesystem::path find(char const* file) const
+    {
+        for (auto const& entry : std::filesystem::recursive_directory_iterator(root_)) {
+            if (entry.is_regular_file() && entry.path().filename() == file)
+                return entry.path();
+        }
+        throw std::logic_error(file);
+    }
+
     TemporaryFolder folder_;
+    std::filesystem::path const root_ = stage();
     QProcessEnvironment environment_ = QProcessEnvironment::systemEnvironment();
     QProcess process_;
     std::string output_;
 
 public:
-    std::filesystem::path const infoFile = folder_.path() / "share/usage-meter/Info.plist";
+    std::filesystem::path const infoFile = find("Info.plist");
     std::filesystem::path const settingsFile = folder_.path() / "config" / identifier / "preferences.plist";
     std::filesystem::path const cacheFolder = folder_.path() / "cache" / identifier;
 };

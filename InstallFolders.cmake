@@ -1,0 +1,21 @@
+# Where things lie in an installation, and in the build folder, which is laid out like one.
+include(GNUInstallDirs)
+
+# The program finds its parts by the way from its own folder, so that an installation can be moved as a whole.
+file(RELATIVE_PATH USAGE_METER_BUNDLE_FROM_PROGRAM
+    ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_DATADIR}/usage-meter
+)
+file(RELATIVE_PATH USAGE_METER_PARTS_FROM_PROGRAM
+    ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR}/usage-meter
+)
+
+# The build folder takes the place of the prefix, or of the root where one of the folders is an absolute path.
+set(full "")
+foreach(folder BINDIR DATADIR LIBDIR)
+    if(IS_ABSOLUTE "${CMAKE_INSTALL_${folder}}")
+        set(full FULL_)
+    endif()
+endforeach()
+set(USAGE_METER_BUILT_BUNDLE ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_${full}DATADIR}/usage-meter)
+set(USAGE_METER_BUILT_PARTS ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_${full}LIBDIR}/usage-meter)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_${full}BINDIR})
