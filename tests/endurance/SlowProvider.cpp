@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// A provider that takes its time, and what the program makes of it. All cases of one test run at once.
-#include "demo/Reply.h"
+// A provider that takes its time. All cases run at once.
 #include "platform/ProcessUrlLoader.h"
-#include "tests/support/PanelTest.h"
-#include "tests/support/ProgramUnderTest.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/TlsServer.h"
+
+#include <gtest/gtest.h>
 
 #include <fstream>
 #include <future>
@@ -60,39 +60,4 @@ TEST(SlowProvider, IsGivenUpAfterAMinuteOfSilenceAndFiveMinutesInAll)
     rusage usage {};
     ::getrusage(RUSAGE_CHILDREN, &usage);
     EXPECT_LT(usage.ru_maxrss, 48 * 1024);
-}
-
-class SlowProviderTest : public PanelTest { };
-
-TEST_F(SlowProviderTest, IsAskedAgainAfterThirtySecondsUntilItAnswers)
-{
-    startWatcher();
-    TemporaryFolder const folder;
-    TlsReply const good { ok + "\r\n" + demo::reportBody({ 0, 0, 0, 0, 57'000'000'000, 300'000'000 }) };
-    std::optional<TlsServer> server;
-    auto const serve = [&](ServerFault fault, TlsReply const& reply, std::string const& port) {
-        server.reset();
-        server.emplace(
-            folder.path(), fault, [reply](auto const&) { return reply; }, port);
-    };
-    auto const showsTitle = [&](char const* title, std::chrono::seconds limit) {
-        return reader_.waitFor([&] { return reader_.hasItem() && reader_.title() == QString::fromUtf8(title); }, limit);
-    };
-    serve(ServerFault::expired, good, "0");
-    std::string const port = server->port();
-    ProgramUnderTest program;
-    program.setProvider("localhost:" + port, server->authority());
-    program.startWith({ "Home - secretOne" });
-    EXPECT_TRUE(showsTitle("No data", 10s));
-    serve(ServerFault::none, { "", Ending::silent }, port);
-    EXPECT_FALSE(showsTitle("Please wait…", 28s));
-    EXPECT_TRUE(showsTitle("Please wait…", 5s));
-    EXPECT_TRUE(showsTitle("No data", 65s)) << "a minute of silence";
-    server.reset();
-    EXPECT_TRUE(showsTitle("Please wait…", 35s));
-    EXPECT_TRUE(showsTitle("No data", 10s)) << "refused";
-    serve(ServerFault::none, good, port);
-    EXPECT_TRUE(showsTitle("57.3GB", 35s));
-    program.signal(SIGTERM);
-    EXPECT_EQ(program.waitForExit(10s), 0);
 }
