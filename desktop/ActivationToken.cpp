@@ -19,3 +19,10 @@ void keepActivationToken(QString const& token)
 }
 
 void dropActivationToken() { qunsetenv(variable); }
+
+QString takeActivationToken()
+{
+    auto token = qEnvironmentVariable(variable);
+    dropActivationToken();
+    return token;
+}

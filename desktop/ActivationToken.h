@@ -12,3 +12,6 @@ void keepActivationToken(QString const& token);
 
 /// Takes the token out of the environment. It is good for one window.
 void dropActivationToken();
+
+/// The same, and returns it: that of the program's own start, which no other process shall inherit.
+QString takeActivationToken();

@@ -132,10 +132,13 @@ std::filesystem::path additionalAuthority(platform::Bundle const& bundle)
 int run(platform::Bundle const& bundle, SingleInstance& instance)
 {
     auto const bus = QDBusConnection::sessionBus();
+    auto const activationToken = takeActivationToken();
     DesktopRunLoop runLoop;
     platform::ThreadQueues queues;
     platform::ProcessUrlLoader urlLoader(
         fromProgram(USAGE_METER_PARTS "/usage-meter-fetch"), additionalAuthority(bundle));
+    // The loader has its copy of the environment by now.
+    keepActivationToken(activationToken);
     auto const settingsFile = userFolder("XDG_CONFIG_HOME", ".config") / bundle.identifier() / "preferences.plist";
     platform::UserDefaults userDefaults(settingsFile, runLoop);
     auto const notifications = FreedesktopNotifications::connectTo(bus);
