@@ -99,7 +99,7 @@ std::optional<std::string> ProcessUrlLoader::load(std::string const& url)
     return body;
 }
 
-// By their numbers loads keep the order they came in.
+// The numbers keep the loads in the order they came.
 bool ProcessUrlLoader::awaitTurn()
 {
     std::unique_lock lock(mutex_);

@@ -102,6 +102,32 @@ TEST_F(AtomicFileTest, AProcessThatIsBeingStartedHoldsUpNoSave)
     }
 }
 
+TEST_F(AtomicFileTest, TwoProcessesThatSaveAtOnceNeitherFailNorMixTheirFiles)
+{
+    auto const startSaving = [this](char letter) {
+        pid_t const child = ::fork();
+        if (child == 0) {
+            for (int i = 0; i < 300; ++i) {
+                if (!writeFileAtomically(file, std::string(5000, letter)))
+                    ::_exit(1);
+            }
+            ::_exit(0);
+        }
+        return child;
+    };
+    ASSERT_TRUE(writeFileAtomically(file, std::string(5000, 'x')));
+    std::vector const children { startSaving('a'), startSaving('b') };
+    for (pid_t const child : children) {
+        int status = 0;
+        while (::waitpid(child, &status, WNOHANG) == 0) {
+            auto const content = readFile(file).value_or("");
+            ASSERT_TRUE(content.size() == 5000 && content.find_first_not_of(content.front()) == std::string::npos);
+        }
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_EQ(entries(), 1);
+}
+
 TEST_F(AtomicFileTest, ALinkPlantedForTheUnfinishedFileIsNotFollowed)
 {
     fs::path const victim = folder.path() / "victim";

@@ -233,8 +233,9 @@ TEST_F(UrlLoaderTest, FourLoadsRunAtATimeAndTheOthersInTheOrderTheyCameUntilAllA
     EXPECT_EQ(std::ssize(started()), 5);
 
     loads.clear();
+    auto const startAgain = Clock::now();
     for (int number = 1; number <= 5; ++number)
         load(impatient, number);
     loads.clear();
-    EXPECT_GE(Clock::now() - start, 600ms) << "waiting does not count";
+    EXPECT_GE(Clock::now() - startAgain, 600ms) << "waiting does not count";
 }
