@@ -52,7 +52,7 @@ void AppDelegate::showError()
 void AppDelegate::presentReport()
 {
     waiting_ = false;
-    // Of an overlapping refresh that failed.
+    // A refresh that overlapped with this one may have failed and armed it.
     fixErrorTimer_.reset();
     updateTitleBarDates();
     auto figures = UsageFigures::fromReport(*usageDictionary_, outlets_.usageLimit.text.get());

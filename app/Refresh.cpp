@@ -126,8 +126,11 @@ void AppDelegate::followSelection()
 {
     if (!reportKey_)
         return;
-    if (!getCurrentlySelectedKey())
-        updateMenuBarLoading();
-    else if (*reportKey_ != selectedKey_)
-        updateUsageWithCache(true);
+    if (getCurrentlySelectedKey()) {
+        if (*reportKey_ != selectedKey_)
+            updateUsageWithCache(true);
+        return;
+    }
+    updateMenuBarLoading();
+    showWindowTitle();
 }

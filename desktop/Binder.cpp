@@ -5,6 +5,7 @@
 #include "desktop/Text.h"
 #include "platform/Bundle.h"
 #include "platform/Calendar.h"
+#include "platform/Utf8.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -195,8 +196,10 @@ void Binder::bindFigure(char const* outlet, platform::TextField& model)
         auto const& metrics = label.fontMetrics();
         auto const shown = metrics.elidedText(whole, Qt::ElideRight, maximumWidth * metrics.averageCharWidth());
         label.setText(shown);
-        auto const toolTip = inLines(toQt(model.toolTip.get()));
-        label.setToolTip(shown == whole ? toolTip : inLines(whole) + QLatin1Char('\n') + toolTip);
+        QStringList toolTip { inLines(toQt(model.toolTip.get())) };
+        if (shown != whole)
+            toolTip.prepend(inLines(whole));
+        label.setToolTip(toolTip.join(QLatin1Char('\n')).trimmed());
         // The table around a figure gives its meaning; by ear it needs to say what it is.
         label.setAccessibleName(filledIn(spoken, whole));
     };
@@ -213,14 +216,13 @@ void Binder::bindInput(char const* outlet, platform::TextField& model)
             input.setText(shown);
     }));
     QObject::connect(&input, &QLineEdit::textEdited, &input, [&input, &model](QString const& text) {
-        auto const behindCursor = text.size() - input.cursorPosition();
+        auto const beforeCursor = text.left(input.cursorPosition()).toStdString();
         model.userTyped(text.toStdString());
         auto const kept = toQt(model.text.get());
         if (kept == text)
             return;
-        // What the model left out was in front of the cursor.
         input.setText(kept);
-        input.setCursorPosition(static_cast<int>(kept.size() - behindCursor));
+        input.setCursorPosition(static_cast<int>(toQt(platform::withoutControlCharacters(beforeCursor)).size()));
     });
 }
 

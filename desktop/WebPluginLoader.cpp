@@ -54,7 +54,8 @@ bool isEngineComplete()
     auto const process
         = placeOfPart("QTWEBENGINEPROCESS_PATH", QLibraryInfo::LibraryExecutablesPath, "QtWebEngineProcess");
     QDir const resources(placeOfPart("QTWEBENGINE_RESOURCES_PATH", QLibraryInfo::DataPath, "resources"));
-    return QFileInfo(process).isExecutable() && resources.exists(QStringLiteral("qtwebengine_resources.pak"));
+    QFileInfo const pack(resources, QStringLiteral("qtwebengine_resources.pak"));
+    return QFileInfo(process).isExecutable() && pack.size() > 0;
 }
 
 // The engine crashes without a context to share. Tells whether that is one that can draw.

@@ -240,6 +240,7 @@ void DetailedUsageViewController::doDisplayErrorPromptWithWebView(platform::Load
         [this](int returnCode) {
             if (returnCode == platform::Alert::firstButtonReturn)
                 return doReload();
+            // What waits behind the prompt would hold the closing up.
             layout_.window.endAlerts();
             doCloseWindow();
         });

@@ -8,6 +8,8 @@
 #include "tests/support/WindowsTest.h"
 #include "ui/MainLayout.h"
 
+#include <QDesktopServices>
+
 #include <atomic>
 #include <ctime>
 #include <sys/syscall.h>
@@ -69,6 +71,19 @@ TEST(SleepWatch, NoticesEachSleepOnceAndNoUnevenReading)
     EXPECT_FALSE(watch.noticesSleep(400s, 380s));
 }
 
+/// Takes the addresses that the program opens.
+struct Browser : QObject {
+    Q_OBJECT
+
+public:
+    Browser() { QDesktopServices::setUrlHandler(QStringLiteral("https"), this, "open"); }
+    ~Browser() override { QDesktopServices::unsetUrlHandler(QStringLiteral("https")); }
+
+    Q_SLOT void open(QUrl const& url) { opened = url.toEncoded().toStdString(); }
+
+    std::string opened;
+};
+
 /// Both windows as the program sets them up.
 struct MainWindowsTest : WindowsTest {
     MainWindowsTest()
@@ -89,21 +104,23 @@ TEST_F(MainWindowsTest, TheUsersHandReachesTheModelsAndTheSettings)
     int actions = 0;
     outlets_.useConnectionButton.action = [&](platform::Sender) { ++actions; };
     outlets_.updateIntervalPopupButton.action = [&] { ++actions; };
-    outlets_.usageLimit.text.set("15");
+    // What the program sets keeps its line breaks until the user edits it.
+    outlets_.usageLimit.text.set("1\n5\n");
     auto& field = widgetOf<QLineEdit>("usageLimit");
-    field.setCursorPosition(1);
-    QTest::keyClicks(&field, QStringLiteral("0"));
+    EXPECT_EQ(field.text(), "1\n5\n");
+    field.setCursorPosition(2);
+    QTest::keyClicks(&field, QStringLiteral("00"));
     QGuiApplication::clipboard()->setText(QStringLiteral("\t.\r\n"));
     field.paste();
-    EXPECT_EQ(field.text(), "10.5") << "a field holds one line";
-    EXPECT_EQ(field.cursorPosition(), 3);
+    EXPECT_EQ(field.text(), "100.5") << "a field holds one line";
+    EXPECT_EQ(field.cursorPosition(), 4);
     QTest::mouseClick(&widgetOf<QPushButton>("useConnectionButton"), Qt::LeftButton);
     QTest::keyClick(&widgetOf<QCheckBox>("usageCapToggle"), Qt::Key_Space);
     auto& popUp = widgetOf<QComboBox>("updateIntervalPopupButton");
     QTest::keyClick(&popUp, Qt::Key_Down);
     QWheelEvent wheel({}, {}, {}, { 0, -120 }, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(&popUp, &wheel);
-    EXPECT_EQ(outlets_.usageLimit.text.get(), "10.5");
+    EXPECT_EQ(outlets_.usageLimit.text.get(), "100.5");
     EXPECT_EQ(*defaults_.get<bool>(settings::showUsageCap), false);
     EXPECT_EQ(*defaults_.get<std::int64_t>(settings::hourUpdateInterval), 1);
     EXPECT_EQ(actions, 2);
@@ -131,6 +148,11 @@ TEST_F(MainWindowsTest, AWindowComesToTheFrontFromWhereverItIsWithATokenThatIsUs
         EXPECT_FALSE(window().isMinimized());
         EXPECT_EQ(token(), QString());
     }
+    Browser browser;
+    keepActivationToken(QStringLiteral("x"));
+    DesktopWorkspace().open("https://tarvo.example/?a=%20b");
+    EXPECT_EQ(browser.opened, "https://tarvo.example/?a=%20b");
+    EXPECT_EQ(token(), QString());
 }
 
 TEST_F(MainWindowsTest, WhatTheProgramSetsIsShownAndNotTakenForTheUsers)
@@ -175,7 +197,7 @@ TEST_F(MainWindowsTest, WhatTheProgramSetsIsShownAndNotTakenForTheUsers)
     EXPECT_EQ(box.placeholderText(), "Home - K1");
 }
 
-TEST_F(MainWindowsTest, AFigureOfAnyLengthLeavesTheWindowItsWidthAndIsWholeInTheToolTip)
+TEST_F(MainWindowsTest, AnAbsurdFigureIsCutOffAndWholeInTheToolTip)
 {
     auto& label = widgetOf<QLabel>("downloadUsage");
     outlets_.downloadUsage.toolTip.set("52,345.68MB");
@@ -189,6 +211,7 @@ TEST_F(MainWindowsTest, AFigureOfAnyLengthLeavesTheWindowItsWidthAndIsWholeInThe
     auto const lines = label.toolTip().split('\n');
     EXPECT_EQ(lines.mid(0, 7).join(QString()).toStdString(), absurd);
     EXPECT_EQ(lines.back(), "52,345.68MB");
+    EXPECT_EQ(widgetOf<QLabel>("usageCapPercentageText").toolTip().remove('\n').toStdString(), absurd);
 }
 
 TEST_F(MainWindowsTest, ASheetShowsPlainTextAndAnswersByKey)

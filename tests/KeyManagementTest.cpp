@@ -131,8 +131,10 @@ TEST_F(KeyManagementTest, TheQuestionWhetherToRemoveEndsWhenAnotherConnectionIsS
     for (auto const& select : ways) {
         outlets->removeKeyButton.userClicked();
         EXPECT_NE(alertOn(outlets->window), "");
+        outlets->window.beginSheet({ .messageText = "another alert" });
         select();
-        EXPECT_EQ(alertOn(outlets->window), "");
+        EXPECT_EQ(alertOn(outlets->window), "another alert");
+        outlets->window.userAnswered(platform::Alert::firstButtonReturn);
     }
     EXPECT_EQ(stored(), (platform::Array { home, cottage, office }));
 }
@@ -153,6 +155,7 @@ TEST_F(KeyManagementTest, RemovingTheLastEntryEndsWithAnEmptyListAndALateReportD
     // The refresh that was under way has figures for nobody.
     settle();
     EXPECT_EQ(title(), "Please wait…");
+    EXPECT_EQ(outlets->monitorWindow.title.get(), "Usage Meter");
     EXPECT_FALSE(std::filesystem::exists(cache().getCacheDirectory() / "K1"));
     outlets->removeKeyButton.userClicked();
     EXPECT_EQ(alertOn(outlets->window), "");

@@ -108,7 +108,8 @@ TEST_F(RefreshTest, AnAnswerThatComesAfterASwitchDoesNotStayOnTheScreen)
     }
 }
 
-// Refreshes are asked for and answered in any order, while connections are picked, confirmed, added and removed.
+// Refreshes are asked for and answered in any order, while connections are picked from the menu, confirmed, added and
+// removed.
 TEST_F(RefreshTest, OverlappingRefreshesEndWithTheSelectedConnectionOnTheScreen)
 {
     std::minstd_rand random(2026); // NOLINT(*-msc51-cpp): the same in every run

@@ -101,14 +101,15 @@ TEST_F(StatusItem, ShowsItsTitleAndItsMenuAndRebuildsTenThousandLinesInLittleTim
     update_->submenu = &submenu_;
     submenu_.setItems({ makeLine("Home"), makeLine("Cottage_by_the__sea") });
     submenu_.items()[0]->on.set(true);
-    menu_.setItems({ figure_, makeLine("Cap: 100GB"), makeLine(""), update_ });
+    menu_.setItems({ figure_, makeLine("Cap: 100GB"), makeLine(""), makeLine(std::string(81, 'x')), update_ });
     menu_.items()[1]->hidden.set(true);
     menu_.items()[2]->isSeparator = true;
     start();
     EXPECT_EQ(reader_.title(), "57.3GB");
     item_.title.set(std::string(248, '9'));
     EXPECT_TRUE(waitFor([this] { return reader_.title() == QString(31, '9') + "…"; })) << "no panel has room for it";
-    EXPECT_TRUE(waitForLines({ "Downloaded: 52.35GB", "--", "Update now", "  * Home", "  Cottage_by_the__sea" }));
+    EXPECT_TRUE(waitForLines({ "Downloaded: 52.35GB", "--", std::string(79, 'x') + "…", "Update now", "  * Home",
+        "  Cottage_by_the__sea" }));
 
     Menu::Items items;
     for (int i = 0; i < 10'000; ++i)
