@@ -119,9 +119,9 @@ void AppDelegate::updateTitleBar()
     });
 }
 
-// A refresh keeps its key, so its outcome can come after the user has picked another connection or removed the last
-// one. It is presented all the same, but does not stay under another connection's name. What follows has the key of the
-// moment, so this ends once the user stops picking.
+// A refresh keeps the key that it was asked for, so its outcome can arrive after the user has picked another connection
+// or removed the last one. It is presented, but must not stay on the screen under another connection's name. The
+// refresh that follows uses the key that is current by then, so this ends when the user stops switching.
 void AppDelegate::followSelection()
 {
     if (!reportKey_)

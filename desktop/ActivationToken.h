@@ -13,5 +13,5 @@ void keepActivationToken(QString const& token);
 /// Takes the token out of the environment. It is good for one window.
 void dropActivationToken();
 
-/// The same, and returns it: that of the program's own start, which no other process shall inherit.
+/// Takes the token out of the environment and returns it, so that no child process inherits it.
 QString takeActivationToken();

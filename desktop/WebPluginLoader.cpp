@@ -20,8 +20,8 @@ Q_GUI_EXPORT void qt_gl_set_global_share_context(QOpenGLContext* context);
 
 namespace {
 
-// All that the engine asks of the system at once. A system may allow the first of the namespaces and not the others,
-// or give them but forbid what they are for.
+// Asks for everything that the engine needs at once. A system may allow user namespaces but not the others, or allow
+// all of them but forbid what they are used for.
 bool mayMakeNamespaces()
 {
     pid_t const child = ::fork();
@@ -41,7 +41,7 @@ bool mayIsolatePages()
     return ::geteuid() != 0 && mayMakeNamespaces();
 }
 
-// Where the engine looks for a part of its own: at the toolkit's place for it, or where a variable says.
+// Where the engine looks for one of its parts: in the toolkit's folder for it, or where a variable points.
 QString placeOfPart(char const* variable, QLibraryInfo::LibraryPath folder, char const* name)
 {
     auto const elsewhere = qEnvironmentVariable(variable);

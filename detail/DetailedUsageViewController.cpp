@@ -60,7 +60,7 @@ void DetailedUsageViewController::windowDidLoad()
         layout_.window.effectiveAppearance.observeChanges([this](platform::Appearance) { updateDarkAppearance(); }));
     observations_.push_back(layout_.window.fullScreen.observeChanges(
         [this](bool entering) { entering ? windowWillEnterFullScreen() : windowWillExitFullScreen(); }));
-    // What a closed window had to say is not said at its next opening.
+    // Alerts of a closed window must not appear when it opens again.
     observations_.push_back(layout_.window.visible.observeChanges([this](bool visible) {
         if (!visible)
             layout_.window.endAlerts();
@@ -162,7 +162,7 @@ void DetailedUsageViewController::didFinishLoadForFrame()
         return;
     for (auto const& script : restylingScripts())
         layout_.usageWebView.run(script);
-    // It is answered after all of them have run.
+    // The answer comes once all of them have run.
     evaluate(pageScripts::nothing(), [this](bool) { showPage(); });
 }
 
@@ -191,7 +191,7 @@ void DetailedUsageViewController::showPage()
 void DetailedUsageViewController::reportFailureNotice()
 {
     auto title = text("USAGE_ERROR_TITLE");
-    // A page can load itself again and again.
+    // A page can reload itself again and again.
     if (layout_.window.hasAlert(title))
         return;
     layout_.window.beginSheet({ .messageText = std::move(title),
@@ -240,7 +240,7 @@ void DetailedUsageViewController::doDisplayErrorPromptWithWebView(platform::Load
         [this](int returnCode) {
             if (returnCode == platform::Alert::firstButtonReturn)
                 return doReload();
-            // What waits behind the prompt would hold the closing up.
+            // An alert that waits behind the prompt would keep the window open.
             layout_.window.endAlerts();
             doCloseWindow();
         });

@@ -64,7 +64,7 @@ public:
     Property<bool> hidden { false };
     Opacity opacity { 1.0 };
 
-    /// The whole text as the user left it. What does not belong on one line is left out.
+    /// The whole text as the user edited it. Line breaks, tabs and other control characters are removed.
     void userTyped(std::string_view typed);
 };
 

@@ -54,11 +54,11 @@ public:
     virtual void load(std::string const& url) = 0;
     /// Whether any frame is not finished yet.
     virtual bool isLoading() const = 0;
-    /// Runs a script in the main frame, apart from the page's own scripts, after all that were given before it. Nobody
-    /// is told its value, which can be as large as the page.
+    /// Runs a script in the main frame, apart from the page's own scripts, after all that were given before it. Its
+    /// value, which can be as large as the page, is discarded.
     virtual void run(std::string const& script) = 0;
-    /// The same. The completion is told later whether the script's value is true, which it is not when the script
-    /// fails; it is told nothing when the page goes.
+    /// Runs a script in the same way, and later tells the completion whether its value is true. The value of a script
+    /// that fails is not. When the page goes first, the completion is never called.
     virtual void evaluate(std::string const& script, std::function<void(bool isTrue)> completion) = 0;
 };
 

@@ -137,7 +137,7 @@ void AppDelegate::removeKeyButton()
     auto& comboBox = outlets_.tarvoUsageKeysComboBox;
     if (comboBox.text.get().empty() || comboBox.items.get().empty())
         return;
-    // The question is about this connection. Whatever selects another one takes the question back.
+    // The question is about this connection. Selecting another one, by whatever means, withdraws it.
     removalObservation_ = comboBox.text.observeChanges(
         [this](std::string const&) { outlets_.window.endAlerts(text("REMOVE_KEY_CONFIRM_TITLE")); });
     outlets_.window.beginSheet(
