@@ -18,7 +18,7 @@ struct ScriptedEngine final : platform::WebEngine {
     void evaluate(std::string const& script, platform::WebView::Completion completion) override
     {
         scripts.push_back(script);
-        pending.push_back([this, script, goOn = std::move(completion)] {
+        pending.emplace_back([this, script, goOn = std::move(completion)] {
             goOn(script == pageScripts::hasFailureNotice() && hasNotice);
         });
     }
