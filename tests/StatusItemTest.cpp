@@ -133,6 +133,7 @@ TEST_F(StatusItem, TellsTheChangesOfOneTurnAsOneUpdateAndNothingThatIsNotNew)
     update_->on.set(true);
     ASSERT_TRUE(waitForLines({ "Downloaded: 53GB", "* Update now" }));
     ASSERT_TRUE(waitFor([this] { return reader_.title() == "58GB"; }));
+    EXPECT_TRUE(waitFor([&log] { return log.names.size() >= 5; }));
     EXPECT_EQ(log.names, (Names { "NewTitle", "XAyatanaNewLabel", "NewIcon", "NewToolTip", "ItemsPropertiesUpdated" }));
 
     log.names.clear();
@@ -142,6 +143,7 @@ TEST_F(StatusItem, TellsTheChangesOfOneTurnAsOneUpdateAndNothingThatIsNotNew)
     figure_->title.set("Downloaded: 53GB");
     menu_.setItems({ figure_ });
     ASSERT_TRUE(waitForLines({ "Downloaded: 53GB" }));
+    EXPECT_TRUE(waitFor([&log] { return log.names.size() >= 2; }));
     EXPECT_EQ(log.names, (Names { "LayoutUpdated", "NewToolTip" }));
 
     menu_.needsUpdate = [this] { figure_->title.set("Downloaded: 54GB"); };
