@@ -33,6 +33,12 @@ void call(QDBusConnection const& bus, QObject* receiver, QDBusMessage const& mes
     });
 }
 
+// Watchers name an item "bus name/path", "bus name@/path", or by its bus name alone.
+QString serviceOf(QString const& item)
+{
+    return item.section(QLatin1Char('/'), 0, 0).section(QLatin1Char('@'), 0, 0);
+}
+
 QDBusMessage getAll(QString const& service, QString const& path, QString const& interface)
 {
     auto message = QDBusMessage::createMethodCall(
@@ -142,17 +148,16 @@ void StatusReader::lookForItems()
 
 void StatusReader::registered(QString const& item)
 {
-    // "bus name/path", or a bus name alone.
-    auto const service = item.section(QLatin1Char('/'), 0, 0);
-    call(bus_, this, getAll(service, itemPath(), itemName()), [this](QDBusMessage const& reply) {
+    auto const service = serviceOf(item);
+    call(bus_, this, getAll(service, itemPath(), itemName()), [this, service](QDBusMessage const& reply) {
         if (mapOf(reply).value(QStringLiteral("Id")) == QStringLiteral("usage-meter"))
-            follow(reply.service());
+            follow(service);
     });
 }
 
 void StatusReader::unregistered(QString const& item)
 {
-    if (item.section(QLatin1Char('/'), 0, 0) != service_)
+    if (serviceOf(item) != service_)
         return;
     service_.clear();
     hasTitle_ = false;
@@ -179,8 +184,8 @@ void StatusReader::connectSignal(
 
 void StatusReader::readTitle()
 {
-    call(bus_, this, getAll(service_, itemPath(), itemName()), [this](QDBusMessage const& reply) {
-        if (reply.service() != service_)
+    call(bus_, this, getAll(service_, itemPath(), itemName()), [this, service = service_](QDBusMessage const& reply) {
+        if (service != service_)
             return;
         title_ = mapOf(reply).value(QStringLiteral("Title")).toString();
         hasTitle_ = true;
@@ -190,7 +195,10 @@ void StatusReader::readTitle()
 
 void StatusReader::readMenu()
 {
-    call(bus_, this, layoutCall(service_), [this](QDBusMessage const& reply) { acceptMenu(reply); });
+    call(bus_, this, layoutCall(service_), [this, service = service_](QDBusMessage const& reply) {
+        if (service == service_)
+            acceptMenu(reply);
+    });
 }
 
 bool StatusReader::readMenuNow(std::chrono::milliseconds bound)
@@ -202,7 +210,7 @@ bool StatusReader::readMenuNow(std::chrono::milliseconds bound)
 
 void StatusReader::acceptMenu(QDBusMessage const& reply)
 {
-    if (reply.service() != service_ || reply.arguments().size() != 2)
+    if (reply.arguments().size() != 2)
         return;
     menu_ = readLine(reply.arguments().at(1).value<QDBusArgument>());
     hasMenu_ = true;

@@ -63,7 +63,7 @@ private:
     void acceptMenu(QDBusMessage const& reply);
 
     QDBusConnection bus_;
-    /// The unique name of the program that has the item.
+    /// The bus name that the item is registered under.
     QString service_;
     QString title_;
     StatusLine menu_;

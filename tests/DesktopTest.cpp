@@ -88,7 +88,7 @@ public:
 struct MainWindowsTest : WindowsTest {
     MainWindowsTest()
     {
-        windows_.emplace(outlets_, bundle_, loop_, "");
+        windows_ = std::make_unique<MainWindows>(outlets_, bundle_, loop_, "");
         outlets_.window.makeKeyAndOrderFront();
         outlets_.monitorWindow.makeKeyAndOrderFront();
     }

@@ -69,7 +69,7 @@ struct DetailedUsageWindowTest : WindowsTest {
         info.insert_or_assign("ProviderHost", provider_->host());
         platform::writeFileAtomically(folder / "Info.plist", platform::writePropertyList(info));
         bundle_ = *platform::Bundle::open(folder, { "en" });
-        windows_.emplace(outlets_, bundle_, loop_, USAGE_METER_WEB);
+        windows_ = std::make_unique<MainWindows>(outlets_, bundle_, loop_, USAGE_METER_WEB);
     }
 
     /// The event loop runs freely meanwhile: the engine does its work there, in many small pieces.
@@ -303,7 +303,7 @@ TEST_F(DetailedUsageWindowTest, WithoutTheWholeEngineOfThisBuildTheWindowSaysSoA
         expectError("LOAD_ERROR_ENGINE_MISSING");
         qunsetenv(part);
     }
-    windows_.emplace(outlets_, bundle_, loop_, folder_.path());
+    windows_ = std::make_unique<MainWindows>(outlets_, bundle_, loop_, folder_.path());
     expectError("LOAD_ERROR_ENGINE_MISSING");
 
     // As an upgrade leaves it to the program that it runs under.

@@ -31,7 +31,8 @@ std::string const piece(65536, 'x');
 
 std::string outputOf(char const* command)
 {
-    std::unique_ptr<std::FILE, decltype(&::pclose)> const pipe(::popen(command, "r"), &::pclose);
+    auto const close = [](std::FILE* pipe) { ::pclose(pipe); };
+    std::unique_ptr<std::FILE, decltype(close)> const pipe(::popen(command, "r"), close);
     std::string output(1'000'000, ' ');
     output.resize(std::fread(output.data(), 1, output.size(), pipe.get()));
     return output;

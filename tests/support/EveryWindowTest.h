@@ -43,7 +43,7 @@ protected:
     {
         windows_.reset();
         launch();
-        windows_.emplace(*outlets, bundle, runLoop, "");
+        windows_ = std::make_unique<MainWindows>(*outlets, bundle, runLoop, "");
         for (auto* const window :
             { &outlets->window, &outlets->addKeyWindow, &outlets->monitorWindow, &outlets->detailedUsage.window })
             window->effectiveAppearance.set(appearance_);
@@ -143,7 +143,7 @@ protected:
     }
 
     platform::Appearance appearance_ = platform::Appearance::Light;
-    std::optional<MainWindows> windows_;
+    std::unique_ptr<MainWindows> windows_;
 
 private:
     FailingPage page_;

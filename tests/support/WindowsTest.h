@@ -37,5 +37,5 @@ struct WindowsTest : testing::Test {
     platform::Bundle bundle_ = *platform::Bundle::open(USAGE_METER_BUNDLE, { "en" });
     platform::UserDefaults defaults_ { folder_.path() / "preferences.plist", loop_ };
     Outlets outlets_;
-    std::optional<MainWindows> windows_;
+    std::unique_ptr<MainWindows> windows_;
 };
