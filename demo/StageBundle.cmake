@@ -20,7 +20,7 @@ endfunction()
 file(REMOVE_RECURSE ${STAGE}/bin ${STAGE}/lib ${STAGE}/share)
 file(COPY ${BUILD}/bin/usage-meter DESTINATION ${STAGE}/bin)
 file(COPY ${BUILD}/lib/usage-meter DESTINATION ${STAGE}/lib)
-file(COPY ${BUILD}/share/usage-meter DESTINATION ${STAGE}/share)
+file(COPY ${BUILD}/share/icons ${BUILD}/share/usage-meter DESTINATION ${STAGE}/share)
 configure_file(${AUTHORITY} ${bundle}/authority.pem COPYONLY)
 
 file(READ ${bundle}/Info.plist info)

@@ -19,21 +19,27 @@ namespace {
 
 // A panel that is started anew is back by then.
 constexpr auto graceOfWatcher = 1500ms;
+// A panel that loses the first label knows the item by then.
+constexpr auto timeToMeetItem = 1s;
 
 QString watcherName() { return QStringLiteral("org.kde.StatusNotifierWatcher"); }
 
 }
 
-StatusArea::StatusArea(platform::StatusItem& item, Handlers handlers, QDBusConnection bus)
+StatusArea::StatusArea(platform::StatusItem& item, StatusNotifierItem::ThemeIcon icon, Handlers handlers,
+    QDBusConnection bus, std::chrono::milliseconds loginTime)
     : item_(item)
     , handlers_(std::move(handlers))
     , bus_(std::move(bus))
-    , notifierItem_(item)
+    , notifierItem_(item, std::move(icon))
     , dbusMenu_(item.menu())
 {
     grace_.setSingleShot(true);
     grace_.setInterval(graceOfWatcher);
     connect(&grace_, &QTimer::timeout, this, &StatusArea::fallBack);
+    login_.setSingleShot(true);
+    login_.setInterval(loginTime);
+    connect(&login_, &QTimer::timeout, this, &StatusArea::giveUp);
     if (bus_.isConnected())
         connectItem();
     else
@@ -69,29 +75,41 @@ void StatusArea::connectItem()
 void StatusArea::registerItem()
 {
     grace_.stop();
+    login_.stop();
     // Asked first, so that the answer is here before the panel asks for the icon.
-    askForLook();
+    askForHost();
+    registration_ = std::make_unique<QObject>();
+    whenFinished(requestRegistration(), registration_.get(), [this](QDBusPendingCall const& reply) {
+        if (reply.isError())
+            grace_.start();
+        else
+            itemRegistered();
+    });
+}
+
+QDBusPendingCall StatusArea::requestRegistration()
+{
     auto call = QDBusMessage::createMethodCall(watcherName(), QStringLiteral("/StatusNotifierWatcher"), watcherName(),
         QStringLiteral("RegisterStatusNotifierItem"));
     call.setArguments({ bus_.baseService() });
     call.setAutoStartService(false);
-    registration_ = std::make_unique<QObject>();
     // A panel that hangs takes the item when it goes on, however long that is.
     constexpr int unlimited = std::numeric_limits<int>::max();
-    whenFinished(bus_.asyncCall(call, unlimited), registration_.get(), [this](QDBusPendingCall const& reply) {
-        if (reply.isError()) {
-            grace_.start();
-            return;
-        }
-        grace_.stop();
-        trayTitle_ = {};
-        trayIcon_.reset();
-        if (handlers_.placed)
-            handlers_.placed();
-    });
+    return bus_.asyncCall(call, unlimited);
 }
 
-void StatusArea::askForLook()
+void StatusArea::itemRegistered()
+{
+    hasSeenPanel_ = true;
+    trayTitle_ = {};
+    trayIcon_.reset();
+    if (handlers_.placed)
+        handlers_.placed();
+    if (host_.losesFirstLabel)
+        QTimer::singleShot(timeToMeetItem, registration_.get(), [this] { requestRegistration(); });
+}
+
+void StatusArea::askForHost()
 {
     auto call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
         QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"),
@@ -99,8 +117,10 @@ void StatusArea::askForLook()
     call.setArguments({ watcherName() });
     whenFinished(bus_.asyncCall(call), this, [this](QDBusPendingCall const& finished) {
         QDBusPendingReply<uint> const reply = finished;
-        if (!reply.isError())
-            notifierItem_.setLook(statusLookOf(processName(reply.value())));
+        if (reply.isError())
+            return;
+        host_ = statusHostOf(processName(reply.value()));
+        notifierItem_.setLook(host_.look);
     });
 }
 
@@ -114,15 +134,17 @@ void StatusArea::ownerChanged(QString const& owner)
 
 void StatusArea::fallBack()
 {
-    // Asked only now: the toolkit settles on a kind of tray once, by what it finds at the first question.
-    if (QSystemTrayIcon::isSystemTrayAvailable())
-        showTrayIcon();
-    else if (handlers_.noStatusArea)
-        handlers_.noStatusArea();
+    if (!bus_.isConnected())
+        giveUp();
+    else if (!showsTrayIcon() && !hasSeenPanel_)
+        login_.start();
 }
 
-void StatusArea::showTrayIcon()
+bool StatusArea::showsTrayIcon()
 {
+    // Asked only now: the toolkit settles on a kind of tray once, by what it finds at the first question.
+    if (!QSystemTrayIcon::isSystemTrayAvailable())
+        return false;
     trayIcon_ = std::make_unique<QSystemTrayIcon>();
     connect(trayIcon_.get(), &QSystemTrayIcon::activated, this, &StatusArea::popUpMenu);
     trayTitle_ = item_.title.observe([this](std::string const& title) {
@@ -131,6 +153,13 @@ void StatusArea::showTrayIcon()
         trayIcon_->setToolTip(text);
     });
     trayIcon_->show();
+    return true;
+}
+
+void StatusArea::giveUp()
+{
+    if (!showsTrayIcon() && handlers_.noStatusArea)
+        handlers_.noStatusArea();
 }
 
 void StatusArea::popUpMenu()

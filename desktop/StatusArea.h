@@ -7,11 +7,13 @@
 #include "platform/StatusItem.h"
 
 #include <QDBusConnection>
+#include <QDBusPendingCall>
 #include <QDBusServiceWatcher>
 #include <QObject>
 #include <QString>
 #include <QTimer>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -24,7 +26,8 @@ class StatusArea : public QObject {
 
 public:
     struct Handlers {
-        /// Called from the main loop each time that the item has no place to be.
+        /// Called from the main loop when the item has no place to be. A panel that has been there and goes does not
+        /// count: it goes when the screen is locked, and comes back.
         std::function<void()> noStatusArea;
         /// Called when the item has a place with a panel.
         std::function<void()> placed;
@@ -32,17 +35,24 @@ public:
         std::function<void(QString const& token)> activationToken;
     };
 
+    /// How long a panel may take to come when the user logs in.
+    static constexpr std::chrono::milliseconds usualLoginTime = std::chrono::seconds(15);
+
     /// Registers the item at once, and waits for nobody. A bus that is not connected is a desktop without panels.
-    StatusArea(platform::StatusItem& item, Handlers handlers, QDBusConnection bus = QDBusConnection::sessionBus());
+    StatusArea(platform::StatusItem& item, StatusNotifierItem::ThemeIcon icon, Handlers handlers,
+        QDBusConnection bus = QDBusConnection::sessionBus(), std::chrono::milliseconds loginTime = usualLoginTime);
     ~StatusArea() override;
 
 private:
     void connectItem();
     void registerItem();
-    void askForLook();
+    QDBusPendingCall requestRegistration();
+    void itemRegistered();
+    void askForHost();
     void ownerChanged(QString const& owner);
     void fallBack();
-    void showTrayIcon();
+    bool showsTrayIcon();
+    void giveUp();
     void popUpMenu();
 
     platform::StatusItem& item_;
@@ -51,8 +61,11 @@ private:
     StatusNotifierItem notifierItem_;
     DBusMenu dbusMenu_;
     QDBusServiceWatcher watcherOwner_;
-    /// Runs only while there is no watcher, or no bus.
+    StatusHost host_;
+    /// Both run only while there is no watcher, or no bus.
     QTimer grace_;
+    QTimer login_;
+    bool hasSeenPanel_ = false;
     /// Goes with the latest registration: what an earlier watcher answers does not count.
     std::unique_ptr<QObject> registration_;
     /// Made when a panel first leaves the menu to us.

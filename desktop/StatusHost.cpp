@@ -8,27 +8,27 @@
 
 namespace {
 
-struct Host {
+struct KnownHost {
     char const* processName;
-    StatusLook look;
+    StatusHost host;
 };
 
 constexpr std::array hosts {
-    Host { "gnome-shell", StatusLook::Label },
-    Host { "mate-panel", StatusLook::Label },
-    Host { "notification-ar", StatusLook::Label },
-    Host { "ayatana-indicat", StatusLook::Label },
-    Host { "indicator-appli", StatusLook::Label },
-    Host { "waybar", StatusLook::WideIcon },
+    KnownHost { "gnome-shell", { StatusLook::Label, true } },
+    KnownHost { "mate-panel", { StatusLook::Label } },
+    KnownHost { "notification-ar", { StatusLook::Label } },
+    KnownHost { "ayatana-indicat", { StatusLook::Label } },
+    KnownHost { "indicator-appli", { StatusLook::Label } },
+    KnownHost { "waybar", { StatusLook::WideIcon } },
 };
 
 }
 
-StatusLook statusLookOf(QString const& processName)
+StatusHost statusHostOf(QString const& processName)
 {
     auto const* const found = std::ranges::find_if(
-        hosts, [&processName](Host const& host) { return processName == QLatin1String(host.processName); });
-    return found == hosts.end() ? StatusLook::Icon : found->look;
+        hosts, [&processName](KnownHost const& known) { return processName == QLatin1String(known.processName); });
+    return found == hosts.end() ? StatusHost {} : found->host;
 }
 
 QString processName(uint processId)

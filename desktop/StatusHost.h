@@ -9,13 +9,20 @@ enum class StatusLook {
     Icon,
     /// A picture of the panel's height and any width.
     WideIcon,
-    /// The label as text, beside the icon.
+    /// The label as text, beside the program's icon.
     Label,
 };
 
-/// The look that the panel behind a process name gives its items, as /proc/PID/comm has it: cut to 15 bytes. A program
-/// that is not known shows a square picture.
-StatusLook statusLookOf(QString const& processName);
+/// What is known of a panel.
+struct StatusHost {
+    StatusLook look = StatusLook::Icon;
+    /// Loses the label of an item that it has just met, until the item registers again.
+    bool losesFirstLabel = false;
+};
+
+/// The panel behind a process name as /proc/PID/comm has it: cut to 15 bytes. A program that is not known shows a
+/// square picture.
+StatusHost statusHostOf(QString const& processName);
 
 /// The name of a running process; empty if it is not to be seen.
 QString processName(uint processId);

@@ -191,12 +191,8 @@ QList<StatusPixmap> statusPixmaps(QString const& title, StatusLook look)
 {
     if (look == StatusLook::WideIcon)
         return { encoded(drawWideStatusIcon(title, wideHeight)) };
-    if (look == StatusLook::Label) {
-        // No icon at all would be shown as a missing one.
-        QImage image(1, 1, QImage::Format_ARGB32);
-        image.fill(Qt::transparent);
-        return { encoded(image) };
-    }
+    if (look == StatusLook::Label)
+        return {};
     auto const lettering = letteringOf(title);
     QList<StatusPixmap> pixmaps;
     for (int const size : usualSizes)

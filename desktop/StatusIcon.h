@@ -32,7 +32,8 @@ QImage drawStatusIcon(QString const& title, int size);
 /// The title on one line of this height.
 QImage drawWideStatusIcon(QString const& title, int height);
 
-/// The pictures of a title that a host of this look is given, in a panel's usual sizes and twice those.
+/// The pictures of a title that a host of this look is given, in a panel's usual sizes and twice those; none for a host
+/// that shows it as text.
 QList<StatusPixmap> statusPixmaps(QString const& title, StatusLook look);
 /// The same for the toolkit's own tray icon.
 QIcon statusIcon(QString const& title);

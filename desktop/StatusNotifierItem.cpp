@@ -26,8 +26,10 @@ QDBusArgument const& operator>>(QDBusArgument const& argument, StatusToolTip& to
     return argument;
 }
 
-StatusNotifierItem::StatusNotifierItem(platform::StatusItem& item)
+StatusNotifierItem::StatusNotifierItem(platform::StatusItem& item, ThemeIcon icon)
     : item_(item)
+    , icon_(std::move(icon))
+    , guide_(title())
     , told_ { title(), details(), look_ }
     , update_([this] { update(); })
     , titleChanges_(item.title.observeChanges([this](std::string const&) { update_.request(); }))
@@ -93,9 +95,13 @@ void StatusNotifierItem::update()
     auto const before = std::exchange(told_, { title(), details(), look_ });
     bool const isNewTitle = told_.title != before.title;
     if (isNewTitle) {
+        if (told_.title.size() > guide_.size())
+            guide_ = told_.title;
         Q_EMIT NewTitle();
-        Q_EMIT XAyatanaNewLabel(told_.title, told_.title);
+        Q_EMIT XAyatanaNewLabel(told_.title, guide_);
     }
+    if (told_.look != before.look)
+        Q_EMIT NewIconThemePath(iconThemePath());
     // Panels read the icon's description anew with the icon, even where it is empty.
     if (isNewTitle || told_.look != before.look)
         Q_EMIT NewIcon();

@@ -36,8 +36,9 @@ class StatusNotifierItem : public QObject {
     Q_PROPERTY(QString Status READ status CONSTANT)
     Q_PROPERTY(QString Title READ title)
     Q_PROPERTY(QString XAyatanaLabel READ title)
-    Q_PROPERTY(QString XAyatanaLabelGuide READ title)
-    Q_PROPERTY(QString IconName READ iconName CONSTANT)
+    Q_PROPERTY(QString XAyatanaLabelGuide READ guide)
+    Q_PROPERTY(QString IconName READ iconName)
+    Q_PROPERTY(QString IconThemePath READ iconThemePath)
     Q_PROPERTY(QList<StatusPixmap> IconPixmap READ iconPixmap)
     Q_PROPERTY(QString IconAccessibleDesc READ accessibleDescription)
     Q_PROPERTY(StatusToolTip ToolTip READ toolTip)
@@ -48,7 +49,15 @@ public:
     static constexpr char const* path = "/StatusNotifierItem";
     static constexpr char const* menuPath = "/StatusMenu";
 
-    explicit StatusNotifierItem(platform::StatusItem& item);
+    /// An icon of the desktop's theme.
+    struct ThemeIcon {
+        QString name;
+        /// Where it is found if the desktop does not know it.
+        QString themePath;
+    };
+
+    /// Panels that show the label as text have the icon beside it.
+    StatusNotifierItem(platform::StatusItem& item, ThemeIcon icon);
 
     /// Draws for another kind of panel from now on.
     void setLook(StatusLook look);
@@ -58,7 +67,10 @@ public:
     QString status() const { return QStringLiteral("Active"); }
     /// Cut off with an ellipsis where a panel could not show it.
     QString title() const;
-    QString iconName() const { return {}; }
+    /// The longest title so far, whose room a panel can keep free so that the items beside it stay where they are.
+    QString const& guide() const { return guide_; }
+    QString iconName() const { return look_ == StatusLook::Label ? icon_.name : QString(); }
+    QString iconThemePath() const { return look_ == StatusLook::Label ? icon_.themePath : QString(); }
     QList<StatusPixmap> iconPixmap();
     /// What the item is and says, for panels that read it out.
     QString accessibleDescription() const;
@@ -76,6 +88,7 @@ public Q_SLOTS:
 Q_SIGNALS:
     Q_SCRIPTABLE void NewTitle();
     Q_SCRIPTABLE void NewIcon();
+    Q_SCRIPTABLE void NewIconThemePath(QString const& path);
     Q_SCRIPTABLE void NewToolTip();
     Q_SCRIPTABLE void XAyatanaNewLabel(QString const& label, QString const& guide);
 
@@ -96,7 +109,9 @@ private:
     void update();
 
     platform::StatusItem& item_;
+    ThemeIcon icon_;
     StatusLook look_ = StatusLook::Icon;
+    QString guide_;
     /// Drawn when a panel asks.
     QList<StatusPixmap> pixmaps_;
     QString drawnTitle_;

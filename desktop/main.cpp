@@ -129,6 +129,13 @@ std::filesystem::path additionalAuthority(platform::Bundle const& bundle)
     return file.empty() ? std::filesystem::path() : bundle.folder() / file;
 }
 
+// Installed beside the bundle.
+StatusNotifierItem::ThemeIcon symbolicIcon(platform::Bundle const& bundle)
+{
+    auto const themes = (bundle.folder().parent_path() / "icons").string();
+    return { toQt(bundle.infoText("CFBundleIconFile")) + QLatin1String("-symbolic"), toQt(themes) };
+}
+
 int run(platform::Bundle const& bundle, SingleInstance& instance)
 {
     auto const bus = QDBusConnection::sessionBus();
@@ -170,7 +177,7 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
     layout.wire(controller);
     MainWindows windows(outlets, bundle, runLoop, fromProgram(USAGE_METER_PARTS));
     instance.whenActivated([&controller] { controller.showPreferences(); });
-    StatusArea const statusArea(controller.usageStatusItem(),
+    StatusArea const statusArea(controller.usageStatusItem(), symbolicIcon(bundle),
         { .noStatusArea = [&windows, &desktopApplication] { windows.showUsageWindowWithMenu(desktopApplication); },
             .placed = [&windows] { windows.leaveMenuToStatusArea(); },
             .activationToken = keepActivationToken },

@@ -362,7 +362,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     Bytes bytes(data, size);
     Model model;
     DBusMenu menu(model.menus[0]);
-    StatusNotifierItem item(model.item);
+    StatusNotifierItem item(model.item, {});
     auto& program = connections.program;
     program.registerObject(
         QLatin1String(StatusNotifierItem::menuPath), &menu, QDBusConnection::ExportScriptableContents);

@@ -5,15 +5,18 @@
 #include "tests/support/Slowness.h"
 
 #include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <QDBusVirtualObject>
 #include <QElapsedTimer>
 #include <QProcess>
 
 #include <limits>
 #include <set>
+#include <sys/prctl.h>
 
 using platform::Menu;
 using platform::MenuItem;
+using std::chrono::milliseconds;
 
 namespace {
 
@@ -32,10 +35,11 @@ protected:
         item_.title.set("57.3GB");
     }
 
-    void startArea(QDBusConnection const& bus = connectionOf("program"))
+    void startArea(QDBusConnection const& bus = connectionOf("program"), milliseconds loginTime = milliseconds(1))
     {
+        StatusArea::Handlers const handlers { [this] { ++timesWithoutPlace_; }, [this] { ++timesPlaced_; }, {} };
         area_.emplace(
-            item_, StatusArea::Handlers { [this] { ++timesWithoutPlace_; }, [this] { ++timesPlaced_; }, {} }, bus);
+            item_, StatusNotifierItem::ThemeIcon { "meter-symbolic", "/share/icons" }, handlers, bus, loginTime);
     }
 
     void start()
@@ -66,6 +70,19 @@ protected:
         return call.reply().type();
     }
 
+    /// As a panel reads it.
+    QString property(char const* name)
+    {
+        auto message = QDBusMessage::createMethodCall(connectionOf("program").baseService(),
+            QStringLiteral("/StatusNotifierItem"), QStringLiteral("org.freedesktop.DBus.Properties"),
+            QStringLiteral("Get"));
+        message.setArguments({ QStringLiteral("org.kde.StatusNotifierItem"), QLatin1String(name) });
+        QDBusPendingCallWatcher const call(panel_.asyncCall(message));
+        EXPECT_TRUE(waitFor([&call] { return call.isFinished(); })) << name;
+        return QDBusPendingReply<QDBusVariant>(call).value().variant().toString();
+    }
+
+    static constexpr std::chrono::seconds longerThanGrace { 2 };
     int timesWithoutPlace_ = 0;
     int timesPlaced_ = 0;
     std::shared_ptr<MenuItem> figure_ = makeLine("Downloaded: 52.35GB");
@@ -198,24 +215,55 @@ TEST_F(StatusItem, RefusesMalformedCallsAndLivesOn)
         EXPECT_EQ(answerOf(method, arguments), answer) << method;
 }
 
-/// A panel that hangs: it takes every call and answers none.
-class SilentPanel : public QDBusVirtualObject {
+/// A panel that counts the registrations. One that hangs answers none.
+class CountingPanel : public QDBusVirtualObject {
 public:
-    bool handleMessage(QDBusMessage const&, QDBusConnection const&) override { return isCalled = true; }
+    explicit CountingPanel(QDBusConnection bus, bool isHanging = false)
+        : isHanging_(isHanging)
+    {
+        bus.registerVirtualObject(QStringLiteral("/StatusNotifierWatcher"), this);
+        EXPECT_TRUE(bus.registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
+    }
+
+    bool handleMessage(QDBusMessage const& message, QDBusConnection const& bus) override
+    {
+        calls += message.member() == QStringLiteral("RegisterStatusNotifierItem") ? 1 : 0;
+        return isHanging_ || bus.send(message.createReply());
+    }
     QString introspect(QString const&) const override { return {}; }
 
-    bool isCalled = false;
+    int calls = 0;
+
+private:
+    bool isHanging_;
 };
+
+TEST_F(StatusItem, RegistersTwiceWithAPanelThatLosesTheFirstLabelAndHasAnIconAndRoomBesideIt)
+{
+    ::prctl(PR_SET_NAME, "gnome-shell");
+    auto bus = connectionOf("label panel");
+    CountingPanel const panel(bus);
+    item_.title.set("Please wait…");
+    startArea();
+    item_.title.set("57.3GB");
+    EXPECT_TRUE(waitFor([&panel] { return panel.calls == 2; }));
+    EXPECT_EQ(timesPlaced_, 1);
+    EXPECT_EQ(property("XAyatanaLabel"), "57.3GB");
+    EXPECT_EQ(property("XAyatanaLabelGuide"), "Please wait…");
+    EXPECT_EQ(property("IconName"), "meter-symbolic");
+    EXPECT_EQ(property("IconThemePath"), "/share/icons");
+    bus.unregisterService(QStringLiteral("org.kde.StatusNotifierWatcher"));
+    ::prctl(PR_SET_NAME, "another-panel");
+    startWatcher();
+    EXPECT_TRUE(waitFor([this] { return timesPlaced_ == 2 && property("IconName").isEmpty(); }));
+}
 
 TEST_F(StatusItem, WaitsForAPanelThatHangsUntilAnotherHasTakenItsPlace)
 {
-    constexpr std::chrono::seconds longerThanGrace { 2 };
-    SilentPanel silent;
     std::optional bus = connectionOf("silent");
-    bus->registerVirtualObject(QStringLiteral("/StatusNotifierWatcher"), &silent);
     startArea();
-    ASSERT_TRUE(bus->registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
-    ASSERT_TRUE(waitFor([&silent] { return silent.isCalled; }));
+    CountingPanel const silent(*bus, true);
+    ASSERT_TRUE(waitFor([&silent] { return silent.calls > 0; }));
     EXPECT_FALSE(reader_.waitFor([this] { return timesWithoutPlace_ > 0; }, longerThanGrace));
     ASSERT_TRUE(bus->unregisterService(QStringLiteral("org.kde.StatusNotifierWatcher")));
     startWatcher();
@@ -239,18 +287,20 @@ TEST_F(StatusItem, SaysThatThereIsNoPlaceWhenItsBusGoes)
     EXPECT_TRUE(waitFor([this] { return timesWithoutPlace_ == 1; }));
 }
 
-TEST_F(StatusItem, SaysThatThereIsNoPlaceAndFollowsPanelsThatComeAndGo)
+TEST_F(StatusItem, SaysThatThereIsNoPlaceButNotWhileTheUserLogsInNorWhenAPanelGoes)
 {
+    startArea(connectionOf("program"), StatusArea::usualLoginTime);
+    EXPECT_FALSE(reader_.waitFor([this] { return timesWithoutPlace_ > 0; }, longerThanGrace));
     startArea();
     ASSERT_TRUE(waitFor([this] { return timesWithoutPlace_ == 1; }));
     startWatcher();
     EXPECT_TRUE(waitFor([this] { return reader_.hasItem(); }));
 
     watcher_.reset();
+    EXPECT_FALSE(reader_.waitFor([this] { return timesWithoutPlace_ > 1; }, longerThanGrace));
     startWatcher();
     EXPECT_TRUE(watcher_->items().isEmpty());
     EXPECT_TRUE(waitFor([this] { return !watcher_->items().isEmpty(); }));
-    EXPECT_EQ(timesWithoutPlace_, 1);
 }
 
 }
