@@ -18,6 +18,8 @@ void keepActivationToken(QString const& token)
         qputenv(variable, bytes);
 }
 
+bool hasActivationToken() { return qEnvironmentVariableIsSet(variable); }
+
 void dropActivationToken() { qunsetenv(variable); }
 
 QString takeActivationToken()

@@ -10,6 +10,9 @@
 /// is empty or longer than 1 KiB is ignored.
 void keepActivationToken(QString const& token);
 
+/// Whether a token is kept.
+bool hasActivationToken();
+
 /// Takes the token out of the environment. It is good for one window.
 void dropActivationToken();
 

@@ -34,15 +34,17 @@ bool isAvailable(QDBusConnection const& bus)
 
 }
 
-std::unique_ptr<FreedesktopNotifications> FreedesktopNotifications::connectTo(QDBusConnection const& bus)
+std::unique_ptr<FreedesktopNotifications> FreedesktopNotifications::connectTo(
+    QDBusConnection const& bus, QString actionLabel)
 {
     if (!isAvailable(bus))
         return nullptr;
-    return std::unique_ptr<FreedesktopNotifications>(new FreedesktopNotifications(bus));
+    return std::unique_ptr<FreedesktopNotifications>(new FreedesktopNotifications(bus, std::move(actionLabel)));
 }
 
-FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus)
+FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus, QString actionLabel)
     : bus_(std::move(bus))
+    , actionLabel_(std::move(actionLabel))
     , serviceOwner_(service, bus_, QDBusServiceWatcher::WatchForOwnerChange)
 {
     // A service that starts anew counts from one again.
@@ -58,7 +60,7 @@ FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus)
 void FreedesktopNotifications::deliver(platform::UserNotification const& notification)
 {
     auto message = call("Notify");
-    QStringList const actions { defaultAction, toQt(notification.title) };
+    QStringList const actions { defaultAction, actionLabel_ };
     QVariantMap const hints { { QStringLiteral("desktop-entry"), QGuiApplication::desktopFileName() } };
     // The service shows it in place of the last one, so that they do not collect while nobody looks.
     message << QCoreApplication::applicationName() << delivered_.value_or(0U) << QGuiApplication::windowIcon().name()

@@ -15,8 +15,9 @@ class FreedesktopNotifications final : public QObject, public platform::Notifica
     Q_OBJECT
 
 public:
-    /// Nothing when the bus has no notification service and could start none.
-    static std::unique_ptr<FreedesktopNotifications> connectTo(QDBusConnection const& bus);
+    /// The label is of the action that a click stands for, since some services show it on a button. Nothing when the bus
+    /// has no notification service and could start none.
+    static std::unique_ptr<FreedesktopNotifications> connectTo(QDBusConnection const& bus, QString actionLabel);
 
     void setDelegate(platform::NotificationCenterDelegate* delegate) override { delegate_ = delegate; }
     void deliver(platform::UserNotification const& notification) override;
@@ -28,9 +29,10 @@ private slots:
     void activationToken(uint id, QString const& token);
 
 private:
-    explicit FreedesktopNotifications(QDBusConnection bus);
+    FreedesktopNotifications(QDBusConnection bus, QString actionLabel);
 
     QDBusConnection bus_;
+    QString actionLabel_;
     platform::NotificationCenterDelegate* delegate_ = nullptr;
     /// The service's number of our last notification, unless it was closed.
     std::optional<uint> delivered_;

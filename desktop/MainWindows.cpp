@@ -143,6 +143,7 @@ void MainWindows::leaveMenuToStatusArea()
         return;
     outlets_.monitorWindow.closeAction = nullptr;
     detailedUsageClosing_ = {};
+    usage_.widget().resize(usage_.widget().size().shrunkBy({ 0, 0, 0, menuBar_->height() }));
     menuBar_->hide();
     if (std::exchange(isUninvited_, false))
         outlets_.monitorWindow.orderOut();

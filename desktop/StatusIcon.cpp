@@ -174,17 +174,17 @@ QImage drawStatusIcon(QString const& title, int size) { return draw(letteringOf(
 
 QImage drawWideStatusIcon(QString const& title, int height)
 {
-    auto path = letters(title);
+    auto const path = letters(title);
     auto const bounds = path.boundingRect();
-    double const margin = height / 6.0;
-    // Capitals take half of a panel's height, about as its own texts do.
-    double const scale = height * 0.5 / letters(QStringLiteral("0")).boundingRect().height();
+    double const margin = height / 8.0;
+    // As large as the height allows, and all titles alike unless a letter reaches below its line.
+    double const figureHeight = letters(QStringLiteral("0")).boundingRect().height();
+    double const scale = (height - 2 * marginOf(height)) / std::max(figureHeight, bounds.height());
     QTransform place;
     place.translate(margin, height / 2.0);
     place.scale(scale, scale);
     place.translate(-bounds.left(), -bounds.center().y());
-    path = place.map(path);
-    return paint(path, { qCeil(bounds.width() * scale + 2 * margin), height });
+    return paint(place.map(path), { qCeil(bounds.width() * scale + 2 * margin), height });
 }
 
 QList<StatusPixmap> statusPixmaps(QString const& title, StatusLook look)

@@ -6,6 +6,7 @@
 #include "desktop/Text.h"
 #include "platform/Bundle.h"
 
+#include <QApplication>
 #include <QDialog>
 #include <QIcon>
 #include <QKeyEvent>
@@ -13,6 +14,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QShortcut>
+
+#include <ranges>
 
 namespace {
 
@@ -33,6 +36,8 @@ QMessageBox::Icon icon(platform::Alert::Style style)
     }
     return QMessageBox::Warning;
 }
+
+bool isOnWayland() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
 
 bool isDismissal(QEvent* event)
 {
@@ -95,19 +100,51 @@ void WindowMirror::buildWidget()
 
 void WindowMirror::setShown(bool shown)
 {
-    if (shown)
+    if (shown) {
         widget().show();
-    else if (widget_)
+        isNew_ = true;
+        QMetaObject::invokeMethod(
+            this, [this] { isNew_ = false; }, Qt::QueuedConnection);
+    } else if (widget_) {
         widget_->hide();
+    }
     showAlert();
+}
+
+// It or a sheet on it.
+bool WindowMirror::isActive() const
+{
+    auto const* window = QApplication::activeWindow();
+    while (window && window != widget_.get())
+        window = window->parentWidget();
+    return window;
 }
 
 void WindowMirror::bringToFront()
 {
     widget_->setWindowState(widget_->windowState() & ~Qt::WindowMinimized);
+    // A Wayland compositor lets no window come to the front without a token, but puts one that is new there.
+    if (isOnWayland() && !hasActivationToken() && !isNew_ && !isActive())
+        showAnew();
     widget_->raise();
     widget_->activateWindow();
     dropActivationToken();
+}
+
+// The sheets on it follow it in their order.
+void WindowMirror::showAnew()
+{
+    QWidgetList windows { widget_.get() };
+    for (auto* const sheet : widget_->findChildren<QDialog*>()) {
+        if (sheet->isVisible())
+            windows.push_back(sheet);
+    }
+    isShownAnew_ = true;
+    for (auto* const window : windows | std::views::reverse)
+        window->hide();
+    for (auto* const window : windows)
+        window->show();
+    isShownAnew_ = false;
 }
 
 void WindowMirror::setBackground(std::optional<platform::Color> const& color)
@@ -126,7 +163,9 @@ void WindowMirror::setBackground(std::optional<platform::Color> const& color)
 // Closed by the title bar or by Escape: the model has to know.
 bool WindowMirror::eventFilter(QObject* watched, QEvent* event)
 {
-    bool const isGoing = event->type() == QEvent::Hide && !event->spontaneous() && watched == widget_.get();
+    bool const staysShown = isShownAnew_ || (parent_ && parent_->isShownAnew_);
+    bool const isGoing
+        = event->type() == QEvent::Hide && !event->spontaneous() && watched == widget_.get() && !staysShown;
     if (isGoing && model_.visible.get())
         model_.userClosed();
     if (event->type() == QEvent::WindowStateChange && watched == widget_.get())

@@ -35,7 +35,9 @@ private:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void buildWidget();
     void setShown(bool shown);
+    bool isActive() const;
     void bringToFront();
+    void showAnew();
     void setBackground(std::optional<platform::Color> const& color);
     void showAlert();
 
@@ -48,5 +50,8 @@ private:
     std::unique_ptr<QDialog> widget_;
     std::unique_ptr<Binder> binder_;
     QPointer<QMessageBox> sheet_;
+    /// Until the end of the main-loop turn in which it was shown.
+    bool isNew_ = false;
+    bool isShownAnew_ = false;
     std::vector<platform::Subscription> subscriptions_;
 };
