@@ -13,8 +13,20 @@ namespace {
 
 constexpr int rootId = 0;
 
+constexpr QLatin1Char mark('_');
+
 // A single underscore would mark the next letter as the line's key.
-QString escaped(std::string const& title) { return asMenuLine(title).replace(QLatin1Char('_'), QStringLiteral("__")); }
+QString escaped(std::string const& title) { return asMenuLine(title).replace(mark, QStringLiteral("__")); }
+
+QString escapedOnce(std::string const& title)
+{
+    auto text = asMenuLine(title);
+    for (qsizetype at = 0; at + 1 < text.size(); ++at) {
+        if (text[at] == mark && text[at + 1] != mark)
+            return text.insert(at, mark);
+    }
+    return text;
+}
 
 // What the protocol says of a line that does not carry the property.
 QVariantMap const& defaults()
@@ -242,7 +254,7 @@ bool DBusMenu::isUnchanged(Line const& told, platform::MenuItem const& item)
     return told.title == item.title.get() && told.hidden == item.hidden.get() && told.on == item.on.get();
 }
 
-QVariantMap DBusMenu::properties(Line const& line, QSet<QString> const& names)
+QVariantMap DBusMenu::properties(Line const& line, QSet<QString> const& names) const
 {
     QVariantMap values;
     auto const set = [&](QString const& name, QVariant const& value) {
@@ -252,7 +264,7 @@ QVariantMap DBusMenu::properties(Line const& line, QSet<QString> const& names)
     if (line.isSeparator)
         set(QStringLiteral("type"), QStringLiteral("separator"));
     else if (!line.title.empty())
-        set(QStringLiteral("label"), escaped(line.title));
+        set(QStringLiteral("label"), marksFirstUnderscoreOnly_ ? escapedOnce(line.title) : escaped(line.title));
     if (line.hidden)
         set(QStringLiteral("visible"), false);
     if (line.isChoice) {

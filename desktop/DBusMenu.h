@@ -77,6 +77,10 @@ class DBusMenu : public QObject, protected QDBusContext {
 public:
     explicit DBusMenu(platform::Menu& menu);
 
+    /// For a panel that reads lines from now on and takes only the first underscore of each for a mark, where the
+    /// protocol has it take every one.
+    void setMarksFirstUnderscoreOnly(bool only) { marksFirstUnderscoreOnly_ = only; }
+
     uint version() const { return 4; }
     QString status() const { return QStringLiteral("normal"); }
     QString textDirection() const;
@@ -129,7 +133,7 @@ private:
     static bool isChoice(platform::MenuItem const& item, bool hasMark);
     static Line lineOf(platform::MenuItem const& item, bool hasMark);
     static bool isUnchanged(Line const& told, platform::MenuItem const& item);
-    static QVariantMap properties(Line const& line, QSet<QString> const& names = {});
+    QVariantMap properties(Line const& line, QSet<QString> const& names = {}) const;
     static bool isSameLine(Node const& node, std::shared_ptr<platform::MenuItem> const& item, bool hasMark);
 
     static bool willShow(Node const& node);
@@ -152,5 +156,6 @@ private:
     /// The lines whose submenus have changed since the last update. Those further up have lower ids.
     std::set<int> outdated_;
     uint revision_ = 1;
+    bool marksFirstUnderscoreOnly_ = false;
     OncePerTurn update_;
 };

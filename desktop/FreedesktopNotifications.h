@@ -15,8 +15,8 @@ class FreedesktopNotifications final : public QObject, public platform::Notifica
     Q_OBJECT
 
 public:
-    /// The label is of the action that a click stands for, since some services show it on a button. Nothing when the bus
-    /// has no notification service and could start none.
+    /// The label is of the action that a click stands for, since some services show it on a button. Nothing when the
+    /// bus has no notification service and could start none.
     static std::unique_ptr<FreedesktopNotifications> connectTo(QDBusConnection const& bus, QString actionLabel);
 
     void setDelegate(platform::NotificationCenterDelegate* delegate) override { delegate_ = delegate; }

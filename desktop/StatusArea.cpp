@@ -121,6 +121,7 @@ void StatusArea::askForHost()
             return;
         host_ = statusHostOf(processName(reply.value()));
         notifierItem_.setLook(host_.look);
+        dbusMenu_.setMarksFirstUnderscoreOnly(host_.marksFirstUnderscoreOnly);
     });
 }
 

@@ -14,7 +14,7 @@ struct KnownHost {
 };
 
 constexpr std::array hosts {
-    KnownHost { "gnome-shell", { StatusLook::Label, true } },
+    KnownHost { "gnome-shell", { StatusLook::Label, true, true } },
     KnownHost { "mate-panel", { StatusLook::Label } },
     KnownHost { "notification-ar", { StatusLook::Label } },
     KnownHost { "ayatana-indicat", { StatusLook::Label } },

@@ -18,6 +18,8 @@ struct StatusHost {
     StatusLook look = StatusLook::Icon;
     /// Loses the label of an item that it has just met, until the item registers again.
     bool losesFirstLabel = false;
+    /// Takes only the first underscore of a menu's line for a mark, and shows the others as they come.
+    bool marksFirstUnderscoreOnly = false;
 };
 
 /// The panel behind a process name as /proc/PID/comm has it: cut to 15 bytes. A program that is not known shows a

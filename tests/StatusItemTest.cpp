@@ -238,11 +238,12 @@ private:
     bool isHanging_;
 };
 
-TEST_F(StatusItem, RegistersTwiceWithAPanelThatLosesTheFirstLabelAndHasAnIconAndRoomBesideIt)
+TEST_F(StatusItem, MakesUpForWhatALabelPanelGetsWrong)
 {
     ::prctl(PR_SET_NAME, "gnome-shell");
     auto bus = connectionOf("label panel");
     CountingPanel const panel(bus);
+    figure_->title.set("_Cottage_by_the__sea");
     item_.title.set("Please wait…");
     startArea();
     item_.title.set("57.3GB");
@@ -252,6 +253,11 @@ TEST_F(StatusItem, RegistersTwiceWithAPanelThatLosesTheFirstLabelAndHasAnIconAnd
     EXPECT_EQ(property("XAyatanaLabelGuide"), "Please wait…");
     EXPECT_EQ(property("IconName"), "meter-symbolic");
     EXPECT_EQ(property("IconThemePath"), "/share/icons");
+    EXPECT_EQ(answerOf("GetLayout", { 0, -1, QStringList() }), QDBusMessage::ReplyMessage);
+    QDBusPendingCallWatcher const call(callMenu("GetProperty", { 1, QStringLiteral("label") }));
+    EXPECT_TRUE(waitFor([&call] { return call.isFinished(); }));
+    auto const label = QDBusPendingReply<QDBusVariant>(call).value().variant();
+    EXPECT_EQ(label, "__Cottage_by_the__sea") << "only its first mark is read";
     bus.unregisterService(QStringLiteral("org.kde.StatusNotifierWatcher"));
     ::prctl(PR_SET_NAME, "another-panel");
     startWatcher();
