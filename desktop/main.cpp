@@ -79,9 +79,15 @@ void reportFailedStart(QtMsgType type, QMessageLogContext const& /*context*/, QS
         reason = message;
 }
 
-void reportError(QtMsgType type, QMessageLogContext const& /*context*/, QString const& message)
+// The toolkit warns of what Wayland does not have and of compositors that lack an extension; neither is a failure.
+bool isWaylandsLimit(QtMsgType type, QMessageLogContext const& context)
 {
-    if (isError(type))
+    return type == QtWarningMsg && QLatin1String(context.category).startsWith(QLatin1String("qt.qpa.wayland"));
+}
+
+void reportError(QtMsgType type, QMessageLogContext const& context, QString const& message)
+{
+    if (isError(type) && !isWaylandsLimit(type, context))
         printError(message);
     if (type == QtFatalMsg)
         _exit(EXIT_FAILURE);
