@@ -106,8 +106,9 @@ StatusReader::StatusReader(QDBusConnection bus)
         SLOT(registered(QString)));
     connectSignal(watcherName(), watcherPath(), watcherName(), QStringLiteral("StatusNotifierItemUnregistered"),
         SLOT(unregistered(QString)));
-    auto* const owner = new QDBusServiceWatcher(watcherName(), bus_, QDBusServiceWatcher::WatchForRegistration, this);
+    auto* const owner = new QDBusServiceWatcher(watcherName(), bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(owner, &QDBusServiceWatcher::serviceRegistered, this, &StatusReader::lookForItems);
+    connect(owner, &QDBusServiceWatcher::serviceUnregistered, this, &StatusReader::forgetItem);
     lookForItems();
 }
 
@@ -157,8 +158,12 @@ void StatusReader::registered(QString const& item)
 
 void StatusReader::unregistered(QString const& item)
 {
-    if (serviceOf(item) != service_)
-        return;
+    if (serviceOf(item) == service_)
+        forgetItem();
+}
+
+void StatusReader::forgetItem()
+{
     service_.clear();
     hasTitle_ = false;
     hasMenu_ = false;

@@ -60,6 +60,7 @@ private:
     void connectSignal(
         QString const& service, QString const& path, QString const& interface, QString const& name, char const* slot);
     void follow(QString const& service);
+    void forgetItem();
     void acceptMenu(QDBusMessage const& reply);
 
     QDBusConnection bus_;

@@ -45,20 +45,6 @@ TEST_F(UserDefaultsTest, TheChangesOfOneTurnAreOneWriteAtItsEnd)
     EXPECT_EQ(stored(), (Dictionary { { "name", "Home" }, { "theirs", 1 } })) << "the last writer wins";
 }
 
-TEST_F(UserDefaultsTest, AnEqualValueWritesNothingAndTellsNobody)
-{
-    UserDefaults settings(file, loop);
-    int told = 0;
-    auto const subscription = settings.observeChanges("cap", [&](auto const*) { ++told; });
-    settings.set("cap", 100);
-    settings.flush();
-    fs::remove(file);
-    settings.set("cap", 100);
-    loop.runQueued();
-    EXPECT_FALSE(fs::exists(file));
-    EXPECT_EQ(told, 1);
-}
-
 TEST_F(UserDefaultsTest, DamagedFilesAreMovedAsideAndNoneIsOverwritten)
 {
     for (char const* content : { "", "<plist><dict>" }) {

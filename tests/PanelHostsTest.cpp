@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+// The real program in the panels that need least: Xfce's, and waybar on sway.
+#include "tests/support/RunningProgramTest.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTest>
+
+#include <filesystem>
+#include <pwd.h>
+#include <unistd.h>
+
+using namespace std::chrono_literals;
+
+struct PanelHostsTest : RunningProgramTest {
+    /// The panel of this test is a real one.
+    PanelHostsTest()
+    {
+        watcher_.reset();
+        setVariable("XDG_CONFIG_HOME", panelFolder_.path());
+        setVariable("NO_AT_BRIDGE", "1");
+    }
+
+    ~PanelHostsTest() override { end(panelProcess_); }
+
+    void setVariable(char const* name, std::filesystem::path const& value)
+    {
+        environment_.insert(QLatin1String(name), QString::fromStdString(value.string()));
+    }
+
+    void writePanelFile(std::filesystem::path const& file, std::string const& text) const
+    {
+        std::filesystem::create_directories((panelFolder_.path() / file).parent_path());
+        platform::writeFileAtomically(panelFolder_.path() / file, text);
+    }
+
+    void startProcess(QProcess& process, QString const& name, QStringList const& arguments = {}) const
+    {
+        process.setProcessEnvironment(environment_);
+        process.setStandardOutputFile(QProcess::nullDevice());
+        process.setStandardErrorFile(QProcess::nullDevice());
+        process.start(name, arguments);
+        ASSERT_TRUE(process.waitForStarted()) << "is " << name.toStdString() << " installed?";
+    }
+
+    static void end(QProcess& process)
+    {
+        process.terminate();
+        if (!process.waitForFinished(3000))
+            process.kill();
+        process.waitForFinished();
+    }
+
+    TemporaryFolder panelFolder_;
+    QProcessEnvironment environment_ = QProcessEnvironment::systemEnvironment();
+    QProcess panelProcess_;
+};
+
+TEST_F(PanelHostsTest, XfcesPanelHasTheItemAlsoWhenItComesLaterOrIsStartedAnew)
+{
+    startScreen();
+    setVariable("DISPLAY", qgetenv("DISPLAY").toStdString());
+    writePanelFile("xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml", *platform::readFile(USAGE_METER_XFCE_PANEL));
+    QProcess settings;
+    startProcess(settings, QStringLiteral(USAGE_METER_XFCONFD));
+    program_.startWith({ home });
+    ASSERT_TRUE(provider_->waitForRequests("secretOne", 1, bound));
+    for (int i = 0; i < 2; ++i) {
+        startProcess(panelProcess_, QStringLiteral("xfce4-panel"), { QStringLiteral("--disable-wm-check") });
+        EXPECT_TRUE(waitForTitle("57.3GB"));
+        end(panelProcess_);
+        EXPECT_TRUE(waitFor([this] { return !reader_.hasItem(); }));
+    }
+    end(settings);
+}
+
+/// sway on a screen that nobody sees, with waybar. It refuses to run as root.
+struct SwayTest : PanelHostsTest {
+    ~SwayTest() override { end(compositor_); }
+
+    void startDesktop()
+    {
+        setVariable("XDG_RUNTIME_DIR", runtimeFolder_.path());
+        setVariable("WLR_BACKENDS", "headless");
+        setVariable("WLR_LIBINPUT_NO_DEVICES", "1");
+        setVariable("WLR_RENDERER", "pixman");
+        QStringList command { "sway", "--config", "/dev/null" };
+        if (::geteuid() == 0) {
+            auto const* const nobody = ::getpwnam("nobody");
+            ASSERT_EQ(::chown(runtimeFolder_.path().c_str(), nobody->pw_uid, nobody->pw_gid), 0);
+            command = QStringList { "setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups" } + command;
+        }
+        startProcess(compositor_, command.takeFirst(), command);
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !socket("wayland-").empty() && !socket("sway-ipc").empty(); }));
+        setVariable("WAYLAND_DISPLAY", socket("wayland-"));
+        program_.setVariable("WAYLAND_DISPLAY", socket("wayland-").c_str());
+        program_.setVariable("QT_QPA_PLATFORM", "wayland");
+        writePanelFile("waybar/config", R"({ "modules-right": ["tray"] })");
+        startProcess(panelProcess_, QStringLiteral("waybar"));
+    }
+
+    std::filesystem::path socket(std::string const& beginning) const
+    {
+        for (auto const& entry : std::filesystem::directory_iterator(runtimeFolder_.path())) {
+            if (entry.is_socket() && entry.path().filename().string().starts_with(beginning))
+                return entry.path();
+        }
+        return {};
+    }
+
+    QByteArray askCompositor(QStringList const& question) const
+    {
+        QProcess process;
+        process.start(QStringLiteral("swaymsg"),
+            QStringList { "--raw", "--socket", QString::fromStdString(socket("sway-ipc").string()) } + question);
+        process.waitForFinished();
+        return process.readAllStandardOutput();
+    }
+
+    static QStringList focusedNames(QJsonObject const& node)
+    {
+        QStringList names;
+        if (node["focused"].toBool())
+            names.push_back(node["name"].toString());
+        for (auto const& list : { node["nodes"].toArray(), node["floating_nodes"].toArray() }) {
+            for (auto const& child : list)
+                names += focusedNames(child.toObject());
+        }
+        return names;
+    }
+
+    bool waitForFocus(char const* title, std::chrono::milliseconds patience = bound)
+    {
+        auto const isFocused = [&] {
+            auto const tree = QJsonDocument::fromJson(askCompositor({ "-t", "get_tree" })).object();
+            return focusedNames(tree) == QStringList { QString::fromUtf8(title) };
+        };
+        return QTest::qWaitFor(isFocused, static_cast<int>(patience.count()));
+    }
+
+    /// A click can come before the program has heard from the compositor that its window is no more in front, where a
+    /// user would click again.
+    bool comesToTheFront(char const* title, char const* line)
+    {
+        return (click(line) && waitForFocus(title, 500ms)) || (click(line) && waitForFocus(title));
+    }
+
+    TemporaryFolder runtimeFolder_;
+    QProcess compositor_;
+};
+
+TEST_F(SwayTest, WhatIsChosenComesToTheFrontWithItsSheetFromWhereverItIs)
+{
+    startDesktop();
+    program_.start();
+    ASSERT_TRUE(waitForFocus("Add a Connection"));
+    ASSERT_TRUE(waitFor([this] { return reader_.hasItem(); }));
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(comesToTheFront("Usage Meter", "Usage Window"));
+        EXPECT_TRUE(comesToTheFront("Add a Connection", "Preferences…"));
+    }
+    askCompositor({ "workspace", "elsewhere" });
+    EXPECT_TRUE(waitForFocus("elsewhere"));
+    EXPECT_TRUE(comesToTheFront("Add a Connection", "Preferences…"));
+    EXPECT_EQ(program_.output(), "");
+}
