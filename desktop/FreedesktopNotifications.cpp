@@ -9,7 +9,6 @@
 #include <QDBusMessage>
 #include <QDBusPendingReply>
 #include <QGuiApplication>
-#include <QIcon>
 
 #include <utility>
 
@@ -34,17 +33,16 @@ bool isAvailable(QDBusConnection const& bus)
 
 }
 
-std::unique_ptr<FreedesktopNotifications> FreedesktopNotifications::connectTo(
-    QDBusConnection const& bus, QString actionLabel)
+std::unique_ptr<FreedesktopNotifications> FreedesktopNotifications::connectTo(QDBusConnection const& bus, Look look)
 {
     if (!isAvailable(bus))
         return nullptr;
-    return std::unique_ptr<FreedesktopNotifications>(new FreedesktopNotifications(bus, std::move(actionLabel)));
+    return std::unique_ptr<FreedesktopNotifications>(new FreedesktopNotifications(bus, std::move(look)));
 }
 
-FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus, QString actionLabel)
+FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus, Look look)
     : bus_(std::move(bus))
-    , actionLabel_(std::move(actionLabel))
+    , look_(std::move(look))
     , serviceOwner_(service, bus_, QDBusServiceWatcher::WatchForOwnerChange)
 {
     // A service that starts anew counts from one again.
@@ -60,11 +58,11 @@ FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus, QString 
 void FreedesktopNotifications::deliver(platform::UserNotification const& notification)
 {
     auto message = call("Notify");
-    QStringList const actions { defaultAction, actionLabel_ };
+    QStringList const actions { defaultAction, look_.actionLabel };
     QVariantMap const hints { { QStringLiteral("desktop-entry"), QGuiApplication::desktopFileName() } };
     // The service shows it in place of the last one, so that they do not collect while nobody looks.
-    message << QCoreApplication::applicationName() << delivered_.value_or(0U) << QGuiApplication::windowIcon().name()
-            << toQt(notification.title) << toQt(notification.informativeText).toHtmlEscaped() << actions << hints << -1;
+    message << QCoreApplication::applicationName() << delivered_.value_or(0U) << look_.icon << toQt(notification.title)
+            << toQt(notification.informativeText).toHtmlEscaped() << actions << hints << -1;
     whenFinished(bus_.asyncCall(message), this, [this](QDBusPendingCall const& finished) {
         QDBusPendingReply<uint> const reply = finished;
         if (reply.isValid())

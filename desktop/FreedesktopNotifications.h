@@ -15,9 +15,15 @@ class FreedesktopNotifications final : public QObject, public platform::Notifica
     Q_OBJECT
 
 public:
-    /// The label is of the action that a click stands for, since some services show it on a button. Nothing when the
-    /// bus has no notification service and could start none.
-    static std::unique_ptr<FreedesktopNotifications> connectTo(QDBusConnection const& bus, QString actionLabel);
+    struct Look {
+        /// The icon's name in the desktop's theme.
+        QString icon;
+        /// Says what a click does, for services that show it on a button.
+        QString actionLabel;
+    };
+
+    /// Nothing when the bus has no notification service and could start none.
+    static std::unique_ptr<FreedesktopNotifications> connectTo(QDBusConnection const& bus, Look look);
 
     void setDelegate(platform::NotificationCenterDelegate* delegate) override { delegate_ = delegate; }
     void deliver(platform::UserNotification const& notification) override;
@@ -29,10 +35,10 @@ private slots:
     void activationToken(uint id, QString const& token);
 
 private:
-    FreedesktopNotifications(QDBusConnection bus, QString actionLabel);
+    FreedesktopNotifications(QDBusConnection bus, Look look);
 
     QDBusConnection bus_;
-    QString actionLabel_;
+    Look look_;
     platform::NotificationCenterDelegate* delegate_ = nullptr;
     /// The service's number of our last notification, unless it was closed.
     std::optional<uint> delivered_;

@@ -154,8 +154,8 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
     keepActivationToken(activationToken);
     auto const settingsFile = userFolder("XDG_CONFIG_HOME", ".config") / bundle.identifier() / "preferences.plist";
     platform::UserDefaults userDefaults(settingsFile, runLoop);
-    auto const notifications
-        = FreedesktopNotifications::connectTo(bus, toQt(bundle.localizedString("NOTIFICATION_ACTION")));
+    auto const notifications = FreedesktopNotifications::connectTo(
+        bus, { toQt(bundle.infoText("CFBundleIconFile")), toQt(bundle.localizedString("NOTIFICATION_ACTION")) });
     AutostartEntry loginItem({ .identifier = bundle.identifier(),
                                  .displayName = bundle.infoText("CFBundleDisplayName"),
                                  .file = QCoreApplication::applicationFilePath().toStdString() },

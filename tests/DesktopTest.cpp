@@ -357,10 +357,10 @@ public:
     QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("service"));
     std::vector<Texts> notified;
 
-    Q_SLOT uint Notify(QString const& /*application*/, uint replaced, QString const& /*icon*/, QString const& summary,
+    Q_SLOT uint Notify(QString const& /*application*/, uint replaced, QString const& icon, QString const& summary,
         QString const& body, QStringList const& actions, QVariantMap const& /*hints*/, int /*timeout*/)
     {
-        notified.push_back({ std::to_string(replaced), summary.toStdString(), body.toStdString(),
+        notified.push_back({ std::to_string(replaced), icon.toStdString(), summary.toStdString(), body.toStdString(),
             actions.join(QLatin1Char(' ')).toStdString() });
         return replaced != 0 ? replaced : 40 + static_cast<uint>(notified.size());
     }
@@ -377,7 +377,7 @@ TEST(FreedesktopNotifications, DeliversAndTellsOfClicksOnItsOwnOnly)
 {
     NotificationService service;
     auto const center = FreedesktopNotifications::connectTo(
-        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("program")), QStringLiteral("Show"));
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("program")), { "meter", "Show" });
     ActivationLog log;
     center->setDelegate(&log);
     // Each one takes the place of the last, unless that has gone.
@@ -389,7 +389,8 @@ TEST(FreedesktopNotifications, DeliversAndTellsOfClicksOnItsOwnOnly)
         center->deliver({ "Fish & Chips", "1 <b>bold</b> & one" });
         ASSERT_TRUE(QTest::qWaitFor([&] { return service.notified.size() > count; }));
         EXPECT_EQ(service.notified.back(),
-            (Texts { count == 1 ? "41" : "0", "Fish & Chips", "1 &lt;b&gt;bold&lt;/b&gt; &amp; one", "default Show" }));
+            (Texts { count == 1 ? "41" : "0", "meter", "Fish & Chips", "1 &lt;b&gt;bold&lt;/b&gt; &amp; one",
+                "default Show" }));
         Q_EMIT service.ActionInvoked(7, QStringLiteral("default"));
         Q_EMIT service.ActionInvoked(id, QStringLiteral("another"));
         Q_EMIT service.ActionInvoked(id, QStringLiteral("default"));
