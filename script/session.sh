@@ -172,6 +172,26 @@ findStatusArea() {
     ((width > 8))
 }
 
+findMenu() {
+    window=$(comm -13 <(echo "$1") <(visibleWindows --class notification-area-applet) | tail -n 1)
+    [[ -n $window ]]
+}
+
+# The upper right corner of the screen, with the item in the panel and its menu open.
+captureMenu() {
+    local area before picture=$shots/$1.png
+    waitFor 10 findStatusArea || fail "the panel shows no status area"
+    area=$window
+    before=$(visibleWindows --class notification-area-applet)
+    xdotool mousemove --window "$area" 20 12 click 3
+    waitFor 10 findMenu "$before" || fail "the item's menu does not open"
+    drawn=
+    waitFor 10 isDrawn -window root -crop 400x370+880+0 +repage "$picture" || fail "the menu shows nothing"
+    echo "$picture"
+    # A click elsewhere closes it.
+    xdotool mousemove 300 700 click 1
+}
+
 findNewWindow() {
     window=$(comm -13 <(echo "$1") <(visibleWindows --pid "$program") | head -n 1)
     [[ -n $window ]]
