@@ -122,7 +122,7 @@ void MainWindows::showUsageWindowWithMenu(platform::Application& application)
         menuBar_->addMenu(menu_.get());
         usage_.widget().layout()->setMenuBar(menuBar_);
     }
-    menuBar_->show();
+    setMenuShown(true);
     isUninvited_ = isUninvited_ || !outlets_.monitorWindow.visible.get();
     outlets_.monitorWindow.closeAction = [&application] { application.terminate(); };
     // The day-by-day window takes its place for a while only.
@@ -143,8 +143,22 @@ void MainWindows::leaveMenuToStatusArea()
         return;
     outlets_.monitorWindow.closeAction = nullptr;
     detailedUsageClosing_ = {};
-    usage_.widget().resize(usage_.widget().size().shrunkBy({ 0, 0, 0, menuBar_->height() }));
-    menuBar_->hide();
+    setMenuShown(false);
     if (std::exchange(isUninvited_, false))
         outlets_.monitorWindow.orderOut();
+}
+
+// What else is in the window keeps its size.
+void MainWindows::setMenuShown(bool shown)
+{
+    auto& window = usage_.widget();
+    if (menuBar_->isHidden() == !shown)
+        return;
+    QSize const room(0, menuBar_->sizeHint().height());
+    auto const size = shown ? window.size() + room : window.size() - room;
+    bool const isNew = shown && !window.isVisible();
+    menuBar_->setVisible(shown);
+    window.layout()->activate();
+    if (!isNew)
+        window.resize(size);
 }

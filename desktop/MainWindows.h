@@ -30,6 +30,8 @@ public:
     void leaveMenuToStatusArea();
 
 private:
+    void setMenuShown(bool shown);
+
     Outlets& outlets_;
     WebPluginLoader webPlugin_;
     WindowMirror preferences_;

@@ -250,11 +250,14 @@ TEST_F(MainWindowsTest, TheUsageWindowTakesTheMenuInAndGoesWithItIfItCameUninvit
     auto const isMenuShown = [] { return widgetOf<LevelBar>("usageBar").window()->layout()->menuBar()->isVisible(); };
     for (bool const isInvited : { true, false }) {
         outlets_.monitorWindow.visible.set(isInvited);
+        auto const size = usageWindow().size();
         for (int i = 0; i < 2; ++i)
             windows_->showUsageWindowWithMenu(application_);
         EXPECT_TRUE(shown.get());
         EXPECT_TRUE(isMenuShown());
+        QCoreApplication::processEvents();
         windows_->leaveMenuToStatusArea();
+        EXPECT_EQ(usageWindow().size(), size);
         EXPECT_EQ(shown.get(), isInvited);
         EXPECT_FALSE(isMenuShown());
     }
