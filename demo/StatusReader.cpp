@@ -34,10 +34,7 @@ void call(QDBusConnection const& bus, QObject* receiver, QDBusMessage const& mes
 }
 
 // Watchers name an item "bus name/path", "bus name@/path", or by its bus name alone.
-QString serviceOf(QString const& item)
-{
-    return item.section(QLatin1Char('/'), 0, 0).section(QLatin1Char('@'), 0, 0);
-}
+QString serviceOf(QString const& item) { return item.section(QLatin1Char('/'), 0, 0).section(QLatin1Char('@'), 0, 0); }
 
 QDBusMessage getAll(QString const& service, QString const& path, QString const& interface)
 {

@@ -393,8 +393,7 @@ DBusMenuLayout DBusMenu::layout(int id, int depth, QSet<QString> const& names)
 void DBusMenu::queueEvent(int id, QString const& name)
 {
     if (name == QLatin1String("clicked"))
-        QMetaObject::invokeMethod(
-            this, [this, id] { click(id); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, [this, id] { click(id); }, Qt::QueuedConnection);
 }
 
 void DBusMenu::click(int id)

@@ -129,8 +129,7 @@ void DesktopRunLoop::perform(platform::Task task)
         std::scoped_lock const lock(tasksMutex_);
         tasks_.push_back(std::move(task));
     }
-    QMetaObject::invokeMethod(
-        &context_, [this] { performNext(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(&context_, [this] { performNext(); }, Qt::QueuedConnection);
 }
 
 void DesktopRunLoop::performNext()

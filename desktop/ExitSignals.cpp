@@ -14,7 +14,7 @@ namespace {
 constexpr std::array exitSignals { SIGTERM, SIGINT, SIGHUP };
 
 // All that a signal handler may reach.
-volatile std::sig_atomic_t eventOfHandler = -1;
+std::sig_atomic_t volatile eventOfHandler = -1;
 
 void tellEventLoop(int /*signal*/)
 {
@@ -27,7 +27,7 @@ void endProcessAtOnce(int /*signal*/) { _exit(EXIT_SUCCESS); }
 void handleExitSignals(void (*handler)(int))
 {
     for (int const signal : exitSignals) {
-        struct sigaction action { };
+        struct sigaction action {};
         action.sa_handler = handler;
         sigaction(signal, &action, nullptr);
     }

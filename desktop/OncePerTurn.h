@@ -20,8 +20,7 @@ public:
     {
         if (std::exchange(requested_, true))
             return;
-        QMetaObject::invokeMethod(
-            &context_, [this] { run(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(&context_, [this] { run(); }, Qt::QueuedConnection);
     }
 
 private:

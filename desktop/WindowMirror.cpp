@@ -103,8 +103,7 @@ void WindowMirror::setShown(bool shown)
     if (shown) {
         widget().show();
         isNew_ = true;
-        QMetaObject::invokeMethod(
-            this, [this] { isNew_ = false; }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, [this] { isNew_ = false; }, Qt::QueuedConnection);
     } else if (widget_) {
         widget_->hide();
     }

@@ -231,7 +231,7 @@ bool isMenu(DBusMenuLayout const& layout, Menu const& menu, QSet<int>& met)
 struct Connections {
     Connections()
     {
-        qInstallMessageHandler([](QtMsgType, QMessageLogContext const&, QString const&) {});
+        qInstallMessageHandler([](QtMsgType, QMessageLogContext const&, QString const&) { });
         QObject::connect(&server, &QDBusServer::newConnection, &server,
             [this](QDBusConnection const& connection) { program = connection; });
         panel = QDBusConnection::connectToPeer(server.address(), QStringLiteral("panel"));
@@ -282,7 +282,7 @@ public:
             arguments.pop_back();
         bool const toMenu = member.interface == menuInterface || fault == 3;
         send(toMenu ? StatusNotifierItem::menuPath : StatusNotifierItem::path, member.interface,
-            fault == 4 ? word(bytes) : QString::fromLatin1(member.name), arguments, [](QDBusPendingCall const&) {});
+            fault == 4 ? word(bytes) : QString::fromLatin1(member.name), arguments, [](QDBusPendingCall const&) { });
     }
 
     void read(int id, std::function<void(DBusMenuLayout const&)> handler)
@@ -387,7 +387,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     // Every click is queued then, runs then, and what it changed is heard of before the next answer.
     panel.wait();
     QCoreApplication::sendPostedEvents();
-    panel.read(0, [](DBusMenuLayout const&) {});
+    panel.read(0, [](DBusMenuLayout const&) { });
     panel.wait();
     require(panel.label == asPanelLabel(model.item.title.get()));
     panel.read(0, [&](DBusMenuLayout const& layout) {

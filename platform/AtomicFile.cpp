@@ -41,8 +41,8 @@ bool tryToLock(int file) { return ::flock(file, LOCK_EX | LOCK_NB) == 0 || errno
 
 bool isInPlace(int folder, int file)
 {
-    struct stat opened { };
-    struct stat named { };
+    struct stat opened {};
+    struct stat named {};
     return ::fstat(file, &opened) == 0 && ::fstatat(folder, unfinishedFileName, &named, AT_SYMLINK_NOFOLLOW) == 0
         && opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
@@ -56,7 +56,7 @@ bool belongsToTheUserAlone(struct stat const& file)
 // False if there is something that cannot be removed. What another process writes to stays, and goes by itself.
 bool removeLeftover(int folder)
 {
-    struct stat status { };
+    struct stat status {};
     if (::fstatat(folder, unfinishedFileName, &status, AT_SYMLINK_NOFOLLOW) != 0)
         return errno == ENOENT;
     if (!belongsToTheUserAlone(status))
@@ -121,7 +121,7 @@ std::optional<std::string> readFile(std::filesystem::path const& file)
 {
     // Opening a fifo would otherwise wait for its writer.
     Descriptor const opened(::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat status { };
+    struct stat status {};
     if (!opened.isOpen() || ::fstat(opened.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return std::nullopt;
 
@@ -153,7 +153,7 @@ bool makeFolder(std::filesystem::path const& folder)
 
 void closeFolderToOthers(std::filesystem::path const& folder)
 {
-    struct stat status { };
+    struct stat status {};
     if (::lstat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != ::geteuid())
         return;
     constexpr mode_t othersRights = S_IRWXG | S_IRWXO;

@@ -8,7 +8,7 @@ namespace platform {
 
 DateFormatter::DateFormatter(std::string const& locale)
     : format_(icu::DateFormat::createDateTimeInstance(
-        icu::DateFormat::kShortRelative, icu::DateFormat::kShort, icu::Locale(locale.c_str())))
+          icu::DateFormat::kShortRelative, icu::DateFormat::kShort, icu::Locale(locale.c_str())))
 {
     if (format_)
         format_->adoptTimeZone(icu::TimeZone::detectHostTimeZone());

@@ -46,7 +46,7 @@ bool isFresh(platform::Dictionary const& report, platform::Date now)
 
 bool isRegularFileOfTheUser(std::filesystem::path const& path)
 {
-    struct stat status { };
+    struct stat status {};
     return lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid();
 }
 

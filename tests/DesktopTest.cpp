@@ -180,7 +180,7 @@ TEST_F(MainWindowsTest, WhatTheProgramSetsIsShownAndNotTakenForTheUsers)
     auto const* const fade = qobject_cast<QGraphicsOpacityEffect*>(widgetOf<LevelBar>("usageBar").graphicsEffect());
     outlets_.usageBar.opacity.set(0);
     EXPECT_EQ(fade->opacity(), 0);
-    platform::animate(loop_, { &outlets_.usageBar.opacity }, 1, 20ms, [] {});
+    platform::animate(loop_, { &outlets_.usageBar.opacity }, 1, 20ms, [] { });
     EXPECT_TRUE(QTest::qWaitFor([fade] { return fade->opacity() == 1; }));
 
     // A text that is no item stands in place of one.

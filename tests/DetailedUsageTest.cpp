@@ -44,9 +44,8 @@ class DetailedUsageTest : public ControllerTest {
 protected:
     DetailedUsageTest()
     {
-        platform.systemColors = [](platform::Appearance) {
-            return platform::SystemColors { { 4, 4, 4 }, { 5, 5, 5 }, { 6, 6, 6 } };
-        };
+        platform.systemColors
+            = [](platform::Appearance) { return platform::SystemColors { { 4, 4, 4 }, { 5, 5, 5 }, { 6, 6, 6 } }; };
         launchWith({ home, cottage });
         page().engine = &engine;
     }

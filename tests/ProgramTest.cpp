@@ -52,8 +52,7 @@ TEST_F(ProgramTest, ShowsWhateverIsInItsWayAndRecoversWithoutARestart)
     std::string port = "0";
     auto const serve = [&](ServerFault fault, TlsReply const& reply) {
         server.reset();
-        server.emplace(
-            folder_.path(), fault, [reply](auto const&) { return reply; }, port);
+        server.emplace(folder_.path(), fault, [reply](auto const&) { return reply; }, port);
         port = server->port();
         program_.setProvider("localhost:" + port, server->authority());
     };

@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 struct FilledCache {
     FilledCache()
     {
-        struct statfs status { };
+        struct statfs status {};
         require(statfs(folder.path().c_str(), &status) == 0 && status.f_type != TMPFS_MAGIC,
             "temporary files lie on a disk (TMPDIR), where a save has to wait for it");
         CannedProvider provider;
@@ -62,7 +62,7 @@ void readBare(benchmark::State& state)
     auto const file = filled.file();
     while (state.KeepRunning()) {
         platform::Descriptor const opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
-        struct stat status { };
+        struct stat status {};
         require(::fstat(opened.get(), &status) == 0 && status.st_size > 0, "the file has a size");
         std::string content(static_cast<std::size_t>(status.st_size), '\0');
         require(::read(opened.get(), content.data(), content.size()) == status.st_size, "the file can be read");

@@ -27,10 +27,10 @@ bool parseBare(std::string const& document)
     std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> const context(xmlNewParserCtxt(), &xmlFreeParserCtxt);
     xmlSAXHandler handler {};
     handler.initialized = XML_SAX2_MAGIC;
-    handler.startElementNs
-        = [](void*, xmlChar const*, xmlChar const*, xmlChar const*, int, xmlChar const**, int, int, xmlChar const**) {};
-    handler.endElementNs = [](void*, xmlChar const*, xmlChar const*, xmlChar const*) {};
-    handler.characters = [](void*, xmlChar const*, int) {};
+    handler.startElementNs = [](void*, xmlChar const*, xmlChar const*, xmlChar const*, int, xmlChar const**, int, int,
+                                 xmlChar const**) { };
+    handler.endElementNs = [](void*, xmlChar const*, xmlChar const*, xmlChar const*) { };
+    handler.characters = [](void*, xmlChar const*, int) { };
     handler.ignorableWhitespace = handler.characters;
     *context->sax = handler;
     xmlCtxtReadMemory(
