@@ -64,9 +64,17 @@ bool WebViewMirror::eventFilter(QObject* watched, QEvent* event)
         // Behind this drawing.
         QTimer::singleShot(0, this, [this] { loadNow(); });
     } else if (watched == place_.window() && event->type() == QEvent::Hide && !event->spontaneous()) {
-        isDrawn_ = false;
-        pendingUrl_.reset();
-        page_.reset();
+        // A window that is only shown anew is back by then.
+        QTimer::singleShot(0, this, [this] { endPageIfClosed(); });
     }
     return QObject::eventFilter(watched, event);
+}
+
+void WebViewMirror::endPageIfClosed()
+{
+    if (place_.window()->isVisible())
+        return;
+    isDrawn_ = false;
+    pendingUrl_.reset();
+    page_.reset();
 }

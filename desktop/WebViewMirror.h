@@ -30,6 +30,7 @@ public:
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void loadNow();
+    void endPageIfClosed();
 
     platform::WebView& model_;
     QWidget& place_;

@@ -110,7 +110,7 @@ void WindowMirror::setShown(bool shown)
     showAlert();
 }
 
-// It or a sheet on it.
+// Whether the keyboard is in the window or in a sheet on it.
 bool WindowMirror::isActive() const
 {
     auto const* window = QApplication::activeWindow();
@@ -122,7 +122,7 @@ bool WindowMirror::isActive() const
 void WindowMirror::bringToFront()
 {
     widget_->setWindowState(widget_->windowState() & ~Qt::WindowMinimized);
-    // A Wayland compositor lets no window come to the front without a token, but puts one that is new there.
+    // Without a token a Wayland compositor leaves an open window where it is, but puts a new one in front.
     if (isOnWayland() && !hasActivationToken() && !isNew_ && !isActive())
         showAnew();
     widget_->raise();
@@ -130,7 +130,8 @@ void WindowMirror::bringToFront()
     dropActivationToken();
 }
 
-// The sheets on it follow it in their order.
+// Sheets go before the window that they are on, and come back after it. Without WA_Resized a window that the user has
+// resized would come back with its first size.
 void WindowMirror::showAnew()
 {
     QWidgetList windows { widget_.get() };
@@ -138,12 +139,16 @@ void WindowMirror::showAnew()
         if (sheet->isVisible())
             windows.push_back(sheet);
     }
-    isShownAnew_ = true;
+    isBeingShownAnew_ = true;
     for (auto* const window : windows | std::views::reverse)
         window->hide();
-    for (auto* const window : windows)
+    for (auto* const window : windows) {
+        bool const wasResized = window->testAttribute(Qt::WA_Resized);
+        window->setAttribute(Qt::WA_Resized);
         window->show();
-    isShownAnew_ = false;
+        window->setAttribute(Qt::WA_Resized, wasResized);
+    }
+    isBeingShownAnew_ = false;
 }
 
 void WindowMirror::setBackground(std::optional<platform::Color> const& color)
@@ -162,7 +167,7 @@ void WindowMirror::setBackground(std::optional<platform::Color> const& color)
 // Closed by the title bar or by Escape: the model has to know.
 bool WindowMirror::eventFilter(QObject* watched, QEvent* event)
 {
-    bool const staysShown = isShownAnew_ || (parent_ && parent_->isShownAnew_);
+    bool const staysShown = isBeingShownAnew_ || (parent_ && parent_->isBeingShownAnew_);
     bool const isGoing
         = event->type() == QEvent::Hide && !event->spontaneous() && watched == widget_.get() && !staysShown;
     if (isGoing && model_.visible.get())

@@ -52,6 +52,6 @@ private:
     QPointer<QMessageBox> sheet_;
     /// Until the end of the main-loop turn in which it was shown.
     bool isNew_ = false;
-    bool isShownAnew_ = false;
+    bool isBeingShownAnew_ = false;
     std::vector<platform::Subscription> subscriptions_;
 };
