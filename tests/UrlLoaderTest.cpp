@@ -91,8 +91,8 @@ TEST_F(UrlLoaderTest, AWholeTextIsLoadedWhateverItsStatus)
         { "/nul", response("a\0b"s), "a\0b"s },
         { "/limit", { ok + "Content-Length: 8388608\r\n\r\n", Ending::closed, piece }, std::string(8'388'608, 'x') },
         { "/gzip", response(outputOf("printf hello | gzip -c"), "Content-Encoding: gzip"), "hello" },
-        { "/until-cut", { ok + "\r\nh\u00E9llo", Ending::cutOff }, "h\u00E9llo" },
-        { "/moved", redirect("/until-cut"), "h\u00E9llo" },
+        { "/until-closed", { ok + "\r\nh\u00E9llo", Ending::closed }, "h\u00E9llo" },
+        { "/moved", redirect("/until-closed"), "h\u00E9llo" },
     };
     Replies replies;
     for (auto const& [path, reply, body] : cases)
