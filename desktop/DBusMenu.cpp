@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/DBusMenu.h"
 
+#include "desktop/ActivationToken.h"
 #include "desktop/Text.h"
 
 #include <QDBusMetaType>
@@ -407,6 +408,8 @@ void DBusMenu::click(int id)
     auto const item = node->item;
     if (!item->hidden.get())
         item->userClicked();
+    // It was for this click alone.
+    dropActivationToken();
 }
 
 void DBusMenu::update()

@@ -127,7 +127,7 @@ void MainWindows::showUsageWindowWithMenu(platform::Application& application)
     outlets_.monitorWindow.closeAction = [&application] { application.terminate(); };
     // The day-by-day window takes its place for a while only.
     detailedUsageClosing_ = outlets_.detailedUsage.window.visible.observeChanges([this](bool visible) {
-        if (!visible)
+        if (!visible && !outlets_.monitorWindow.visible.get())
             outlets_.monitorWindow.makeKeyAndOrderFront();
     });
     // A user who is typing in another window of ours goes on there.
@@ -148,7 +148,7 @@ void MainWindows::leaveMenuToStatusArea()
         outlets_.monitorWindow.orderOut();
 }
 
-// What else is in the window keeps its size.
+// The window grows and shrinks by the menu's height, so that its figures keep their room.
 void MainWindows::setMenuShown(bool shown)
 {
     auto& window = usage_.widget();
@@ -157,8 +157,9 @@ void MainWindows::setMenuShown(bool shown)
     QSize const room(0, menuBar_->sizeHint().height());
     auto const size = shown ? window.size() + room : window.size() - room;
     bool const isNew = shown && !window.isVisible();
+    bool const hasOwnSize = window.windowState() == Qt::WindowNoState;
     menuBar_->setVisible(shown);
     window.layout()->activate();
-    if (!isNew)
+    if (!isNew && hasOwnSize)
         window.resize(size);
 }

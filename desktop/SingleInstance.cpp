@@ -71,6 +71,7 @@ bool SingleInstance::activateFirst()
 
 void SingleInstance::Activate(QVariantMap const& platformData)
 {
+    dropActivationToken();
     keepActivationToken(platformData.value(QStringLiteral("activation-token")).toString());
     // The caller is answered first.
     QTimer::singleShot(0, this, [this] {

@@ -105,8 +105,10 @@ void StatusArea::itemRegistered()
     trayIcon_.reset();
     if (handlers_.placed)
         handlers_.placed();
-    if (host_.losesFirstLabel)
-        QTimer::singleShot(timeToMeetItem, registration_.get(), [this] { requestRegistration(); });
+    QTimer::singleShot(timeToMeetItem, registration_.get(), [this] {
+        if (host_.losesFirstLabel)
+            requestRegistration();
+    });
 }
 
 void StatusArea::askForHost()
@@ -117,9 +119,7 @@ void StatusArea::askForHost()
     call.setArguments({ watcherName() });
     whenFinished(bus_.asyncCall(call), this, [this](QDBusPendingCall const& finished) {
         QDBusPendingReply<uint> const reply = finished;
-        if (reply.isError())
-            return;
-        host_ = statusHostOf(processName(reply.value()));
+        host_ = statusHostOf(reply.isError() ? QString() : processName(reply.value()));
         notifierItem_.setLook(host_.look);
         dbusMenu_.setMarksFirstUnderscoreOnly(host_.marksFirstUnderscoreOnly);
     });
@@ -135,13 +135,14 @@ void StatusArea::ownerChanged(QString const& owner)
 
 void StatusArea::fallBack()
 {
+    login_.stop();
     if (!bus_.isConnected())
         giveUp();
-    else if (!showsTrayIcon() && !hasSeenPanel_)
+    else if (!showTrayIcon() && !hasSeenPanel_)
         login_.start();
 }
 
-bool StatusArea::showsTrayIcon()
+bool StatusArea::showTrayIcon()
 {
     // Asked only now: the toolkit settles on a kind of tray once, by what it finds at the first question.
     if (!QSystemTrayIcon::isSystemTrayAvailable())
@@ -159,7 +160,7 @@ bool StatusArea::showsTrayIcon()
 
 void StatusArea::giveUp()
 {
-    if (!showsTrayIcon() && handlers_.noStatusArea)
+    if (!showTrayIcon() && handlers_.noStatusArea)
         handlers_.noStatusArea();
 }
 

@@ -51,7 +51,8 @@ private:
     void askForHost();
     void ownerChanged(QString const& owner);
     void fallBack();
-    bool showsTrayIcon();
+    /// False where there is no older tray.
+    bool showTrayIcon();
     void giveUp();
     void popUpMenu();
 
@@ -62,7 +63,7 @@ private:
     DBusMenu dbusMenu_;
     QDBusServiceWatcher watcherOwner_;
     StatusHost host_;
-    /// Both run only while there is no watcher, or no bus.
+    /// Both run only while the item has no place.
     QTimer grace_;
     QTimer login_;
     bool hasSeenPanel_ = false;

@@ -14,12 +14,13 @@ struct KnownHost {
 };
 
 constexpr std::array hosts {
-    KnownHost { "gnome-shell", { StatusLook::Label, true, true } },
-    KnownHost { "mate-panel", { StatusLook::Label } },
-    KnownHost { "notification-ar", { StatusLook::Label } },
-    KnownHost { "ayatana-indicat", { StatusLook::Label } },
-    KnownHost { "indicator-appli", { StatusLook::Label } },
-    KnownHost { "waybar", { StatusLook::WideIcon } },
+    KnownHost {
+        "gnome-shell", { .look = StatusLook::Label, .losesFirstLabel = true, .marksFirstUnderscoreOnly = true } },
+    KnownHost { "mate-panel", { .look = StatusLook::Label } },
+    KnownHost { "notification-ar", { .look = StatusLook::Label } },
+    KnownHost { "ayatana-indicat", { .look = StatusLook::Label } },
+    KnownHost { "indicator-appli", { .look = StatusLook::Label } },
+    KnownHost { "waybar", { .look = StatusLook::WideIcon } },
 };
 
 }

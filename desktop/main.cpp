@@ -22,6 +22,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QSessionManager>
@@ -223,6 +224,8 @@ int main(int argc, char** argv)
     QApplication const application(argc, argv);
     qInstallMessageHandler(reportError);
     QApplication::setQuitOnLastWindowClosed(false);
+    // Where our icons are, should the desktop's own theme not be installed.
+    QIcon::setFallbackThemeName(QStringLiteral("hicolor"));
     applyAppearance(platform::Appearance::Light);
     // Whether it starts at login is the user's choice, not the session's memory.
     QObject::connect(&application, &QGuiApplication::saveStateRequest,

@@ -139,8 +139,8 @@ struct SwayTest : PanelHostsTest {
         return QTest::qWaitFor(isFocused, static_cast<int>(patience.count()));
     }
 
-    /// A click can come before the program has heard from the compositor that its window is no more in front, where a
-    /// user would click again.
+    /// A click can come before the program has heard from the compositor that its window is no longer in front; a user
+    /// would click again.
     bool comesToTheFront(char const* title, char const* line)
     {
         return (click(line) && waitForFocus(title, 500ms)) || (click(line) && waitForFocus(title));
