@@ -120,7 +120,7 @@ void StatusArea::askForHost()
     whenFinished(bus_.asyncCall(call), this, [this](QDBusPendingCall const& finished) {
         QDBusPendingReply<uint> const reply = finished;
         host_ = statusHostOf(reply.isError() ? QString() : processName(reply.value()));
-        notifierItem_.setLook(host_.look);
+        notifierItem_.setHost(host_);
         dbusMenu_.setMarksFirstUnderscoreOnly(host_.marksFirstUnderscoreOnly);
     });
 }

@@ -14,8 +14,11 @@ struct KnownHost {
 };
 
 constexpr std::array hosts {
-    KnownHost {
-        "gnome-shell", { .look = StatusLook::Label, .losesFirstLabel = true, .marksFirstUnderscoreOnly = true } },
+    KnownHost { "gnome-shell",
+        { .look = StatusLook::Label,
+            .coloursSymbols = true,
+            .losesFirstLabel = true,
+            .marksFirstUnderscoreOnly = true } },
     KnownHost { "mate-panel", { .look = StatusLook::Label } },
     KnownHost { "notification-ar", { .look = StatusLook::Label } },
     KnownHost { "ayatana-indicat", { .look = StatusLook::Label } },

@@ -16,6 +16,8 @@ enum class StatusLook {
 /// What is known of a panel.
 struct StatusHost {
     StatusLook look = StatusLook::Icon;
+    /// Shows symbolic icons in its text's colour. Elsewhere they could be dark on dark.
+    bool coloursSymbols = false;
     /// Loses the label of an item that it has just met, until the item registers again.
     bool losesFirstLabel = false;
     /// Takes only the first underscore of a menu's line for a mark, and shows the others as they come.

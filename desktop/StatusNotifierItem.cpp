@@ -30,7 +30,7 @@ StatusNotifierItem::StatusNotifierItem(platform::StatusItem& item, ThemeIcon ico
     : item_(item)
     , icon_(std::move(icon))
     , guide_(title())
-    , told_ { title(), details(), look_ }
+    , told_ { title(), details(), host_.look }
     , update_([this] { update(); })
     , titleChanges_(item.title.observeChanges([this](std::string const&) { update_.request(); }))
     , menuChanges_(item.menu().observeChanges([this] { update_.request(); }))
@@ -42,18 +42,25 @@ StatusNotifierItem::StatusNotifierItem(platform::StatusItem& item, ThemeIcon ico
 
 QString StatusNotifierItem::title() const { return asPanelLabel(item_.title.get()); }
 
-void StatusNotifierItem::setLook(StatusLook look)
+void StatusNotifierItem::setHost(StatusHost const& host)
 {
-    look_ = look;
+    host_ = host;
     pixmaps_.clear();
     update_.request();
+}
+
+QString StatusNotifierItem::iconName() const
+{
+    if (host_.look != StatusLook::Label)
+        return {};
+    return host_.coloursSymbols ? icon_.name + QLatin1String("-symbolic") : icon_.name;
 }
 
 QList<StatusPixmap> StatusNotifierItem::iconPixmap()
 {
     auto const shown = title();
     if (pixmaps_.isEmpty() || std::exchange(drawnTitle_, shown) != shown)
-        pixmaps_ = statusPixmaps(shown, look_);
+        pixmaps_ = statusPixmaps(shown, host_.look);
     return pixmaps_;
 }
 
@@ -92,7 +99,7 @@ QString StatusNotifierItem::details() const
 
 void StatusNotifierItem::update()
 {
-    auto const before = std::exchange(told_, { title(), details(), look_ });
+    auto const before = std::exchange(told_, { title(), details(), host_.look });
     bool const isNewTitle = told_.title != before.title;
     if (isNewTitle) {
         if (told_.title.size() > guide_.size())

@@ -49,7 +49,7 @@ public:
     static constexpr char const* path = "/StatusNotifierItem";
     static constexpr char const* menuPath = "/StatusMenu";
 
-    /// An icon of the desktop's theme.
+    /// An icon of the desktop's theme, which has a symbolic one beside it.
     struct ThemeIcon {
         QString name;
         /// Where it is found if the desktop does not know it.
@@ -59,8 +59,8 @@ public:
     /// Panels that show the label as text have the icon beside it.
     StatusNotifierItem(platform::StatusItem& item, ThemeIcon icon);
 
-    /// Draws for another kind of panel from now on.
-    void setLook(StatusLook look);
+    /// Draws for another panel from now on.
+    void setHost(StatusHost const& host);
 
     QString id() const { return QStringLiteral("usage-meter"); }
     QString category() const { return QStringLiteral("ApplicationStatus"); }
@@ -69,8 +69,8 @@ public:
     QString title() const;
     /// The longest title so far, whose room a panel can keep free so that the items beside it stay where they are.
     QString const& guide() const { return guide_; }
-    QString iconName() const { return look_ == StatusLook::Label ? icon_.name : QString(); }
-    QString iconThemePath() const { return look_ == StatusLook::Label ? icon_.themePath : QString(); }
+    QString iconName() const;
+    QString iconThemePath() const { return host_.look == StatusLook::Label ? icon_.themePath : QString(); }
     QList<StatusPixmap> iconPixmap();
     /// What the item is and says, for panels that read it out.
     QString accessibleDescription() const;
@@ -110,7 +110,7 @@ private:
 
     platform::StatusItem& item_;
     ThemeIcon icon_;
-    StatusLook look_ = StatusLook::Icon;
+    StatusHost host_;
     QString guide_;
     /// Drawn when a panel asks.
     QList<StatusPixmap> pixmaps_;

@@ -137,10 +137,10 @@ std::filesystem::path additionalAuthority(platform::Bundle const& bundle)
 }
 
 // Installed beside the bundle.
-StatusNotifierItem::ThemeIcon symbolicIcon(platform::Bundle const& bundle)
+StatusNotifierItem::ThemeIcon themeIcon(platform::Bundle const& bundle)
 {
     auto const themes = (bundle.folder().parent_path() / "icons").string();
-    return { toQt(bundle.infoText("CFBundleIconFile")) + QLatin1String("-symbolic"), toQt(themes) };
+    return { toQt(bundle.infoText("CFBundleIconFile")), toQt(themes) };
 }
 
 int run(platform::Bundle const& bundle, SingleInstance& instance)
@@ -185,7 +185,7 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
     layout.wire(controller);
     MainWindows windows(outlets, bundle, runLoop, fromProgram(USAGE_METER_PARTS));
     instance.whenActivated([&controller] { controller.showPreferences(); });
-    StatusArea const statusArea(controller.usageStatusItem(), symbolicIcon(bundle),
+    StatusArea const statusArea(controller.usageStatusItem(), themeIcon(bundle),
         { .noStatusArea = [&windows, &desktopApplication] { windows.showUsageWindowWithMenu(desktopApplication); },
             .placed = [&windows] { windows.leaveMenuToStatusArea(); },
             .activationToken = keepActivationToken },

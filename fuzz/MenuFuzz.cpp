@@ -378,7 +378,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
             QCoreApplication::sendPostedEvents();
         else if (turn == 2) {
             model.item.title.set(bytes.text());
-            item.setLook(static_cast<StatusLook>(bytes.below(3)));
+            item.setHost({ .look = static_cast<StatusLook>(bytes.below(3)) });
         } else if (turn < 5)
             model.change(bytes);
         else

@@ -38,8 +38,7 @@ protected:
     void startArea(QDBusConnection const& bus = connectionOf("program"), milliseconds loginTime = milliseconds(1))
     {
         StatusArea::Handlers const handlers { [this] { ++timesWithoutPlace_; }, [this] { ++timesPlaced_; }, {} };
-        area_.emplace(
-            item_, StatusNotifierItem::ThemeIcon { "meter-symbolic", "/share/icons" }, handlers, bus, loginTime);
+        area_.emplace(item_, StatusNotifierItem::ThemeIcon { "meter", "/share/icons" }, handlers, bus, loginTime);
     }
 
     void start()
