@@ -38,8 +38,3 @@ private:
     bool isHighContrastInGnome_ = false;
     std::optional<platform::Appearance> told_;
 };
-
-/// Gives all windows the palette and the style of an appearance.
-void applyAppearance(platform::Appearance appearance);
-/// The colours of that palette.
-platform::SystemColors systemColors(platform::Appearance appearance);

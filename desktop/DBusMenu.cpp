@@ -2,7 +2,7 @@
 #include "desktop/DBusMenu.h"
 
 #include "desktop/ActivationToken.h"
-#include "desktop/Text.h"
+#include "windows/Text.h"
 
 #include <QDBusMetaType>
 #include <QGuiApplication>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/OncePerTurn.h"
 #include "platform/Menu.h"
+#include "windows/OncePerTurn.h"
 
 #include <QDBusArgument>
 #include <QDBusContext>

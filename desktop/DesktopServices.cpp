@@ -2,7 +2,7 @@
 #include "desktop/DesktopServices.h"
 
 #include "desktop/ActivationToken.h"
-#include "desktop/Text.h"
+#include "windows/Text.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>

@@ -3,7 +3,7 @@
 
 #include "desktop/ActivationToken.h"
 #include "desktop/PendingCall.h"
-#include "desktop/Text.h"
+#include "windows/Text.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/StatusArea.h"
 
-#include "desktop/Text.h"
+#include "windows/Text.h"
 
 #include "desktop/PendingCall.h"
 

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "desktop/DBusMenu.h"
-#include "desktop/MenuMirror.h"
 #include "desktop/StatusNotifierItem.h"
 #include "platform/StatusItem.h"
+#include "windows/MenuMirror.h"
 
 #include <QDBusConnection>
 #include <QDBusPendingCall>

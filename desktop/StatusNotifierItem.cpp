@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/StatusNotifierItem.h"
 
-#include "desktop/Text.h"
+#include "windows/Text.h"
 
 #include "platform/Menu.h"
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/OncePerTurn.h"
 #include "desktop/StatusHost.h"
 #include "desktop/StatusIcon.h"
 #include "platform/StatusItem.h"
+#include "windows/OncePerTurn.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>

@@ -8,10 +8,9 @@
 #include "desktop/DesktopServices.h"
 #include "desktop/ExitSignals.h"
 #include "desktop/FreedesktopNotifications.h"
-#include "desktop/MainWindows.h"
 #include "desktop/SingleInstance.h"
 #include "desktop/StatusArea.h"
-#include "desktop/Text.h"
+#include "desktop/SystemColors.h"
 #include "platform/Bundle.h"
 #include "platform/Locale.h"
 #include "platform/Platform.h"
@@ -19,6 +18,9 @@
 #include "platform/ThreadQueues.h"
 #include "platform/UserDefaults.h"
 #include "ui/MainLayout.h"
+#include "windows/MainWindows.h"
+#include "windows/Palettes.h"
+#include "windows/Text.h"
 
 #include <QApplication>
 #include <QDir>

@@ -4,7 +4,7 @@
 #include "desktop/DBusMenu.h"
 #include "desktop/PendingCall.h"
 #include "desktop/StatusNotifierItem.h"
-#include "desktop/Text.h"
+#include "windows/Text.h"
 
 #include <QApplication>
 #include <QDBusConnection>

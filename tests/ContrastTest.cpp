@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Whether every text can be read: its contrast with its ground, measured on the pixels of every window in every look.
-#include "desktop/MenuMirror.h"
 #include "desktop/StatusIcon.h"
 #include "tests/support/EveryWindowTest.h"
+#include "windows/MenuMirror.h"
 
 #include <cmath>
 

@@ -3,10 +3,10 @@
 #include "desktop/ActivationToken.h"
 #include "desktop/ColorScheme.h"
 #include "desktop/FreedesktopNotifications.h"
-#include "desktop/LevelBar.h"
 #include "storage/SettingsKeys.h"
 #include "tests/support/WindowsTest.h"
 #include "ui/MainLayout.h"
+#include "windows/LevelBar.h"
 
 #include <QDesktopServices>
 

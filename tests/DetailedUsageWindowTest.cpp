@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The detailed usage window with a real web engine, on a real provider.
 #include "demo/Provider.h"
-#include "desktop/ColorScheme.h"
-#include "desktop/WebPluginId.h"
+#include "desktop/SystemColors.h"
 #include "detail/DetailedUsageViewController.h"
 #include "platform/AtomicFile.h"
 #include "platform/Calendar.h"
@@ -11,6 +10,8 @@
 #include "platform/PropertyList.h"
 #include "platform/ThreadQueues.h"
 #include "tests/support/WindowsTest.h"
+#include "windows/Palettes.h"
+#include "windows/WebPluginId.h"
 
 #include <csignal>
 #include <fstream>

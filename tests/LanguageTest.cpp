@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Every window, alert and menu with the controller's own texts, in the languages that are hardest on a layout.
-#include "desktop/Text.h"
 #include "platform/AtomicFile.h"
 #include "platform/PropertyList.h"
 #include "tests/support/EveryWindowTest.h"
+#include "windows/Text.h"
 
 #include <set>
 

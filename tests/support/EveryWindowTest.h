@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/ColorScheme.h"
-#include "desktop/MainWindows.h"
 #include "tests/support/ControllerTest.h"
+#include "windows/MainWindows.h"
+#include "windows/Palettes.h"
 
 #include <QtWidgets>
 

@@ -4,10 +4,10 @@
 #include "app/Outlets.h"
 #include "desktop/DesktopRunLoop.h"
 #include "desktop/DesktopServices.h"
-#include "desktop/MainWindows.h"
 #include "platform/Bundle.h"
 #include "platform/UserDefaults.h"
 #include "tests/support/TemporaryFolder.h"
+#include "windows/MainWindows.h"
 
 #include <QTest>
 #include <QtWidgets>

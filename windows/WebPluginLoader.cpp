@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/WebPluginLoader.h"
+#include "windows/WebPluginLoader.h"
 
-#include "desktop/Text.h"
+#include "windows/Text.h"
 
 #include <QCoreApplication>
 #include <QDir>

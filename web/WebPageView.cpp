@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/web/WebPageView.h"
+#include "web/WebPageView.h"
 
-#include "desktop/Text.h"
+#include "windows/Text.h"
 
 #include <QDialog>
 #include <QEvent>

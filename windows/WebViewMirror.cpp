@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/WebViewMirror.h"
+#include "windows/WebViewMirror.h"
 
-#include "desktop/WebPluginLoader.h"
+#include "windows/WebPluginLoader.h"
 
 #include <QEvent>
 #include <QTimer>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/web/WebPage.h"
+#include "web/WebPage.h"
 
 #include <QAuthenticator>
 #include <QFontDatabase>

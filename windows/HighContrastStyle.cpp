@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/HighContrastStyle.h"
+#include "windows/HighContrastStyle.h"
 
 #include <QPainter>
 #include <QStyleOption>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/Binder.h"
+#include "windows/Binder.h"
 
-#include "desktop/LevelBar.h"
-#include "desktop/Text.h"
 #include "platform/Bundle.h"
 #include "platform/Calendar.h"
 #include "platform/Utf8.h"
+#include "windows/LevelBar.h"
+#include "windows/Text.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/WebViewMirror.h"
 #include "platform/ComboBox.h"
 #include "platform/Controls.h"
 #include "platform/RunLoop.h"
+#include "windows/WebViewMirror.h"
 
 #include <QWidget>
 

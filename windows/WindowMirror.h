@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/Binder.h"
 #include "platform/Window.h"
+#include "windows/Binder.h"
 
 #include <QObject>
 #include <QPointer>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/Mnemonics.h"
+#include "windows/Mnemonics.h"
 
 #include <QCheckBox>
 #include <QLabel>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/MenuMirror.h"
-#include "desktop/WebPluginLoader.h"
-#include "desktop/WindowMirror.h"
+#include "windows/MenuMirror.h"
+#include "windows/WebPluginLoader.h"
+#include "windows/WindowMirror.h"
 
 #include <QString>
 

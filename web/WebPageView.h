@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/web/WebPage.h"
+#include "web/WebPage.h"
 
 #include <QWebEngineProfile>
 #include <QWebEngineView>

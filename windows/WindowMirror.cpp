@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/WindowMirror.h"
+#include "windows/WindowMirror.h"
 
 #include "desktop/ActivationToken.h"
-#include "desktop/Mnemonics.h"
-#include "desktop/Text.h"
 #include "platform/Bundle.h"
+#include "windows/Mnemonics.h"
+#include "windows/Text.h"
 
 #include <QApplication>
 #include <QDialog>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/RoomyStyle.h"
+#include "windows/RoomyStyle.h"
 
 /// The usual style with strong frames, and a stronger one around what has the focus: the usual one shades its frames
 /// after the ground, which leaves none of them on black.

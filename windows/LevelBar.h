@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/OncePerTurn.h"
+#include "windows/OncePerTurn.h"
 
 #include <QString>
 #include <QWidget>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/WebPlugin.h"
 #include "platform/WebView.h"
+#include "windows/WebPlugin.h"
 
 #include <filesystem>
 #include <optional>

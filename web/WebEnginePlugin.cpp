@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/WebPlugin.h"
-#include "desktop/web/WebPageView.h"
+#include "web/WebPageView.h"
+#include "windows/WebPlugin.h"
 
 #include <QLayout>
 

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/MainWindows.h"
+#include "windows/MainWindows.h"
 
 #include "app/Outlets.h"
-#include "desktop/Text.h"
 #include "platform/Application.h"
 #include "platform/Bundle.h"
 #include "ui_AddKeyWindow.h"
 #include "ui_DetailedUsageViewController.h"
 #include "ui_PreferencesWindow.h"
 #include "ui_UsageWindow.h"
+#include "windows/Text.h"
 
 #include <QDialog>
 #include <QMenuBar>

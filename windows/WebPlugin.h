@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "desktop/WebPluginId.h"
+#include "windows/WebPluginId.h"
 
 #include <QtPlugin>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/RoomyStyle.h"
+#include "windows/RoomyStyle.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/MenuMirror.h"
+#include "windows/MenuMirror.h"
 
-#include "desktop/Text.h"
+#include "windows/Text.h"
 
 #include <QAction>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/LevelBar.h"
+#include "windows/LevelBar.h"
 
-#include "desktop/Text.h"
+#include "windows/Text.h"
 
 #include <QAccessibleWidget>
 #include <QPainter>

@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/Color.h"
+
+/// The colours of our windows in an appearance, whatever draws them.
+platform::SystemColors systemColors(platform::Appearance appearance);

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#include "windows/Palettes.h"
+
+#include "desktop/SystemColors.h"
+#include "windows/HighContrastStyle.h"
+#include "windows/RoomyStyle.h"
+#include "windows/Text.h"
+
+#include <QApplication>
+#include <QPalette>
+
+namespace {
+
+QPalette darkPalette()
+{
+    auto const colors = systemColors(platform::Appearance::Dark);
+    QPalette palette(QColor(0x35, 0x37, 0x3B), toQt(colors.windowBackground));
+    palette.setColor(QPalette::Base, toQt(colors.controlBackground));
+    palette.setColor(QPalette::AlternateBase, QColor(0x2B, 0x2D, 0x30));
+    palette.setColor(QPalette::Highlight, QColor(0x37, 0x85, 0x3F));
+    palette.setColor(QPalette::Mid, QColor(0x80, 0x84, 0x8B));
+    palette.setColor(QPalette::PlaceholderText, QColor(0xA0, 0xA4, 0xAB));
+    palette.setColor(QPalette::ToolTipBase, QColor(0x2B, 0x2D, 0x30));
+    palette.setColor(QPalette::ToolTipText, Qt::white);
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x8A, 0x8E, 0x95));
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x8A, 0x8E, 0x95));
+    palette.setColor(QPalette::Disabled, QPalette::Text, QColor(0x8A, 0x8E, 0x95));
+    return palette;
+}
+
+QPalette lightPalette()
+{
+    auto const ground = toQt(systemColors(platform::Appearance::Light).windowBackground);
+    QPalette palette(ground, ground);
+    palette.setColor(QPalette::Highlight, QColor(0x2B, 0x7A, 0x33));
+    palette.setColor(QPalette::PlaceholderText, QColor(0x6A, 0x6A, 0x6A));
+    return palette;
+}
+
+// One colour on another and nothing between, but for what is disabled: that still reads with 7:1.
+QPalette highContrastPalette(platform::Appearance appearance, QColor const& disabled, QColor const& highlight)
+{
+    auto const colors = systemColors(appearance);
+    auto const ground = toQt(colors.windowBackground);
+    auto const text = toQt(colors.text);
+    QPalette palette(text, ground, text, text, text, text, text, ground, ground);
+    palette.setColor(QPalette::Highlight, highlight);
+    palette.setColor(QPalette::HighlightedText, ground);
+    palette.setColor(QPalette::AlternateBase, ground);
+    palette.setColor(QPalette::PlaceholderText, disabled);
+    palette.setColor(QPalette::ToolTipBase, ground);
+    palette.setColor(QPalette::ToolTipText, text);
+    for (auto const role : { QPalette::WindowText, QPalette::ButtonText, QPalette::Text })
+        palette.setColor(QPalette::Disabled, role, disabled);
+    return palette;
+}
+
+QPalette palette(platform::Appearance appearance)
+{
+    switch (appearance) {
+    case platform::Appearance::Light:
+        break;
+    case platform::Appearance::Dark:
+        return darkPalette();
+    case platform::Appearance::HighContrastLight:
+        return highContrastPalette(appearance, QColor(0x55, 0x55, 0x55), QColor(0x00, 0x00, 0xC8));
+    case platform::Appearance::HighContrastDark:
+        return highContrastPalette(appearance, QColor(0xB0, 0xB0, 0xB0), QColor(0xFF, 0xE0, 0x00));
+    }
+    return lightPalette();
+}
+
+bool isHighContrast(platform::Appearance appearance)
+{
+    return appearance == platform::Appearance::HighContrastLight
+        || appearance == platform::Appearance::HighContrastDark;
+}
+
+}
+
+void applyAppearance(platform::Appearance appearance)
+{
+    // Styles that take their colours from the palette, so that these can change at any time.
+    if (isHighContrast(appearance))
+        QApplication::setStyle(new HighContrastStyle);
+    else
+        QApplication::setStyle(new RoomyStyle);
+    QApplication::setPalette(palette(appearance));
+}
