@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/HelperProcess.h"
 #include "platform/UrlLoader.h"
 
 #include <chrono>
@@ -8,7 +9,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <mutex>
-#include <vector>
 
 namespace platform {
 
@@ -30,13 +30,8 @@ public:
 private:
     bool awaitTurn();
     void endTurn();
-    std::optional<std::string> exchange(std::string const& url);
-    bool start(int channel, pid_t& process);
-    void finished(pid_t process);
 
-    std::filesystem::path helper_;
-    /// The program's at the start: it may change while a helper is being started.
-    std::vector<std::string> environment_;
+    HelperProcess helper_;
     std::filesystem::path additionalAuthority_;
     std::chrono::milliseconds limit_;
     std::mutex mutex_;
@@ -44,8 +39,6 @@ private:
     /// How many loads have come, and how many of them have had their turn.
     std::uint64_t came_ = 0;
     std::uint64_t ended_ = 0;
-    /// The helpers that run now; one that is waited for is not among them.
-    std::vector<pid_t> running_;
     bool cancelled_ = false;
 };
 
