@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Draws the status icon of many titles in a panel's usual sizes, on light, grey and dark panels: usage-meter-icons FILE
-#include "desktop/StatusIcon.h"
+#include "draw/StatusIcon.h"
 
 #include <QGuiApplication>
 #include <QPainter>

@@ -4,10 +4,13 @@
 #include "windows/Text.h"
 
 #include "desktop/PendingCall.h"
+#include "draw/StatusIcon.h"
 
 #include <QCursor>
 #include <QDBusMessage>
 #include <QDBusPendingReply>
+#include <QIcon>
+#include <QPixmap>
 #include <QSystemTrayIcon>
 
 #include <chrono>
@@ -23,6 +26,14 @@ constexpr auto graceOfWatcher = 1500ms;
 constexpr auto timeToMeetItem = 1s;
 
 QString watcherName() { return QStringLiteral("org.kde.StatusNotifierWatcher"); }
+
+QIcon trayIcon(QString const& title)
+{
+    QIcon icon;
+    for (auto const& image : statusImages(title, StatusLook::Icon))
+        icon.addPixmap(QPixmap::fromImage(image));
+    return icon;
+}
 
 }
 
@@ -151,7 +162,7 @@ bool StatusArea::showTrayIcon()
     connect(trayIcon_.get(), &QSystemTrayIcon::activated, this, &StatusArea::popUpMenu);
     trayTitle_ = item_.title.observe([this](std::string const& title) {
         auto const text = toQt(title);
-        trayIcon_->setIcon(statusIcon(text));
+        trayIcon_->setIcon(trayIcon(text));
         trayIcon_->setToolTip(text);
     });
     trayIcon_->show();

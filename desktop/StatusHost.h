@@ -1,17 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QString>
+#include "draw/StatusPixmap.h"
 
-/// How a panel shows a status item.
-enum class StatusLook {
-    /// A square picture only.
-    Icon,
-    /// A picture of the panel's height and any width.
-    WideIcon,
-    /// The label as text, beside the program's icon.
-    Label,
-};
+#include <QString>
 
 /// What is known of a panel.
 struct StatusHost {

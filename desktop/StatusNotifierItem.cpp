@@ -3,12 +3,31 @@
 
 #include "windows/Text.h"
 
+#include "draw/StatusIcon.h"
 #include "platform/Menu.h"
 
 #include <QCoreApplication>
 #include <QDBusMetaType>
 
 #include <utility>
+
+QDBusArgument& operator<<(QDBusArgument& argument, StatusPixmap const& pixmap)
+{
+    argument.beginStructure();
+    argument << pixmap.width << pixmap.height << QByteArray::fromStdString(pixmap.pixels);
+    argument.endStructure();
+    return argument;
+}
+
+QDBusArgument const& operator>>(QDBusArgument const& argument, StatusPixmap& pixmap)
+{
+    QByteArray pixels;
+    argument.beginStructure();
+    argument >> pixmap.width >> pixmap.height >> pixels;
+    argument.endStructure();
+    pixmap.pixels = pixels.toStdString();
+    return argument;
+}
 
 QDBusArgument& operator<<(QDBusArgument& argument, StatusToolTip const& toolTip)
 {
@@ -59,8 +78,10 @@ QString StatusNotifierItem::iconName() const
 QList<StatusPixmap> StatusNotifierItem::iconPixmap()
 {
     auto const shown = title();
-    if (pixmaps_.isEmpty() || std::exchange(drawnTitle_, shown) != shown)
-        pixmaps_ = statusPixmaps(shown, host_.look);
+    if (pixmaps_.isEmpty() || std::exchange(drawnTitle_, shown) != shown) {
+        auto const drawn = statusPixmaps(shown, host_.look);
+        pixmaps_ = QList<StatusPixmap>(drawn.begin(), drawn.end());
+    }
     return pixmaps_;
 }
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "desktop/StatusHost.h"
-#include "desktop/StatusIcon.h"
+#include "draw/StatusPixmap.h"
 #include "platform/StatusItem.h"
 #include "windows/OncePerTurn.h"
 
@@ -11,6 +11,12 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+
+/// (iiay)
+QDBusArgument& operator<<(QDBusArgument& argument, StatusPixmap const& pixmap);
+QDBusArgument const& operator>>(QDBusArgument const& argument, StatusPixmap& pixmap);
+
+Q_DECLARE_METATYPE(StatusPixmap)
 
 /// (sa(iiay)ss)
 struct StatusToolTip {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Whether every text can be read: its contrast with its ground, measured on the pixels of every window in every look.
-#include "desktop/StatusIcon.h"
+#include "draw/StatusIcon.h"
 #include "tests/support/EveryWindowTest.h"
 #include "windows/MenuMirror.h"
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/StatusIcon.h"
+#include "draw/StatusIcon.h"
 
 #include <QFont>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPixmap>
+#include <QStringList>
 #include <QtEndian>
 
 #include <algorithm>
@@ -42,6 +42,46 @@ QPainterPath letters(QString const& text)
     return path;
 }
 
+QStringList halves(QString const& text, qsizetype end, qsizetype begin)
+{
+    return { text.left(end).trimmed(), text.mid(begin).trimmed() };
+}
+
+// Breaks at the blank nearest to the middle.
+QStringList wrapped(QString const& text)
+{
+    auto const middle = text.size() / 2;
+    qsizetype best = -1;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        if (text[at].isSpace() && (best < 0 || qAbs(at - middle) < qAbs(best - middle)))
+            best = at;
+    }
+    if (best >= 0)
+        return halves(text, best, best);
+    if (text.size() <= longestWord)
+        return { text };
+    return halves(text, (text.size() + 1) / 2, (text.size() + 1) / 2);
+}
+
+// What of a title fits into a square: a figure over its unit, a wrapped text, or the last sign of a text that is cut
+// short.
+QStringList squareLines(QString const& title)
+{
+    auto const text = title.trimmed();
+    if (text.isEmpty())
+        return {};
+    qsizetype lastDigit = text.size() - 1;
+    while (lastDigit >= 0 && !text[lastDigit].isDigit())
+        --lastDigit;
+    if (lastDigit == text.size() - 1)
+        return { text };
+    if (lastDigit >= 0)
+        return halves(text, lastDigit + 1, lastDigit + 1);
+    if (text.endsWith(QChar(0x2026)))
+        return { text.right(1) };
+    return wrapped(text);
+}
+
 // One or two lines of letters, for icons of any size.
 struct Lettering {
     QPainterPath upper;
@@ -51,7 +91,7 @@ struct Lettering {
 
 Lettering letteringOf(QString const& title)
 {
-    auto const lines = statusIconLines(title);
+    auto const lines = squareLines(title);
     if (lines.size() < 2)
         return { letters(lines.value(0)), {} };
     bool const isFigure = lines[0].back().isDigit();
@@ -107,72 +147,8 @@ QImage draw(Lettering const& lettering, int size)
     return paint(fitted(lettering.upper, top) + fitted(lettering.lower, bottom), { size, size });
 }
 
-QStringList halves(QString const& text, qsizetype end, qsizetype begin)
-{
-    return { text.left(end).trimmed(), text.mid(begin).trimmed() };
-}
-
-// Breaks at the blank nearest to the middle.
-QStringList wrapped(QString const& text)
-{
-    auto const middle = text.size() / 2;
-    qsizetype best = -1;
-    for (qsizetype at = 0; at < text.size(); ++at) {
-        if (text[at].isSpace() && (best < 0 || qAbs(at - middle) < qAbs(best - middle)))
-            best = at;
-    }
-    if (best >= 0)
-        return halves(text, best, best);
-    if (text.size() <= longestWord)
-        return { text };
-    return halves(text, (text.size() + 1) / 2, (text.size() + 1) / 2);
-}
-
-StatusPixmap encoded(QImage const& image)
-{
-    StatusPixmap pixmap { image.width(), image.height(), QByteArray(image.sizeInBytes(), Qt::Uninitialized) };
-    qToBigEndian<quint32>(image.constBits(), qsizetype { image.width() } * image.height(), pixmap.pixels.data());
-    return pixmap;
-}
-
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, StatusPixmap const& pixmap)
-{
-    argument.beginStructure();
-    argument << pixmap.width << pixmap.height << pixmap.pixels;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument const& operator>>(QDBusArgument const& argument, StatusPixmap& pixmap)
-{
-    argument.beginStructure();
-    argument >> pixmap.width >> pixmap.height >> pixmap.pixels;
-    argument.endStructure();
-    return argument;
-}
-
-QStringList statusIconLines(QString const& title)
-{
-    auto const text = title.trimmed();
-    if (text.isEmpty())
-        return {};
-    qsizetype lastDigit = text.size() - 1;
-    while (lastDigit >= 0 && !text[lastDigit].isDigit())
-        --lastDigit;
-    if (lastDigit == text.size() - 1)
-        return { text };
-    if (lastDigit >= 0)
-        return halves(text, lastDigit + 1, lastDigit + 1);
-    if (text.endsWith(QChar(0x2026)))
-        return { text.right(1) };
-    return wrapped(text);
-}
-
-QImage drawStatusIcon(QString const& title, int size) { return draw(letteringOf(title), size); }
-
-QImage drawWideStatusIcon(QString const& title, int height)
+// The title on one line of this height.
+QImage drawWide(QString const& title, int height)
 {
     auto const path = letters(title);
     auto const bounds = path.boundingRect();
@@ -187,24 +163,35 @@ QImage drawWideStatusIcon(QString const& title, int height)
     return paint(place.map(path), { qCeil(bounds.width() * scale + 2 * margin), height });
 }
 
-QList<StatusPixmap> statusPixmaps(QString const& title, StatusLook look)
+StatusPixmap encoded(QImage const& image)
+{
+    StatusPixmap pixmap { image.width(), image.height(),
+        std::string(static_cast<std::size_t>(image.sizeInBytes()), 0) };
+    qToBigEndian<quint32>(image.constBits(), qsizetype { image.width() } * image.height(), pixmap.pixels.data());
+    return pixmap;
+}
+
+}
+
+QImage drawStatusIcon(QString const& title, int size) { return draw(letteringOf(title), size); }
+
+QList<QImage> statusImages(QString const& title, StatusLook look)
 {
     if (look == StatusLook::WideIcon)
-        return { encoded(drawWideStatusIcon(title, wideHeight)) };
+        return { drawWide(title, wideHeight) };
     if (look == StatusLook::Label)
         return {};
     auto const lettering = letteringOf(title);
-    QList<StatusPixmap> pixmaps;
+    QList<QImage> images;
     for (int const size : usualSizes)
-        pixmaps.push_back(encoded(draw(lettering, size)));
-    return pixmaps;
+        images.push_back(draw(lettering, size));
+    return images;
 }
 
-QIcon statusIcon(QString const& title)
+std::vector<StatusPixmap> statusPixmaps(QString const& title, StatusLook look)
 {
-    auto const lettering = letteringOf(title);
-    QIcon icon;
-    for (int const size : usualSizes)
-        icon.addPixmap(QPixmap::fromImage(draw(lettering, size)));
-    return icon;
+    std::vector<StatusPixmap> pixmaps;
+    for (auto const& image : statusImages(title, look))
+        pixmaps.push_back(encoded(image));
+    return pixmaps;
 }

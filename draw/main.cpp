@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+// Draws the status item's pictures for Usage Meter, which talks to it over its standard input and output: in comes one
+// StatusDrawing, out go the pictures. Exit status 0 says that they are whole.
+#include "draw/StatusIcon.h"
+
+#include <QGuiApplication>
+#include <QStringDecoder>
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <iostream>
+#include <iterator>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+
+namespace {
+
+// A font that brings the toolkit down leaves no core file behind with each picture.
+void limitResources()
+{
+    constexpr rlimit coreSize { 0, 0 };
+    setrlimit(RLIMIT_CORE, &coreSize);
+}
+
+// A theme may look for a display and bring a font of its own, and an input method looks for a bus.
+void keepFromDesktop()
+{
+    qunsetenv("QT_QPA_PLATFORMTHEME");
+    qunsetenv("QT_IM_MODULE");
+}
+
+}
+
+int main()
+{
+    limitResources();
+    keepFromDesktop();
+    // It has no work without the program that started it.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+
+    std::string const input(std::istreambuf_iterator<char>(std::cin), {});
+    auto const drawing = decodeDrawing(input);
+    if (!drawing)
+        return EXIT_FAILURE;
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    QString const title = decoder(QByteArrayView(drawing->title));
+    if (decoder.hasError())
+        return EXIT_FAILURE;
+
+    std::array<char, 17> name { "usage-meter-draw" };
+    std::array<char, 10> option { "-platform" };
+    std::array<char, 10> platform { "offscreen" };
+    std::array<char*, 4> arguments { name.data(), option.data(), platform.data(), nullptr };
+    int count = static_cast<int>(arguments.size()) - 1;
+    QGuiApplication const application(count, arguments.data());
+    std::cout << encode(statusPixmaps(title, drawing->look)) << std::flush;
+    return std::cout ? EXIT_SUCCESS : EXIT_FAILURE;
+}
