@@ -7,6 +7,7 @@
 #include "platform/Menu.h"
 #include "platform/Window.h"
 
+#include <array>
 #include <memory>
 
 /// The tag of the usage window's own button for the day-by-day window, which takes the usage window's place.
@@ -75,3 +76,8 @@ struct Outlets {
 
     DetailedUsageLayout detailedUsage;
 };
+
+inline std::array<platform::Window*, 4> windowsOf(Outlets& outlets)
+{
+    return { &outlets.window, &outlets.addKeyWindow, &outlets.monitorWindow, &outlets.detailedUsage.window };
+}

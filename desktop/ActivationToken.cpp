@@ -1,30 +1,31 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/ActivationToken.h"
 
-#include <QByteArray>
+#include "desktop/Environment.h"
+
+#include <cstdlib>
 
 namespace {
 
 constexpr char const* variable = "XDG_ACTIVATION_TOKEN";
 // In bytes. Compositors make tokens of some dozens.
-constexpr qsizetype maximumLength = 1024;
+constexpr std::size_t maximumLength = 1024;
 
 }
 
-void keepActivationToken(QString const& token)
+void keepActivationToken(std::string const& token)
 {
-    auto const bytes = token.toUtf8();
-    if (!bytes.isEmpty() && bytes.size() <= maximumLength)
-        qputenv(variable, bytes);
+    if (!token.empty() && token.size() <= maximumLength)
+        ::setenv(variable, token.c_str(), 1);
 }
 
-bool hasActivationToken() { return qEnvironmentVariableIsSet(variable); }
+bool hasActivationToken() { return !environmentText(variable).empty(); }
 
-void dropActivationToken() { qunsetenv(variable); }
+void dropActivationToken() { ::unsetenv(variable); }
 
-QString takeActivationToken()
+std::string takeActivationToken()
 {
-    auto token = qEnvironmentVariable(variable);
+    auto token = environmentText(variable);
     dropActivationToken();
     return token;
 }

@@ -1,38 +1,34 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "desktop/Bus.h"
 #include "platform/Color.h"
-
-#include <QDBusConnection>
-#include <QDBusServiceWatcher>
-#include <QDBusVariant>
-#include <QObject>
 
 #include <functional>
 #include <optional>
+#include <string_view>
 
 /// Follows the desktop's preference for light or dark windows and for high contrast, as the settings portal tells it
 /// (org.freedesktop.portal.Settings). Where a portal does not know of contrast, GNOME's own setting counts. Nothing is
-/// told until there is a portal.
-class ColorScheme final : public QObject {
-    Q_OBJECT
-
+/// told until there is a portal. Main thread only.
+class ColorScheme final {
 public:
     /// Asks at once and waits for nobody; tells the present preference and every later one.
-    ColorScheme(QDBusConnection bus, std::function<void(platform::Appearance)> observer);
-
-private slots:
-    void settingChanged(QString const& space, QString const& key, QDBusVariant const& value);
+    ColorScheme(Bus& bus, std::function<void(platform::Appearance)> observer);
 
 private:
     void read();
-    void accept(QString const& space, QString const& key, uint value);
+    void acceptAll(sd_bus_message* reply);
+    void settingChanged(sd_bus_message* signal);
+    void accept(std::string_view space, std::string_view key, std::uint32_t value);
     void tell();
     platform::Appearance appearance() const;
 
-    QDBusConnection bus_;
+    Bus& bus_;
     std::function<void(platform::Appearance)> observer_;
-    QDBusServiceWatcher portal_;
+    BusSlot changes_;
+    BusSlot portal_;
+    BusSlot reading_;
     bool isDark_ = false;
     std::optional<bool> isHighContrast_;
     bool isHighContrastInGnome_ = false;

@@ -2,234 +2,316 @@
 #include "desktop/DBusMenu.h"
 
 #include "desktop/ActivationToken.h"
-#include "windows/Text.h"
-
-#include <QDBusMetaType>
-#include <QGuiApplication>
+#include "desktop/Text.h"
 
 #include <algorithm>
 #include <array>
+#include <string_view>
+#include <utility>
 
 namespace {
 
 constexpr int rootId = 0;
+constexpr char const* interface = "com.canonical.dbusmenu";
 
-constexpr QLatin1Char mark('_');
+constexpr char mark = '_';
 
 // A single underscore would mark the next letter as the line's key.
-QString escaped(std::string const& title) { return asMenuLine(title).replace(mark, QStringLiteral("__")); }
+std::string escaped(std::string const& title)
+{
+    std::string text;
+    for (char const character : asMenuLine(title))
+        text.append(character == mark ? 2 : 1, character);
+    return text;
+}
 
-QString escapedOnce(std::string const& title)
+std::string escapedOnce(std::string const& title)
 {
     auto text = asMenuLine(title);
-    for (qsizetype at = 0; at + 1 < text.size(); ++at) {
+    for (std::size_t at = 0; at + 1 < text.size(); ++at) {
         if (text[at] == mark && text[at + 1] != mark)
-            return text.insert(at, mark);
+            return text.insert(at, 1, mark);
     }
     return text;
 }
 
-// What the protocol says of a line that does not carry the property.
-QVariantMap const& defaults()
+bool isEventName(std::string_view name)
 {
-    static QVariantMap const values {
-        { QStringLiteral("type"), QStringLiteral("standard") },
-        { QStringLiteral("label"), QString() },
-        { QStringLiteral("enabled"), true },
-        { QStringLiteral("visible"), true },
-        { QStringLiteral("toggle-type"), QString() },
-        { QStringLiteral("toggle-state"), -1 },
-        { QStringLiteral("children-display"), QString() },
-    };
-    return values;
+    constexpr std::array<std::string_view, 4> known { "clicked", "hovered", "opened", "closed" };
+    return name.starts_with("x-") || std::ranges::find(known, name) != known.end();
 }
 
-bool isEventName(QString const& name)
+int refuse(sd_bus_error* error, char const* reason)
 {
-    static constexpr std::array known { "clicked", "hovered", "opened", "closed" };
-    return name.startsWith(QLatin1String("x-"))
-        || std::ranges::any_of(known, [&name](char const* event) { return name == QLatin1String(event); });
+    return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, reason);
 }
 
-QSet<QString> setOf(QStringList const& names) { return { names.begin(), names.end() }; }
+int refuseLine(sd_bus_error* error) { return refuse(error, "there is no such line"); }
+
+std::set<std::string> readNames(sd_bus_message* call)
+{
+    std::set<std::string> names;
+    char const* name = nullptr;
+    sd_bus_message_enter_container(call, SD_BUS_TYPE_ARRAY, "s");
+    while (sd_bus_message_read(call, "s", &name) > 0)
+        names.insert(name);
+    sd_bus_message_exit_container(call);
+    return names;
+}
+
+// An id that is asked for a million times is answered once.
+std::vector<int> readIds(sd_bus_message* call)
+{
+    void const* data = nullptr;
+    std::size_t size = 0;
+    sd_bus_message_read_array(call, SD_BUS_TYPE_INT32, &data, &size);
+    auto const* const first = static_cast<std::int32_t const*>(data);
+    std::vector<int> ids(first, first + size / sizeof(std::int32_t));
+    std::ranges::sort(ids);
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+    return ids;
+}
+
+void writeIds(sd_bus_message* message, std::vector<int> const& ids)
+{
+    sd_bus_message_append_array(message, SD_BUS_TYPE_INT32, ids.data(), ids.size() * sizeof(std::int32_t));
+}
+
+void writeNames(sd_bus_message* message, int id, std::vector<std::string> const& names)
+{
+    sd_bus_message_open_container(message, SD_BUS_TYPE_STRUCT, "ias");
+    sd_bus_message_append(message, "i", id);
+    sd_bus_message_open_container(message, SD_BUS_TYPE_ARRAY, "s");
+    for (auto const& name : names)
+        append(message, name);
+    sd_bus_message_close_container(message);
+    sd_bus_message_close_container(message);
+}
+
+BusMessage replyTo(sd_bus_message* call)
+{
+    sd_bus_message* reply = nullptr;
+    sd_bus_message_new_method_return(call, &reply);
+    return BusMessage(reply);
+}
+
+int send(BusMessage const& reply) { return sd_bus_message_send(reply.get()); }
 
 }
 
-QDBusArgument& operator<<(QDBusArgument& argument, DBusMenuProperties const& line)
-{
-    argument.beginStructure();
-    argument << line.id << line.properties;
-    argument.endStructure();
-    return argument;
-}
+sd_bus_vtable const DBusMenu::members[] = {
+    SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("GetLayout", "iias", "u(ia{sv}av)", (onCall<DBusMenu, &DBusMenu::getLayout>), 0),
+    SD_BUS_METHOD("GetGroupProperties", "aias", "a(ia{sv})", (onCall<DBusMenu, &DBusMenu::getGroupProperties>), 0),
+    SD_BUS_METHOD("GetProperty", "is", "v", (onCall<DBusMenu, &DBusMenu::getProperty>), 0),
+    SD_BUS_METHOD("Event", "isvu", "", (onCall<DBusMenu, &DBusMenu::event>), 0),
+    SD_BUS_METHOD("EventGroup", "a(isvu)", "ai", (onCall<DBusMenu, &DBusMenu::eventGroup>), 0),
+    SD_BUS_METHOD("AboutToShow", "i", "b", (onCall<DBusMenu, &DBusMenu::aboutToShow>), 0),
+    SD_BUS_METHOD("AboutToShowGroup", "ai", "aiai", (onCall<DBusMenu, &DBusMenu::aboutToShowGroup>), 0),
+    SD_BUS_PROPERTY("Version", "u", (onGet<DBusMenu, &DBusMenu::writeVersion>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("Status", "s", (onGetText<DBusMenu, &DBusMenu::status>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY(
+        "TextDirection", "s", (onGetText<DBusMenu, &DBusMenu::textDirection>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY(
+        "IconThemePath", "as", (onGet<DBusMenu, &DBusMenu::writeIconThemePath>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_SIGNAL("ItemsPropertiesUpdated", "a(ia{sv})a(ias)", 0),
+    SD_BUS_SIGNAL("LayoutUpdated", "ui", 0),
+    SD_BUS_VTABLE_END,
+};
 
-QDBusArgument const& operator>>(QDBusArgument const& argument, DBusMenuProperties& line)
-{
-    argument.beginStructure();
-    argument >> line.id >> line.properties;
-    argument.endStructure();
-    return argument;
-}
+DBusMenu::Properties const DBusMenu::defaults {
+    { "type", "standard" },
+    { "label", "" },
+    { "enabled", true },
+    { "visible", true },
+    { "toggle-type", "" },
+    { "toggle-state", -1 },
+    { "children-display", "" },
+};
 
-QDBusArgument& operator<<(QDBusArgument& argument, DBusMenuRemovedProperties const& line)
+DBusMenu::DBusMenu(platform::Menu& menu, char const* path, TextDirection direction, Bus& bus)
+    : bus_(bus)
+    , path_(path)
+    , direction_(direction)
+    , update_(bus.loop(), [this] { update(); })
+    , object_(bus.addObject(path, interface, members, this))
 {
-    argument.beginStructure();
-    argument << line.id << line.names;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument const& operator>>(QDBusArgument const& argument, DBusMenuRemovedProperties& line)
-{
-    argument.beginStructure();
-    argument >> line.id >> line.names;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, DBusMenuLayout const& line)
-{
-    argument.beginStructure();
-    argument << line.id << line.properties;
-    argument.beginArray(QMetaType::fromType<QDBusVariant>());
-    for (auto const& child : line.children)
-        argument << QDBusVariant(QVariant::fromValue(child));
-    argument.endArray();
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument const& operator>>(QDBusArgument const& argument, DBusMenuLayout& line)
-{
-    argument.beginStructure();
-    argument >> line.id >> line.properties;
-    argument.beginArray();
-    while (!argument.atEnd()) {
-        QDBusVariant child;
-        argument >> child;
-        line.children.push_back(qdbus_cast<DBusMenuLayout>(child.variant()));
-    }
-    argument.endArray();
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument& operator<<(QDBusArgument& argument, DBusMenuEvent const& event)
-{
-    argument.beginStructure();
-    argument << event.id << event.name << event.data << event.timestamp;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument const& operator>>(QDBusArgument const& argument, DBusMenuEvent& event)
-{
-    argument.beginStructure();
-    argument >> event.id >> event.name >> event.data >> event.timestamp;
-    argument.endStructure();
-    return argument;
-}
-
-DBusMenu::DBusMenu(platform::Menu& menu)
-    : update_([this] { update(); })
-{
-    qDBusRegisterMetaType<DBusMenuProperties>();
-    qDBusRegisterMetaType<QList<DBusMenuProperties>>();
-    qDBusRegisterMetaType<DBusMenuRemovedProperties>();
-    qDBusRegisterMetaType<QList<DBusMenuRemovedProperties>>();
-    qDBusRegisterMetaType<DBusMenuLayout>();
-    qDBusRegisterMetaType<DBusMenuEvent>();
-    qDBusRegisterMetaType<QList<DBusMenuEvent>>();
     Line root;
     root.submenu = &menu;
     add(nullptr, std::move(root));
 }
 
-QString DBusMenu::textDirection() const
+std::string DBusMenu::textDirection() const { return direction_ == TextDirection::RightToLeft ? "rtl" : "ltr"; }
+
+void DBusMenu::writeVersion(sd_bus_message* reply) const { sd_bus_message_append(reply, "u", 4); }
+
+void DBusMenu::writeIconThemePath(sd_bus_message* reply) const { sd_bus_message_append(reply, "as", 0); }
+
+// Any negative depth means everything.
+int DBusMenu::getLayout(sd_bus_message* call, sd_bus_error* error)
 {
-    return QGuiApplication::isRightToLeft() ? QStringLiteral("rtl") : QStringLiteral("ltr");
+    int id = 0;
+    int depth = 0;
+    sd_bus_message_read(call, "ii", &id, &depth);
+    if (!find(id))
+        return refuseLine(error);
+    auto const reply = replyTo(call);
+    sd_bus_message_append(reply.get(), "u", revision_);
+    writeLayout(reply.get(), id, depth, readNames(call));
+    return send(reply);
 }
 
-uint DBusMenu::GetLayout(int parentId, int recursionDepth, QStringList const& propertyNames, DBusMenuLayout& layout)
+// No ids mean every line that is known.
+int DBusMenu::getGroupProperties(sd_bus_message* call, sd_bus_error* /*error*/)
 {
-    if (findOrRefuse(parentId))
-        layout = this->layout(parentId, recursionDepth, setOf(propertyNames));
-    return revision_;
-}
-
-QList<DBusMenuProperties> DBusMenu::GetGroupProperties(QList<int> const& ids, QStringList const& propertyNames)
-{
-    auto const names = setOf(propertyNames);
-    QList<DBusMenuProperties> found;
-    if (ids.isEmpty()) {
+    auto const ids = readIds(call);
+    auto const names = readNames(call);
+    auto const reply = replyTo(call);
+    sd_bus_message_open_container(reply.get(), SD_BUS_TYPE_ARRAY, "(ia{sv})");
+    if (ids.empty()) {
         for (auto const& [id, node] : nodes_)
-            found.push_back({ id, properties(node.line, names) });
-        return found;
+            writeProperties(reply.get(), id, properties(node.line, names));
     }
-    // An id that is asked for a million times is answered once.
-    for (int const id : QSet<int>(ids.begin(), ids.end())) {
+    for (int const id : ids) {
         if (auto const* node = find(id))
-            found.push_back({ id, properties(node->line, names) });
+            writeProperties(reply.get(), id, properties(node->line, names));
     }
-    return found;
+    sd_bus_message_close_container(reply.get());
+    return send(reply);
 }
 
-QDBusVariant DBusMenu::GetProperty(int id, QString const& name)
+int DBusMenu::getProperty(sd_bus_message* call, sd_bus_error* error)
 {
-    auto const* node = findOrRefuse(id);
+    int id = 0;
+    char const* name = "";
+    sd_bus_message_read(call, "is", &id, &name);
+    auto const* node = find(id);
     if (!node)
-        return {};
-    auto const value = properties(node->line).value(name, defaults().value(name));
-    if (value.isValid())
-        return QDBusVariant(value);
-    sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("a line has no such property"));
-    return {};
+        return refuseLine(error);
+    auto values = properties(node->line);
+    values.insert(defaults.begin(), defaults.end());
+    auto const value = values.find(name);
+    if (value == values.end())
+        return refuse(error, "a line has no such property");
+    auto const reply = replyTo(call);
+    write(reply.get(), value->second);
+    return send(reply);
 }
 
-void DBusMenu::Event(int id, QString const& eventId, QDBusVariant const& /*data*/, uint /*timestamp*/)
+int DBusMenu::event(sd_bus_message* call, sd_bus_error* error)
 {
-    if (!findOrRefuse(id))
-        return;
-    if (!isEventName(eventId)) {
-        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("there is no such event"));
-        return;
-    }
-    queueEvent(id, eventId);
+    int id = 0;
+    char const* name = "";
+    sd_bus_message_read(call, "is", &id, &name);
+    if (!find(id))
+        return refuseLine(error);
+    if (!isEventName(name))
+        return refuse(error, "there is no such event");
+    queueEvent(id, name);
+    return sd_bus_reply_method_return(call, "");
 }
 
-QList<int> DBusMenu::EventGroup(QList<DBusMenuEvent> const& events)
+int DBusMenu::eventGroup(sd_bus_message* call, sd_bus_error* error)
 {
-    QList<int> unknown;
-    for (auto const& event : events) {
-        if (find(event.id))
-            queueEvent(event.id, event.name);
+    std::vector<int> unknown;
+    std::size_t count = 0;
+    sd_bus_message_enter_container(call, SD_BUS_TYPE_ARRAY, "(isvu)");
+    for (; sd_bus_message_enter_container(call, SD_BUS_TYPE_STRUCT, "isvu") > 0; ++count) {
+        int id = 0;
+        char const* name = "";
+        sd_bus_message_read(call, "is", &id, &name);
+        sd_bus_message_skip(call, "vu");
+        sd_bus_message_exit_container(call);
+        if (find(id))
+            queueEvent(id, name);
         else
-            unknown.push_back(event.id);
+            unknown.push_back(id);
     }
-    if (!events.isEmpty() && unknown.size() == events.size())
-        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("there are no such lines"));
-    return unknown;
+    if (count > 0 && unknown.size() == count)
+        return refuse(error, "there are no such lines");
+    auto const reply = replyTo(call);
+    writeIds(reply.get(), unknown);
+    return send(reply);
 }
 
-bool DBusMenu::AboutToShow(int id)
+int DBusMenu::aboutToShow(sd_bus_message* call, sd_bus_error* error)
 {
-    auto const* node = findOrRefuse(id);
-    return node && willShow(*node);
+    int id = 0;
+    sd_bus_message_read(call, "i", &id);
+    auto const* node = find(id);
+    if (!node)
+        return refuseLine(error);
+    return sd_bus_reply_method_return(call, "b", int { willShow(*node) });
 }
 
-QList<int> DBusMenu::AboutToShowGroup(QList<int> const& ids, QList<int>& idErrors)
+int DBusMenu::aboutToShowGroup(sd_bus_message* call, sd_bus_error* error)
 {
-    QList<int> outdated;
-    for (int const id : QSet<int>(ids.begin(), ids.end())) {
+    auto const ids = readIds(call);
+    std::vector<int> outdated;
+    std::vector<int> unknown;
+    for (int const id : ids) {
         auto const* node = find(id);
         if (!node)
-            idErrors.push_back(id);
+            unknown.push_back(id);
         else if (willShow(*node))
             outdated.push_back(id);
     }
-    if (!ids.isEmpty() && outdated.isEmpty() && idErrors.size() == QSet<int>(ids.begin(), ids.end()).size())
-        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("there are no such lines"));
-    return outdated;
+    if (!ids.empty() && unknown.size() == ids.size())
+        return refuse(error, "there are no such lines");
+    auto const reply = replyTo(call);
+    writeIds(reply.get(), outdated);
+    writeIds(reply.get(), unknown);
+    return send(reply);
+}
+
+void DBusMenu::write(sd_bus_message* message, Value const& value)
+{
+    if (auto const* const truth = std::get_if<bool>(&value)) {
+        sd_bus_message_append(message, "v", "b", int { *truth });
+    } else if (auto const* const number = std::get_if<std::int32_t>(&value)) {
+        sd_bus_message_append(message, "v", "i", *number);
+    } else {
+        sd_bus_message_open_container(message, SD_BUS_TYPE_VARIANT, "s");
+        append(message, std::get<std::string>(value));
+        sd_bus_message_close_container(message);
+    }
+}
+
+void DBusMenu::write(sd_bus_message* message, Properties const& properties)
+{
+    sd_bus_message_open_container(message, SD_BUS_TYPE_ARRAY, "{sv}");
+    for (auto const& [name, value] : properties) {
+        sd_bus_message_open_container(message, SD_BUS_TYPE_DICT_ENTRY, "sv");
+        append(message, name);
+        write(message, value);
+        sd_bus_message_close_container(message);
+    }
+    sd_bus_message_close_container(message);
+}
+
+void DBusMenu::writeProperties(sd_bus_message* message, int id, Properties const& properties)
+{
+    sd_bus_message_open_container(message, SD_BUS_TYPE_STRUCT, "ia{sv}");
+    sd_bus_message_append(message, "i", id);
+    write(message, properties);
+    sd_bus_message_close_container(message);
+}
+
+void DBusMenu::writeLayout(sd_bus_message* message, int id, int depth, Names const& names)
+{
+    sd_bus_message_open_container(message, SD_BUS_TYPE_STRUCT, "ia{sv}av");
+    sd_bus_message_append(message, "i", id);
+    write(message, properties(nodes_.at(id).line, names));
+    sd_bus_message_open_container(message, SD_BUS_TYPE_ARRAY, "v");
+    if (depth != 0)
+        list(id);
+    for (int const child : depth == 0 ? std::vector<int>() : nodes_.at(id).children) {
+        sd_bus_message_open_container(message, SD_BUS_TYPE_VARIANT, "(ia{sv}av)");
+        writeLayout(message, child, depth < 0 ? depth : depth - 1, names);
+        sd_bus_message_close_container(message);
+    }
+    sd_bus_message_close_container(message);
+    sd_bus_message_close_container(message);
 }
 
 // Whether the lines under it have to be asked for. What changes at this moment is told like any other change.
@@ -255,25 +337,25 @@ bool DBusMenu::isUnchanged(Line const& told, platform::MenuItem const& item)
     return told.title == item.title.get() && told.hidden == item.hidden.get() && told.on == item.on.get();
 }
 
-QVariantMap DBusMenu::properties(Line const& line, QSet<QString> const& names) const
+DBusMenu::Properties DBusMenu::properties(Line const& line, Names const& names) const
 {
-    QVariantMap values;
-    auto const set = [&](QString const& name, QVariant const& value) {
-        if (names.isEmpty() || names.contains(name))
-            values.insert(name, value);
+    Properties values;
+    auto const set = [&](char const* name, Value value) {
+        if (names.empty() || names.contains(name))
+            values.emplace(name, std::move(value));
     };
     if (line.isSeparator)
-        set(QStringLiteral("type"), QStringLiteral("separator"));
+        set("type", "separator");
     else if (!line.title.empty())
-        set(QStringLiteral("label"), marksFirstUnderscoreOnly_ ? escapedOnce(line.title) : escaped(line.title));
+        set("label", marksFirstUnderscoreOnly_ ? escapedOnce(line.title) : escaped(line.title));
     if (line.hidden)
-        set(QStringLiteral("visible"), false);
+        set("visible", false);
     if (line.isChoice) {
-        set(QStringLiteral("toggle-type"), QStringLiteral("checkmark"));
-        set(QStringLiteral("toggle-state"), line.on ? 1 : 0);
+        set("toggle-type", "checkmark");
+        set("toggle-state", line.on ? 1 : 0);
     }
     if (line.submenu)
-        set(QStringLiteral("children-display"), QStringLiteral("submenu"));
+        set("children-display", "submenu");
     return values;
 }
 
@@ -289,14 +371,6 @@ DBusMenu::Node* DBusMenu::find(int id)
 {
     auto const found = nodes_.find(id);
     return found == nodes_.end() ? nullptr : &found->second;
-}
-
-DBusMenu::Node* DBusMenu::findOrRefuse(int id)
-{
-    auto* const node = find(id);
-    if (!node)
-        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("there is no such line"));
-    return node;
 }
 
 int DBusMenu::add(std::shared_ptr<platform::MenuItem> item, Line line)
@@ -364,37 +438,28 @@ void DBusMenu::tell(int id, Line line, Changes& changes)
     auto const after = properties(line);
     told = std::move(line);
 
-    DBusMenuProperties updated { id, {} };
-    for (auto const& [name, value] : after.asKeyValueRange()) {
-        if (before.value(name) != value)
-            updated.properties.insert(name, value);
+    LineChange change { id, {}, {} };
+    for (auto const& [name, value] : after) {
+        auto const former = before.find(name);
+        if (former == before.end() || former->second != value)
+            change.updated.emplace(name, value);
     }
-    DBusMenuRemovedProperties removed { id, {} };
-    for (auto const& [name, value] : before.asKeyValueRange()) {
+    for (auto const& [name, value] : before) {
         if (!after.contains(name))
-            removed.names.push_back(name);
+            change.removed.push_back(name);
     }
-    if (!updated.properties.isEmpty())
-        changes.updated.push_back(updated);
-    if (!removed.names.isEmpty())
-        changes.removed.push_back(removed);
+    if (!change.updated.empty() || !change.removed.empty())
+        changes.lines.push_back(std::move(change));
 }
 
-DBusMenuLayout DBusMenu::layout(int id, int depth, QSet<QString> const& names)
+void DBusMenu::queueEvent(int id, std::string_view name)
 {
-    DBusMenuLayout result { id, properties(nodes_.at(id).line, names), {} };
-    if (depth == 0)
-        return result;
-    list(id);
-    for (int const child : nodes_.at(id).children)
-        result.children.push_back(layout(child, depth < 0 ? depth : depth - 1, names));
-    return result;
-}
-
-void DBusMenu::queueEvent(int id, QString const& name)
-{
-    if (name == QLatin1String("clicked"))
-        QMetaObject::invokeMethod(this, [this, id] { click(id); }, Qt::QueuedConnection);
+    if (name != "clicked")
+        return;
+    bus_.loop().perform([this, id, life = std::weak_ptr(life_)] {
+        if (!life.expired())
+            click(id);
+    });
 }
 
 void DBusMenu::click(int id)
@@ -420,9 +485,28 @@ void DBusMenu::update()
         if (find(id))
             synchronize(id, changes);
     }
-    if (!changes.updated.isEmpty() || !changes.removed.isEmpty())
-        Q_EMIT ItemsPropertiesUpdated(changes.updated, changes.removed);
+    if (!changes.lines.empty())
+        tellOfLines(changes.lines);
     if (changes.layouts.empty())
         return;
-    Q_EMIT LayoutUpdated(++revision_, changes.layouts.size() == 1 ? changes.layouts.front() : rootId);
+    int const parent = changes.layouts.size() == 1 ? changes.layouts.front() : rootId;
+    bus_.emit(path_, interface, "LayoutUpdated", "ui", ++revision_, parent);
+}
+
+void DBusMenu::tellOfLines(std::vector<LineChange> const& changes)
+{
+    auto signal = bus_.signal(path_, interface, "ItemsPropertiesUpdated");
+    sd_bus_message_open_container(signal.get(), SD_BUS_TYPE_ARRAY, "(ia{sv})");
+    for (auto const& change : changes) {
+        if (!change.updated.empty())
+            writeProperties(signal.get(), change.id, change.updated);
+    }
+    sd_bus_message_close_container(signal.get());
+    sd_bus_message_open_container(signal.get(), SD_BUS_TYPE_ARRAY, "(ias)");
+    for (auto const& change : changes) {
+        if (!change.removed.empty())
+            writeNames(signal.get(), change.id, change.removed);
+    }
+    sd_bus_message_close_container(signal.get());
+    bus_.send(std::move(signal));
 }

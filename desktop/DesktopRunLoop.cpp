@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/DesktopRunLoop.h"
 
-#include <QTimer>
-
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
+#include <cstdlib>
 #include <ctime>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
 
@@ -21,17 +21,50 @@ platform::Seconds read(clockid_t clock)
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
-std::chrono::milliseconds wholeMilliseconds(platform::Seconds duration)
+timespec toTimespec(std::chrono::nanoseconds duration)
 {
-    return std::chrono::ceil<std::chrono::milliseconds>(std::max(duration, platform::Seconds::zero()));
+    auto const seconds = std::chrono::floor<std::chrono::seconds>(duration);
+    return { .tv_sec = seconds.count(), .tv_nsec = (duration - seconds).count() };
 }
 
-// A timer may go away while its own signal is being delivered.
-struct DeleteLater {
-    void operator()(QTimer* timer) const { timer->deleteLater(); }
+int alarmAfter(platform::Seconds delay)
+{
+    int const alarm = ::timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
+    // No time at all would switch it off.
+    auto const time = std::max(std::chrono::ceil<std::chrono::nanoseconds>(delay), 1ns);
+    itimerspec const due { .it_interval = {}, .it_value = toTimespec(time) };
+    ::timerfd_settime(alarm, 0, &due, nullptr);
+    return alarm;
+}
+
+}
+
+class DesktopRunLoop::DescriptorWatch final : public DesktopRunLoop::Watch {
+public:
+    DescriptorWatch(DesktopRunLoop& loop, int descriptor, std::uint32_t events)
+        : loop_(loop)
+        , descriptor_(descriptor)
+    {
+        control(EPOLL_CTL_ADD, events);
+    }
+    ~DescriptorWatch() override
+    {
+        control(EPOLL_CTL_DEL, 0);
+        loop_.ready_.erase(descriptor_);
+    }
+
+    void setEvents(std::uint32_t events) override { control(EPOLL_CTL_MOD, events); }
+
+private:
+    void control(int operation, std::uint32_t events) const
+    {
+        epoll_event event { .events = events, .data = { .fd = descriptor_ } };
+        ::epoll_ctl(loop_.epoll_.get(), operation, descriptor_, &event);
+    }
+
+    DesktopRunLoop& loop_;
+    int descriptor_;
 };
-
-}
 
 class DesktopRunLoop::WallClockTimer final : public platform::Timer {
 public:
@@ -74,48 +107,83 @@ class DesktopRunLoop::EvenTimer final : public platform::Timer {
 public:
     EvenTimer(DesktopRunLoop& loop, platform::Seconds delay, platform::Task task)
         : fireDate_(loop.now() + std::chrono::duration_cast<platform::Date::duration>(delay))
-        , timer_(new QTimer)
+        , alarm_(alarmAfter(delay))
+        , watch_(
+              loop.watch(alarm_.get(), EPOLLIN, [this, &loop, weak = std::weak_ptr(isKept_), task = std::move(task)] {
+                  // Those who are told of a wake may cancel what is due.
+                  loop.noticeSleep();
+                  if (weak.expired() || !isValid())
+                      return;
+                  auto const fired = task;
+                  cancel();
+                  fired();
+              }))
     {
-        timer_->setSingleShot(true);
-        timer_->setTimerType(Qt::PreciseTimer);
-        timer_->callOnTimeout([&loop, cancelled = cancelled_, task = std::move(task)] {
-            // Those who are told of a wake may cancel what is due.
-            loop.noticeSleep();
-            auto const kept = task;
-            if (!*cancelled)
-                kept();
-        });
-        timer_->start(wholeMilliseconds(delay));
     }
-    ~EvenTimer() override { *cancelled_ = true; }
 
     platform::Date fireDate() const override { return fireDate_; }
-    bool isValid() const override { return timer_->isActive(); }
-    void cancel() override
-    {
-        *cancelled_ = true;
-        timer_->stop();
-    }
+    bool isValid() const override { return watch_ != nullptr; }
+    void cancel() override { watch_.reset(); }
 
 private:
     platform::Date fireDate_;
-    std::shared_ptr<bool> cancelled_ = std::make_shared<bool>(false);
-    std::unique_ptr<QTimer, DeleteLater> timer_;
+    platform::Descriptor alarm_;
+    /// Goes with the timer.
+    std::shared_ptr<bool> isKept_ = std::make_shared<bool>();
+    std::unique_ptr<Watch> watch_;
 };
 
 DesktopRunLoop::DesktopRunLoop()
-    : alarm_(timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC))
-    , alarmNotifier_(alarm_, QSocketNotifier::Read)
+    : epoll_(::epoll_create1(EPOLL_CLOEXEC))
+    , tasksEvent_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC | EFD_SEMAPHORE))
+    , tasksWatch_(watch(tasksEvent_.get(), EPOLLIN, [this] { performNext(); }))
+    , alarm_(::timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC))
+    , alarmWatch_(watch(alarm_.get(), EPOLLIN, [this] { wallClockReached(); }))
     , sleepWatch_(read(CLOCK_BOOTTIME), read(CLOCK_MONOTONIC))
 {
-    QObject::connect(&alarmNotifier_, &QSocketNotifier::activated, &context_, [this] { wallClockReached(); });
     setAlarm();
 }
 
-DesktopRunLoop::~DesktopRunLoop()
+DesktopRunLoop::~DesktopRunLoop() = default;
+
+int DesktopRunLoop::run()
 {
-    alarmNotifier_.setEnabled(false);
-    close(alarm_);
+    while (!exitStatus_ && !outer_)
+        runNext(-1);
+    if (!exitStatus_)
+        outer_->run();
+    return exitStatus_.value_or(EXIT_SUCCESS);
+}
+
+void DesktopRunLoop::quit(int status)
+{
+    exitStatus_ = status;
+    if (outer_)
+        outer_->quit();
+}
+
+std::unique_ptr<DesktopRunLoop::Watch> DesktopRunLoop::watch(int descriptor, std::uint32_t events, platform::Task ready)
+{
+    ready_[descriptor] = std::make_shared<platform::Task>(std::move(ready));
+    return std::make_unique<DescriptorWatch>(*this, descriptor, events);
+}
+
+// One at a time: what it does may take the next one away.
+void DesktopRunLoop::runNext(int patience)
+{
+    epoll_event event {};
+    int const count = ::epoll_wait(epoll_.get(), &event, 1, patience);
+    // Out of descriptors from the start.
+    if (count < 0 && errno != EINTR)
+        quit(EXIT_FAILURE);
+    if (count < 1)
+        return;
+    auto const found = ready_.find(event.data.fd);
+    if (found == ready_.end())
+        return;
+    // Kept, for it may take its own watch away.
+    auto const ready = found->second;
+    (*ready)();
 }
 
 platform::Date DesktopRunLoop::now() const { return std::chrono::system_clock::now(); }
@@ -124,17 +192,20 @@ platform::Seconds DesktopRunLoop::uptime() const { return read(CLOCK_MONOTONIC);
 
 void DesktopRunLoop::perform(platform::Task task)
 {
-    // The toolkit's own queue would do, but the thread sanitizer does not see that it orders anything.
     {
         std::scoped_lock const lock(tasksMutex_);
         tasks_.push_back(std::move(task));
     }
-    QMetaObject::invokeMethod(&context_, [this] { performNext(); }, Qt::QueuedConnection);
+    ::eventfd_write(tasksEvent_.get(), 1);
 }
 
 void DesktopRunLoop::performNext()
 {
+    eventfd_t one = 0;
+    ::eventfd_read(tasksEvent_.get(), &one);
     std::unique_lock lock(tasksMutex_);
+    if (tasks_.empty())
+        return;
     auto const task = std::move(tasks_.front());
     tasks_.pop_front();
     lock.unlock();
@@ -154,7 +225,12 @@ std::unique_ptr<platform::Timer> DesktopRunLoop::after(platform::Seconds delay, 
 
 void DesktopRunLoop::performAfter(platform::Seconds delay, platform::Task task)
 {
-    QTimer::singleShot(wholeMilliseconds(delay), Qt::PreciseTimer, &context_, std::move(task));
+    auto const place = keptTimers_.emplace(keptTimers_.end());
+    *place = after(delay, [this, place, task = std::move(task)] {
+        auto const fired = task;
+        keptTimers_.erase(place);
+        fired();
+    });
 }
 
 platform::Subscription DesktopRunLoop::observeWake(platform::Task observer)
@@ -191,19 +267,17 @@ void DesktopRunLoop::setAlarm()
     auto const* const next = nextWallClockTimer();
     platform::Date const due = next ? next->fireDate() : now() + 24h * 365;
     auto const sinceEpoch = std::max(due.time_since_epoch(), platform::Date::duration(1));
-    auto const seconds = std::chrono::floor<std::chrono::seconds>(sinceEpoch);
-    itimerspec alarm {};
-    alarm.it_value.tv_sec = seconds.count();
-    alarm.it_value.tv_nsec = std::chrono::nanoseconds(sinceEpoch - seconds).count();
+    itimerspec const alarm { .it_interval = {}, .it_value = toTimespec(sinceEpoch) };
     // The kernel tells only once, here or at the next read, that the clock was set.
-    if (timerfd_settime(alarm_, TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &alarm, nullptr) < 0 && errno == ECANCELED)
+    if (timerfd_settime(alarm_.get(), TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &alarm, nullptr) < 0
+        && errno == ECANCELED)
         perform([this] { clockObservers_.tell(); });
 }
 
 void DesktopRunLoop::wallClockReached()
 {
     std::uint64_t expirations = 0;
-    bool const wasSet = ::read(alarm_, &expirations, sizeof expirations) < 0 && errno == ECANCELED;
+    bool const wasSet = ::read(alarm_.get(), &expirations, sizeof expirations) < 0 && errno == ECANCELED;
     noticeSleep();
     if (wasSet)
         clockObservers_.tell();

@@ -1,18 +1,40 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "desktop/LateWindows.h"
 #include "platform/Application.h"
 #include "platform/Workspace.h"
 
-/// The user's desktop, through Qt.
+#include <cstdlib>
+
+/// The user's desktop, as our windows reach it.
 class DesktopWorkspace final : public platform::Workspace {
 public:
-    void open(std::string const& url) override;
+    /// Until then nothing can be opened.
+    void useWindows(LateWindows& windows) { windows_ = &windows; }
+
+    void open(std::string const& url) override
+    {
+        if (auto* const loaded = windows_ ? windows_->load() : nullptr)
+            loaded->open(url);
+    }
+
+private:
+    LateWindows* windows_ = nullptr;
 };
 
-/// The running program, through Qt.
+/// The program as its main loop runs it.
 class DesktopApplication final : public platform::Application {
 public:
-    void activateIgnoringOtherApps() override;
-    void terminate() override;
+    explicit DesktopApplication(DesktopRunLoop& loop)
+        : loop_(loop)
+    {
+    }
+
+    /// Does nothing: Linux desktops know windows, not applications, and each window comes to the front by itself.
+    void activateIgnoringOtherApps() override { }
+    void terminate() override { loop_.quit(EXIT_SUCCESS); }
+
+private:
+    DesktopRunLoop& loop_;
 };

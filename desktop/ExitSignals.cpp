@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/ExitSignals.h"
 
-#include <QCoreApplication>
-
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
@@ -16,7 +15,7 @@ constexpr std::array exitSignals { SIGTERM, SIGINT, SIGHUP };
 // All that a signal handler may reach.
 std::sig_atomic_t volatile eventOfHandler = -1;
 
-void tellEventLoop(int /*signal*/)
+void tellMainLoop(int /*signal*/)
 {
     std::uint64_t const one = 1;
     [[maybe_unused]] auto const size = write(eventOfHandler, &one, sizeof one);
@@ -37,20 +36,18 @@ void handleExitSignals(void (*handler)(int))
 
 void ExitSignals::endProcess() { handleExitSignals(endProcessAtOnce); }
 
-ExitSignals::ExitSignals()
+ExitSignals::ExitSignals(DesktopRunLoop& loop)
     : event_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
-    , notifier_(event_, QSocketNotifier::Read)
+    , watch_(loop.watch(event_.get(), EPOLLIN, [this, &loop] {
+        eventfd_t signals = 0;
+        eventfd_read(event_.get(), &signals);
+        loop.quit(EXIT_SUCCESS);
+    }))
 {
-    QObject::connect(&notifier_, &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
-    eventOfHandler = event_;
+    eventOfHandler = event_.get();
     // Out of descriptors: ending at once is better than not at all.
-    if (event_ >= 0)
-        handleExitSignals(tellEventLoop);
+    if (event_.isOpen())
+        handleExitSignals(tellMainLoop);
 }
 
-ExitSignals::~ExitSignals()
-{
-    endProcess();
-    notifier_.setEnabled(false);
-    close(event_);
-}
+ExitSignals::~ExitSignals() { endProcess(); }

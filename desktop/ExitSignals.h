@@ -1,21 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QSocketNotifier>
+#include "desktop/DesktopRunLoop.h"
 
-/// Quits the event loop, with exit status 0, on SIGTERM, SIGINT and SIGHUP. One at a time.
+/// Quits the main loop, with exit status 0, on SIGTERM, SIGINT and SIGHUP. One at a time.
 class ExitSignals final {
 public:
-    /// Until there is an event loop: the signals end the process at once, with exit status 0.
+    /// Until there is a main loop: the signals end the process at once, with exit status 0.
     static void endProcess();
 
-    ExitSignals();
+    explicit ExitSignals(DesktopRunLoop& loop);
     /// The signals end the process again.
     ~ExitSignals();
     ExitSignals(ExitSignals const&) = delete;
     ExitSignals& operator=(ExitSignals const&) = delete;
 
 private:
-    int event_;
-    QSocketNotifier notifier_;
+    platform::Descriptor event_;
+    std::unique_ptr<DesktopRunLoop::Watch> watch_;
 };

@@ -2,96 +2,119 @@
 #include "desktop/FreedesktopNotifications.h"
 
 #include "desktop/ActivationToken.h"
-#include "desktop/PendingCall.h"
-#include "windows/Text.h"
+#include "desktop/Text.h"
 
-#include <QDBusConnectionInterface>
-#include <QDBusMessage>
-#include <QDBusPendingReply>
-#include <QGuiApplication>
-
+#include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace {
 
-QString const service = QStringLiteral("org.freedesktop.Notifications");
-QString const path = QStringLiteral("/org/freedesktop/Notifications");
-QString const defaultAction = QStringLiteral("default");
+using namespace std::chrono_literals;
 
-QDBusMessage call(char const* method)
+constexpr char const* service = "org.freedesktop.Notifications";
+constexpr char const* path = "/org/freedesktop/Notifications";
+constexpr std::string_view defaultAction = "default";
+// The bus answers these by itself.
+constexpr auto patience = 5s;
+
+bool isRunning(Bus const& bus)
 {
-    return QDBusMessage::createMethodCall(service, path, service, QLatin1String(method));
+    auto const reply = bus.callAndWait(bus.callToBus("NameHasOwner", service), patience);
+    int hasOwner = 0;
+    return reply && sd_bus_message_read(reply.get(), "b", &hasOwner) > 0 && hasOwner != 0;
 }
 
-bool isAvailable(QDBusConnection const& bus)
+bool canBeStarted(Bus const& bus)
 {
-    if (!bus.isConnected())
+    auto const reply = bus.callAndWait(
+        bus.methodCall("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ListActivatableNames"),
+        patience);
+    char const* name = nullptr;
+    if (!reply || sd_bus_message_enter_container(reply.get(), SD_BUS_TYPE_ARRAY, "s") <= 0)
         return false;
-    auto* const daemon = bus.interface();
-    return daemon->isServiceRegistered(service) || daemon->activatableServiceNames().value().contains(service);
+    while (sd_bus_message_read(reply.get(), "s", &name) > 0) {
+        if (std::string_view(name) == service)
+            return true;
+    }
+    return false;
 }
 
 }
 
-std::unique_ptr<FreedesktopNotifications> FreedesktopNotifications::connectTo(QDBusConnection const& bus, Look look)
+std::unique_ptr<FreedesktopNotifications> FreedesktopNotifications::connectTo(Bus& bus, Look look)
 {
-    if (!isAvailable(bus))
+    if (!isRunning(bus) && !canBeStarted(bus))
         return nullptr;
     return std::unique_ptr<FreedesktopNotifications>(new FreedesktopNotifications(bus, std::move(look)));
 }
 
-FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus, Look look)
-    : bus_(std::move(bus))
+FreedesktopNotifications::FreedesktopNotifications(Bus& bus, Look look)
+    : bus_(bus)
     , look_(std::move(look))
-    , serviceOwner_(service, bus_, QDBusServiceWatcher::WatchForOwnerChange)
-{
     // A service that starts anew counts from one again.
-    QObject::connect(&serviceOwner_, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { delivered_.reset(); });
-    auto const listen = [this](char const* signal, char const* slot) {
-        bus_.connect(service, path, service, QLatin1String(signal), this, slot);
-    };
-    listen("ActionInvoked", SLOT(actionInvoked(uint, QString)));
-    listen("NotificationClosed", SLOT(notificationClosed(uint, uint)));
-    listen("ActivationToken", SLOT(activationToken(uint, QString)));
+    , serviceOwner_(bus.observeOwner(service, [this](std::string const&) { delivered_.reset(); }))
+    , actions_(listen("ActionInvoked", &FreedesktopNotifications::actionInvoked))
+    , closings_(listen("NotificationClosed", &FreedesktopNotifications::notificationClosed))
+    , tokens_(listen("ActivationToken", &FreedesktopNotifications::activationToken))
+{
+}
+
+BusSlot FreedesktopNotifications::listen(
+    char const* signal, void (FreedesktopNotifications::*heard)(std::uint32_t, sd_bus_message*))
+{
+    return bus_.listen(service, path, service, signal, [this, heard](sd_bus_message* message) {
+        std::uint32_t id = 0;
+        if (sd_bus_message_read(message, "u", &id) > 0 && id == delivered_)
+            (this->*heard)(id, message);
+    });
 }
 
 void FreedesktopNotifications::deliver(platform::UserNotification const& notification)
 {
-    auto message = call("Notify");
-    QStringList const actions { defaultAction, look_.actionLabel };
-    QVariantMap const hints { { QStringLiteral("desktop-entry"), QGuiApplication::desktopFileName() } };
+    auto message = bus_.methodCall(service, path, service, "Notify");
+    if (!message)
+        return;
     // The service shows it in place of the last one, so that they do not collect while nobody looks.
-    message << QCoreApplication::applicationName() << delivered_.value_or(0U) << look_.icon << toQt(notification.title)
-            << toQt(notification.informativeText).toHtmlEscaped() << actions << hints << -1;
-    whenFinished(bus_.asyncCall(message), this, [this](QDBusPendingCall const& finished) {
-        QDBusPendingReply<uint> const reply = finished;
-        if (reply.isValid())
-            delivered_ = reply.value();
+    append(message.get(), look_.applicationName);
+    sd_bus_message_append(message.get(), "u", delivered_.value_or(0));
+    append(message.get(), look_.icon);
+    append(message.get(), notification.title);
+    append(message.get(), escapedForHtml(notification.informativeText));
+    sd_bus_message_append(message.get(), "asa{sv}i", 2, defaultAction.data(), look_.actionLabel.c_str(), 1,
+        "desktop-entry", "s", look_.identifier.c_str(), -1);
+    delivery_ = bus_.call(std::move(message), [this](sd_bus_message* reply) {
+        std::uint32_t id = 0;
+        if (!sd_bus_message_is_method_error(reply, nullptr) && sd_bus_message_read(reply, "u", &id) > 0)
+            delivered_ = id;
     });
 }
 
 void FreedesktopNotifications::removeDelivered(platform::NotificationId id)
 {
-    notificationClosed(id, 0);
-    auto message = call("CloseNotification");
-    message << id;
-    bus_.send(message);
+    if (id == delivered_)
+        delivered_.reset();
+    auto message = bus_.methodCall(service, path, service, "CloseNotification");
+    if (message)
+        sd_bus_message_append(message.get(), "u", id);
+    bus_.send(std::move(message));
 }
 
-void FreedesktopNotifications::actionInvoked(uint id, QString const& action)
+void FreedesktopNotifications::actionInvoked(std::uint32_t id, sd_bus_message* signal)
 {
-    if (delegate_ && action == defaultAction && id == delivered_)
+    char const* action = "";
+    if (sd_bus_message_read(signal, "s", &action) > 0 && action == defaultAction && delegate_)
         delegate_->didActivateNotification(id);
 }
 
-void FreedesktopNotifications::notificationClosed(uint id, uint /*reason*/)
+void FreedesktopNotifications::notificationClosed(std::uint32_t /*id*/, sd_bus_message* /*signal*/)
 {
-    if (id == delivered_)
-        delivered_.reset();
+    delivered_.reset();
 }
 
-void FreedesktopNotifications::activationToken(uint id, QString const& token)
+void FreedesktopNotifications::activationToken(std::uint32_t /*id*/, sd_bus_message* signal)
 {
-    if (id == delivered_)
+    char const* token = nullptr;
+    if (sd_bus_message_read(signal, "s", &token) > 0)
         keepActivationToken(token);
 }

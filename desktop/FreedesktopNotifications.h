@@ -1,46 +1,50 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "desktop/Bus.h"
 #include "platform/NotificationCenter.h"
-
-#include <QDBusConnection>
-#include <QDBusServiceWatcher>
-#include <QObject>
 
 #include <memory>
 #include <optional>
+#include <string>
 
 /// The notification centre over the Desktop Notifications protocol 1.2 (org.freedesktop.Notifications).
-class FreedesktopNotifications final : public QObject, public platform::NotificationCenter {
-    Q_OBJECT
-
+class FreedesktopNotifications final : public platform::NotificationCenter {
 public:
     struct Look {
+        std::string applicationName;
+        /// Names the program's desktop entry.
+        std::string identifier;
         /// The icon's name in the desktop's theme.
-        QString icon;
+        std::string icon;
         /// Says what a click does, for services that show it on a button.
-        QString actionLabel;
+        std::string actionLabel;
     };
 
     /// Nothing when the bus has no notification service and could start none.
-    static std::unique_ptr<FreedesktopNotifications> connectTo(QDBusConnection const& bus, Look look);
+    static std::unique_ptr<FreedesktopNotifications> connectTo(Bus& bus, Look look);
 
     void setDelegate(platform::NotificationCenterDelegate* delegate) override { delegate_ = delegate; }
     void deliver(platform::UserNotification const& notification) override;
     void removeDelivered(platform::NotificationId id) override;
 
-private slots:
-    void actionInvoked(uint id, QString const& action);
-    void notificationClosed(uint id, uint reason);
-    void activationToken(uint id, QString const& token);
-
 private:
-    FreedesktopNotifications(QDBusConnection bus, Look look);
+    FreedesktopNotifications(Bus& bus, Look look);
 
-    QDBusConnection bus_;
+    BusSlot listen(char const* signal, void (FreedesktopNotifications::*heard)(std::uint32_t, sd_bus_message*));
+    void actionInvoked(std::uint32_t id, sd_bus_message* signal);
+    void notificationClosed(std::uint32_t id, sd_bus_message* signal);
+    void activationToken(std::uint32_t id, sd_bus_message* signal);
+
+    Bus& bus_;
     Look look_;
     platform::NotificationCenterDelegate* delegate_ = nullptr;
     /// The service's number of our last notification, unless it was closed.
-    std::optional<uint> delivered_;
-    QDBusServiceWatcher serviceOwner_;
+    std::optional<std::uint32_t> delivered_;
+    BusSlot serviceOwner_;
+    BusSlot actions_;
+    BusSlot closings_;
+    BusSlot tokens_;
+    /// Of the last one.
+    BusSlot delivery_;
 };

@@ -26,8 +26,6 @@ IconDrawer::IconDrawer(std::filesystem::path helper, platform::RunLoop& runLoop,
 {
 }
 
-IconDrawer::~IconDrawer() { helper_->cancel(); }
-
 void IconDrawer::draw(std::string title, StatusLook look, Drawn drawn)
 {
     Request request { { look, std::move(title) }, std::move(drawn) };

@@ -26,12 +26,15 @@ public:
     IconDrawer(IconDrawer const&) = delete;
     IconDrawer& operator=(IconDrawer const&) = delete;
     /// Ends a running helper; nothing is answered any more.
-    ~IconDrawer();
+    ~IconDrawer() { cancel(); }
 
     /// Answers from the main loop with the pictures of a title in UTF-8, or with none when they cannot be drawn. One
     /// helper runs at a time: of the drawings that are asked for meanwhile the latest comes next, and the others are
     /// never answered.
     void draw(std::string title, StatusLook look, Drawn drawn);
+
+    /// Ends a running helper, and keeps every later one from being started.
+    void cancel() { helper_->cancel(); }
 
 private:
     struct Request {

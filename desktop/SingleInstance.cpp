@@ -2,47 +2,75 @@
 #include "desktop/SingleInstance.h"
 
 #include "desktop/ActivationToken.h"
+#include "desktop/Environment.h"
 
-#include <QDBusConnectionInterface>
-#include <QDBusMessage>
-#include <QTimer>
+#include <algorithm>
+#include <string_view>
 
 namespace {
 
+using namespace std::chrono_literals;
+
 // A first instance that is just starting answers by then.
-constexpr int patienceInMilliseconds = 3000;
+constexpr auto patience = 3s;
 
-QString const interface = QStringLiteral("org.freedesktop.Application");
+constexpr char const* interface = "org.freedesktop.Application";
+constexpr char const* tokenKey = "activation-token";
 
-QString pathOf(QString identifier)
+std::string pathOf(std::string identifier)
 {
-    return QLatin1Char('/')
-        + identifier.replace(QLatin1Char('.'), QLatin1Char('/')).replace(QLatin1Char('-'), QLatin1Char('_'));
+    std::ranges::replace(identifier, '.', '/');
+    std::ranges::replace(identifier, '-', '_');
+    return '/' + identifier;
+}
+
+// Of the data that a platform hands over: a{sv}.
+std::string tokenIn(sd_bus_message* call)
+{
+    std::string token;
+    sd_bus_message_enter_container(call, SD_BUS_TYPE_ARRAY, "{sv}");
+    while (sd_bus_message_enter_container(call, SD_BUS_TYPE_DICT_ENTRY, "sv") > 0) {
+        char const* key = "";
+        char const* value = "";
+        sd_bus_message_read(call, "s", &key);
+        if (std::string_view(key) == tokenKey && sd_bus_message_read(call, "v", "s", &value) > 0)
+            token = value;
+        else
+            sd_bus_message_skip(call, "v");
+        sd_bus_message_exit_container(call);
+    }
+    return token;
 }
 
 }
 
-SingleInstance::SingleInstance(QString identifier, QDBusConnection bus)
+sd_bus_vtable const SingleInstance::members[] = {
+    SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("Activate", "a{sv}", "", (onCall<SingleInstance, &SingleInstance::activate>), 0),
+    SD_BUS_METHOD("Open", "asa{sv}", "", (onCall<SingleInstance, &SingleInstance::open>), 0),
+    SD_BUS_METHOD("ActivateAction", "sava{sv}", "", (onCall<SingleInstance, &SingleInstance::activateAction>), 0),
+    SD_BUS_VTABLE_END,
+};
+
+SingleInstance::SingleInstance(std::string identifier, Bus& bus)
     : identifier_(std::move(identifier))
-    , bus_(std::move(bus))
+    , path_(pathOf(identifier_))
+    , bus_(bus)
+    , activation_(bus.loop(), [this] {
+        if (activated_)
+            activated_();
+    })
 {
 }
 
-// Before the object goes: whoever is refused by then finds the name free.
-SingleInstance::~SingleInstance()
-{
-    auto message = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
-        QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ReleaseName"));
-    message << identifier_;
-    bus_.send(message);
-}
+SingleInstance::~SingleInstance() { bus_.send(bus_.callToBus("ReleaseName", identifier_)); }
 
 SingleInstance::Outcome SingleInstance::start()
 {
     if (!bus_.isConnected())
         return Outcome::IsFirst;
     // The object stands before the name, so that whoever sees the name can call it.
-    bus_.registerObject(pathOf(identifier_), this, QDBusConnection::ExportAllSlots);
+    object_ = bus_.addObject(path_.c_str(), interface, members, this);
     if (becomeFirst())
         return Outcome::IsFirst;
     if (activateFirst())
@@ -51,39 +79,48 @@ SingleInstance::Outcome SingleInstance::start()
     return becomeFirst() ? Outcome::IsFirst : Outcome::FirstIsSilent;
 }
 
+// Also when the bus does not say.
 bool SingleInstance::becomeFirst()
 {
-    QDBusReply<QDBusConnectionInterface::RegisterServiceReply> const reply
-        = bus_.interface()->registerService(identifier_);
-    return !reply.isValid() || reply.value() == QDBusConnectionInterface::ServiceRegistered;
+    constexpr std::uint32_t doNotQueue = 4;
+    constexpr std::uint32_t isOwner = 1;
+    auto message = bus_.callToBus("RequestName", identifier_);
+    sd_bus_message_append(message.get(), "u", doNotQueue);
+    auto const reply = bus_.callAndWait(std::move(message), patience);
+    std::uint32_t outcome = isOwner;
+    if (reply)
+        sd_bus_message_read(reply.get(), "u", &outcome);
+    return outcome == isOwner;
 }
 
 bool SingleInstance::activateFirst()
 {
-    auto message
-        = QDBusMessage::createMethodCall(identifier_, pathOf(identifier_), interface, QStringLiteral("Activate"));
-    QVariantMap platformData;
-    if (auto const token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN"); !token.isEmpty())
-        platformData.insert(QStringLiteral("activation-token"), token);
-    message << platformData;
-    return bus_.call(message, QDBus::Block, patienceInMilliseconds).type() == QDBusMessage::ReplyMessage;
+    auto message = bus_.methodCall(identifier_.c_str(), path_.c_str(), interface, "Activate");
+    auto const token = environmentText("XDG_ACTIVATION_TOKEN");
+    if (token.empty())
+        sd_bus_message_append(message.get(), "a{sv}", 0);
+    else
+        sd_bus_message_append(message.get(), "a{sv}", 1, tokenKey, "s", token.c_str());
+    return bus_.callAndWait(std::move(message), patience) != nullptr;
 }
 
-void SingleInstance::Activate(QVariantMap const& platformData)
+int SingleInstance::activate(sd_bus_message* call, sd_bus_error* /*error*/)
 {
     dropActivationToken();
-    keepActivationToken(platformData.value(QStringLiteral("activation-token")).toString());
+    keepActivationToken(tokenIn(call));
     // The caller is answered first.
-    QTimer::singleShot(0, this, [this] {
-        if (activated_)
-            activated_();
-    });
+    activation_.request();
+    return sd_bus_reply_method_return(call, "");
 }
 
-void SingleInstance::Open(QStringList const& /*uris*/, QVariantMap const& platformData) { Activate(platformData); }
-
-void SingleInstance::ActivateAction(
-    QString const& /*action*/, QVariantList const& /*parameter*/, QVariantMap const& platformData)
+int SingleInstance::open(sd_bus_message* call, sd_bus_error* error)
 {
-    Activate(platformData);
+    sd_bus_message_skip(call, "as");
+    return activate(call, error);
+}
+
+int SingleInstance::activateAction(sd_bus_message* call, sd_bus_error* error)
+{
+    sd_bus_message_skip(call, "sav");
+    return activate(call, error);
 }

@@ -1,23 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QDBusConnection>
-#include <QObject>
-#include <QVariantMap>
+#include "desktop/Bus.h"
 
 #include <functional>
+#include <string>
 
 /// Keeps the program to one instance in a session: the first owns the bus name, and every later one activates the first
 /// through org.freedesktop.Application (freedesktop.org's D-Bus activation).
-class SingleInstance final : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
-
+class SingleInstance final {
 public:
     /// The identifier is the bus name, and names the object's path.
-    SingleInstance(QString identifier, QDBusConnection bus);
+    SingleInstance(std::string identifier, Bus& bus);
     /// Gives the name back, and waits for nobody.
-    ~SingleInstance() override;
+    ~SingleInstance();
+    SingleInstance(SingleInstance const&) = delete;
+    SingleInstance& operator=(SingleInstance const&) = delete;
 
     enum class Outcome { IsFirst, ActivatedFirst, FirstIsSilent };
 
@@ -26,18 +24,22 @@ public:
     Outcome start();
 
     /// What the first instance does when a later one activates it.
-    void whenActivated(std::function<void()> activated) { activated_ = std::move(activated); }
-
-public slots:
-    void Activate(QVariantMap const& platformData);
-    void Open(QStringList const& uris, QVariantMap const& platformData);
-    void ActivateAction(QString const& action, QVariantList const& parameter, QVariantMap const& platformData);
+    void whenActivated(platform::Task activated) { activated_ = std::move(activated); }
 
 private:
+    static sd_bus_vtable const members[];
+
     bool becomeFirst();
     bool activateFirst();
+    int activate(sd_bus_message* call, sd_bus_error* error);
+    int open(sd_bus_message* call, sd_bus_error* error);
+    int activateAction(sd_bus_message* call, sd_bus_error* error);
 
-    QString identifier_;
-    QDBusConnection bus_;
-    std::function<void()> activated_;
+    std::string identifier_;
+    std::string path_;
+    Bus& bus_;
+    platform::Task activated_;
+    /// Takes a queued activation away with it.
+    OncePerTurn activation_;
+    BusSlot object_;
 };

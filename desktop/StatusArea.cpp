@@ -1,20 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/StatusArea.h"
 
-#include "windows/Text.h"
-
-#include "desktop/PendingCall.h"
-#include "draw/StatusIcon.h"
-
-#include <QCursor>
-#include <QDBusMessage>
-#include <QDBusPendingReply>
-#include <QIcon>
-#include <QPixmap>
-#include <QSystemTrayIcon>
-
 #include <chrono>
-#include <limits>
+#include <utility>
 
 using namespace std::chrono_literals;
 
@@ -25,98 +13,67 @@ constexpr auto graceOfWatcher = 1500ms;
 // A panel that loses the first label knows the item by then.
 constexpr auto timeToMeetItem = 1s;
 
-QString watcherName() { return QStringLiteral("org.kde.StatusNotifierWatcher"); }
-
-QIcon trayIcon(QString const& title)
-{
-    QIcon icon;
-    for (auto const& image : statusImages(title, StatusLook::Icon))
-        icon.addPixmap(QPixmap::fromImage(image));
-    return icon;
-}
+constexpr char const* watcher = "org.kde.StatusNotifierWatcher";
 
 }
 
-StatusArea::StatusArea(platform::StatusItem& item, StatusNotifierItem::ThemeIcon icon, Handlers handlers,
-    QDBusConnection bus, std::chrono::milliseconds loginTime)
-    : item_(item)
+StatusArea::StatusArea(platform::StatusItem& item, StatusNotifierItem::Look look, DBusMenu::TextDirection direction,
+    IconDrawer& drawer, Bus& bus, Handlers handlers, platform::Seconds loginTime)
+    : bus_(bus)
     , handlers_(std::move(handlers))
-    , bus_(std::move(bus))
-    , notifierItem_(item, std::move(icon))
-    , dbusMenu_(item.menu())
-{
-    grace_.setSingleShot(true);
-    grace_.setInterval(graceOfWatcher);
-    connect(&grace_, &QTimer::timeout, this, &StatusArea::fallBack);
-    login_.setSingleShot(true);
-    login_.setInterval(loginTime);
-    connect(&login_, &QTimer::timeout, this, &StatusArea::giveUp);
-    if (bus_.isConnected())
-        connectItem();
-    else
-        QMetaObject::invokeMethod(this, &StatusArea::fallBack, Qt::QueuedConnection);
-}
-
-StatusArea::~StatusArea() = default;
-
-void StatusArea::connectItem()
-{
+    , loginTime_(loginTime)
     // The panel asks for both as soon as it hears of the item.
-    bus_.registerObject(
-        QLatin1String(StatusNotifierItem::path), &notifierItem_, QDBusConnection::ExportScriptableContents);
-    bus_.registerObject(
-        QLatin1String(StatusNotifierItem::menuPath), &dbusMenu_, QDBusConnection::ExportScriptableContents);
-
-    connect(&notifierItem_, &StatusNotifierItem::menuRequested, this, &StatusArea::popUpMenu, Qt::QueuedConnection);
-    connect(&notifierItem_, &StatusNotifierItem::activationTokenProvided, this, [this](QString const& token) {
-        if (handlers_.activationToken)
-            handlers_.activationToken(token);
-    });
-    connect(&watcherOwner_, &QDBusServiceWatcher::serviceOwnerChanged, this,
-        [this](QString const&, QString const&, QString const& owner) { ownerChanged(owner); });
-    watcherOwner_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
-    watcherOwner_.setConnection(bus_);
-    watcherOwner_.addWatchedService(watcherName());
-    // The bus itself went away, which only this end of the connection can tell. An older tray may go with it.
-    bus_.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"), QStringLiteral("org.freedesktop.DBus.Local"),
-        QStringLiteral("Disconnected"), &grace_, SLOT(start()));
-    registerItem();
+    , notifierItem_(item, std::move(look), drawer, bus, { handlers_.menuRequested, handlers_.activationToken })
+    , dbusMenu_(item.menu(), StatusNotifierItem::menuPath, direction, bus)
+    , watcherOwner_(bus.observeOwner(watcher, [this](std::string const& owner) { ownerChanged(owner); }))
+    // An older tray may go with it.
+    , busEnd_(bus.observeEnd([this] { startGrace(); }))
+{
+    if (bus_.isConnected())
+        registerItem();
+    else
+        grace_ = bus_.loop().after(0s, [this] { fallBack(); });
 }
 
 void StatusArea::registerItem()
 {
-    grace_.stop();
-    login_.stop();
+    grace_.reset();
+    login_.reset();
+    meeting_.reset();
     // Asked first, so that the answer is here before the panel asks for the icon.
     askForHost();
-    registration_ = std::make_unique<QObject>();
-    whenFinished(requestRegistration(), registration_.get(), [this](QDBusPendingCall const& reply) {
-        if (reply.isError())
-            grace_.start();
-        else
-            itemRegistered();
-    });
+    requestRegistration();
 }
 
-QDBusPendingCall StatusArea::requestRegistration()
+void StatusArea::requestRegistration()
 {
-    auto call = QDBusMessage::createMethodCall(watcherName(), QStringLiteral("/StatusNotifierWatcher"), watcherName(),
-        QStringLiteral("RegisterStatusNotifierItem"));
-    call.setArguments({ bus_.baseService() });
-    call.setAutoStartService(false);
+    auto message = bus_.methodCall(watcher, "/StatusNotifierWatcher", watcher, "RegisterStatusNotifierItem");
+    if (!message)
+        return;
+    sd_bus_message_append(message.get(), "s", bus_.uniqueName());
+    sd_bus_message_set_auto_start(message.get(), 0);
     // A panel that hangs takes the item when it goes on, however long that is.
-    constexpr int unlimited = std::numeric_limits<int>::max();
-    return bus_.asyncCall(call, unlimited);
+    registration_
+        = bus_.call(std::move(message), [this](sd_bus_message* reply) { registrationAnswered(reply); }, Bus::forever);
+}
+
+void StatusArea::registrationAnswered(sd_bus_message* reply)
+{
+    // Only the first answer counts: by the second the item has its place.
+    if (meeting_)
+        return;
+    if (sd_bus_message_is_method_error(reply, nullptr) != 0)
+        startGrace();
+    else
+        itemRegistered();
 }
 
 void StatusArea::itemRegistered()
 {
     hasSeenPanel_ = true;
-    trayTitle_ = {};
-    trayIcon_.reset();
     if (handlers_.placed)
         handlers_.placed();
-    QTimer::singleShot(timeToMeetItem, registration_.get(), [this] {
+    meeting_ = bus_.loop().after(timeToMeetItem, [this] {
         if (host_.losesFirstLabel)
             requestRegistration();
     });
@@ -124,60 +81,48 @@ void StatusArea::itemRegistered()
 
 void StatusArea::askForHost()
 {
-    auto call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
-        QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"),
-        QStringLiteral("GetConnectionUnixProcessID"));
-    call.setArguments({ watcherName() });
-    whenFinished(bus_.asyncCall(call), this, [this](QDBusPendingCall const& finished) {
-        QDBusPendingReply<uint> const reply = finished;
-        host_ = statusHostOf(reply.isError() ? QString() : processName(reply.value()));
-        notifierItem_.setHost(host_);
-        dbusMenu_.setMarksFirstUnderscoreOnly(host_.marksFirstUnderscoreOnly);
-    });
+    hostQuestion_ = bus_.call(
+        bus_.callToBus("GetConnectionUnixProcessID", watcher), [this](sd_bus_message* reply) { hostAnswered(reply); });
 }
 
-void StatusArea::ownerChanged(QString const& owner)
+void StatusArea::hostAnswered(sd_bus_message* reply)
 {
-    if (owner.isEmpty())
-        grace_.start();
+    std::uint32_t processId = 0;
+    bool const isAnswer = sd_bus_message_is_method_error(reply, nullptr) == 0;
+    bool const isKnown = isAnswer && sd_bus_message_read(reply, "u", &processId) > 0;
+    host_ = statusHostOf(isKnown ? processName(processId) : std::string());
+    dbusMenu_.setMarksFirstUnderscoreOnly(host_.marksFirstUnderscoreOnly);
+    // Nothing is drawn for nobody.
+    if (sd_bus_message_is_method_error(reply, "org.freedesktop.DBus.Error.NameHasNoOwner") == 0)
+        notifierItem_.setHost(host_);
+}
+
+void StatusArea::ownerChanged(std::string const& owner)
+{
+    if (owner.empty())
+        startGrace();
     else
         registerItem();
 }
 
-void StatusArea::fallBack()
+void StatusArea::startGrace()
 {
-    login_.stop();
-    if (!bus_.isConnected())
-        giveUp();
-    else if (!showTrayIcon() && !hasSeenPanel_)
-        login_.start();
+    grace_ = bus_.loop().after(graceOfWatcher, [this] { fallBack(); });
 }
 
-bool StatusArea::showTrayIcon()
+void StatusArea::fallBack()
 {
-    // Asked only now: the toolkit settles on a kind of tray once, by what it finds at the first question.
-    if (!QSystemTrayIcon::isSystemTrayAvailable())
-        return false;
-    trayIcon_ = std::make_unique<QSystemTrayIcon>();
-    connect(trayIcon_.get(), &QSystemTrayIcon::activated, this, &StatusArea::popUpMenu);
-    trayTitle_ = item_.title.observe([this](std::string const& title) {
-        auto const text = toQt(title);
-        trayIcon_->setIcon(trayIcon(text));
-        trayIcon_->setToolTip(text);
-    });
-    trayIcon_->show();
-    return true;
+    login_.reset();
+    if (!bus_.isConnected())
+        giveUp();
+    else if (!showInOlderTray() && !hasSeenPanel_)
+        login_ = bus_.loop().after(loginTime_, [this] { giveUp(); });
 }
+
+bool StatusArea::showInOlderTray() const { return handlers_.showInOlderTray && handlers_.showInOlderTray(); }
 
 void StatusArea::giveUp()
 {
-    if (!showTrayIcon() && handlers_.noStatusArea)
+    if (!showInOlderTray() && handlers_.noStatusArea)
         handlers_.noStatusArea();
-}
-
-void StatusArea::popUpMenu()
-{
-    if (!menu_)
-        menu_ = std::make_unique<MenuMirror>(item_.menu());
-    menu_->popup(QCursor::pos());
 }

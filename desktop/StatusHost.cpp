@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/StatusHost.h"
 
-#include <QFile>
+#include "platform/AtomicFile.h"
 
 #include <algorithm>
 #include <array>
@@ -28,17 +28,15 @@ constexpr std::array hosts {
 
 }
 
-StatusHost statusHostOf(QString const& processName)
+StatusHost statusHostOf(std::string_view processName)
 {
     auto const* const found = std::ranges::find_if(
-        hosts, [&processName](KnownHost const& known) { return processName == QLatin1String(known.processName); });
+        hosts, [processName](KnownHost const& known) { return processName == known.processName; });
     return found == hosts.end() ? StatusHost {} : found->host;
 }
 
-QString processName(uint processId)
+std::string processName(std::uint32_t processId)
 {
-    QFile file(QStringLiteral("/proc/%1/comm").arg(processId));
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return QString::fromUtf8(file.readAll()).trimmed();
+    auto name = platform::readFile("/proc/" + std::to_string(processId) + "/comm").value_or("");
+    return name.substr(0, name.find('\n'));
 }

@@ -3,7 +3,9 @@
 
 #include "draw/StatusPixmap.h"
 
-#include <QString>
+#include <cstdint>
+#include <string>
+#include <string_view>
 
 /// What is known of a panel.
 struct StatusHost {
@@ -18,7 +20,7 @@ struct StatusHost {
 
 /// The panel behind a process name as /proc/PID/comm has it: cut to 15 bytes. A program that is not known shows a
 /// square picture.
-StatusHost statusHostOf(QString const& processName);
+StatusHost statusHostOf(std::string_view processName);
 
 /// The name of a running process; empty if it is not to be seen.
-QString processName(uint processId);
+std::string processName(std::uint32_t processId);

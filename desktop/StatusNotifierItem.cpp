@@ -1,138 +1,181 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/StatusNotifierItem.h"
 
-#include "windows/Text.h"
-
-#include "draw/StatusIcon.h"
+#include "desktop/Text.h"
 #include "platform/Menu.h"
-
-#include <QCoreApplication>
-#include <QDBusMetaType>
+#include "platform/Utf8.h"
 
 #include <utility>
 
-QDBusArgument& operator<<(QDBusArgument& argument, StatusPixmap const& pixmap)
-{
-    argument.beginStructure();
-    argument << pixmap.width << pixmap.height << QByteArray::fromStdString(pixmap.pixels);
-    argument.endStructure();
-    return argument;
+namespace {
+
+using Item = StatusNotifierItem;
+
 }
 
-QDBusArgument const& operator>>(QDBusArgument const& argument, StatusPixmap& pixmap)
-{
-    QByteArray pixels;
-    argument.beginStructure();
-    argument >> pixmap.width >> pixmap.height >> pixels;
-    argument.endStructure();
-    pixmap.pixels = pixels.toStdString();
-    return argument;
-}
+sd_bus_vtable const StatusNotifierItem::members[] = {
+    SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("Activate", "ii", "", (onCall<Item, &Item::requestMenu>), 0),
+    SD_BUS_METHOD("SecondaryActivate", "ii", "", (onCall<Item, &Item::requestMenu>), 0),
+    SD_BUS_METHOD("ContextMenu", "ii", "", (onCall<Item, &Item::requestMenu>), 0),
+    SD_BUS_METHOD("Scroll", "is", "", (onCall<Item, &Item::scroll>), 0),
+    SD_BUS_METHOD("ProvideXdgActivationToken", "s", "", (onCall<Item, &Item::provideActivationToken>), 0),
+    SD_BUS_PROPERTY("Id", "s", (onGetText<Item, &Item::id>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("Category", "s", (onGetText<Item, &Item::category>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("Status", "s", (onGetText<Item, &Item::status>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("Title", "s", (onGetText<Item, &Item::title>), 0, 0),
+    SD_BUS_PROPERTY("XAyatanaLabel", "s", (onGetText<Item, &Item::title>), 0, 0),
+    SD_BUS_PROPERTY("XAyatanaLabelGuide", "s", (onGetText<Item, &Item::guide>), 0, 0),
+    SD_BUS_PROPERTY("IconName", "s", (onGetText<Item, &Item::iconName>), 0, 0),
+    SD_BUS_PROPERTY("IconThemePath", "s", (onGetText<Item, &Item::iconThemePath>), 0, 0),
+    SD_BUS_PROPERTY("IconPixmap", "a(iiay)", (onGet<Item, &Item::writePixmaps>), 0, 0),
+    SD_BUS_PROPERTY("IconAccessibleDesc", "s", (onGetText<Item, &Item::accessibleDescription>), 0, 0),
+    SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", (onGet<Item, &Item::writeToolTip>), 0, 0),
+    SD_BUS_PROPERTY("ItemIsMenu", "b", (onGet<Item, &Item::writeItemIsMenu>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("Menu", "o", (onGet<Item, &Item::writeMenuPath>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_SIGNAL("NewTitle", "", 0),
+    SD_BUS_SIGNAL("NewIcon", "", 0),
+    SD_BUS_SIGNAL("NewIconThemePath", "s", 0),
+    SD_BUS_SIGNAL("NewToolTip", "", 0),
+    SD_BUS_SIGNAL("XAyatanaNewLabel", "ss", 0),
+    SD_BUS_VTABLE_END,
+};
 
-QDBusArgument& operator<<(QDBusArgument& argument, StatusToolTip const& toolTip)
-{
-    argument.beginStructure();
-    argument << toolTip.iconName << toolTip.icon << toolTip.title << toolTip.text;
-    argument.endStructure();
-    return argument;
-}
-
-QDBusArgument const& operator>>(QDBusArgument const& argument, StatusToolTip& toolTip)
-{
-    argument.beginStructure();
-    argument >> toolTip.iconName >> toolTip.icon >> toolTip.title >> toolTip.text;
-    argument.endStructure();
-    return argument;
-}
-
-StatusNotifierItem::StatusNotifierItem(platform::StatusItem& item, ThemeIcon icon)
+StatusNotifierItem::StatusNotifierItem(
+    platform::StatusItem& item, Look look, IconDrawer& drawer, Bus& bus, Handlers handlers)
     : item_(item)
-    , icon_(std::move(icon))
+    , look_(std::move(look))
+    , drawer_(drawer)
+    , bus_(bus)
+    , handlers_(std::move(handlers))
     , guide_(title())
-    , told_ { title(), details(), host_.look }
-    , update_([this] { update(); })
+    , told_ { title(), details(), iconName() }
+    , update_(bus.loop(), [this] { update(); })
     , titleChanges_(item.title.observeChanges([this](std::string const&) { update_.request(); }))
     , menuChanges_(item.menu().observeChanges([this] { update_.request(); }))
+    , object_(bus.addObject(path, interface, members, this))
 {
-    qDBusRegisterMetaType<StatusPixmap>();
-    qDBusRegisterMetaType<QList<StatusPixmap>>();
-    qDBusRegisterMetaType<StatusToolTip>();
 }
 
-QString StatusNotifierItem::title() const { return asPanelLabel(item_.title.get()); }
+std::string StatusNotifierItem::title() const { return asPanelLabel(item_.title.get()); }
 
 void StatusNotifierItem::setHost(StatusHost const& host)
 {
     host_ = host;
-    pixmaps_.clear();
+    draw();
     update_.request();
 }
 
-QString StatusNotifierItem::iconName() const
+bool StatusNotifierItem::showsLabel() const { return host_ && host_->look == StatusLook::Label; }
+
+std::string StatusNotifierItem::iconName() const
 {
-    if (host_.look != StatusLook::Label)
+    if (!pixmaps_.empty())
         return {};
-    return host_.coloursSymbols ? icon_.name + QLatin1String("-symbolic") : icon_.name;
+    return showsLabel() && host_->coloursSymbols ? look_.iconName + "-symbolic" : look_.iconName;
 }
 
-QList<StatusPixmap> StatusNotifierItem::iconPixmap()
+std::string StatusNotifierItem::iconThemePath() const { return pixmaps_.empty() ? look_.themePath : std::string(); }
+
+std::string StatusNotifierItem::accessibleDescription() const { return look_.productName + ": " + title(); }
+
+void StatusNotifierItem::writePixmaps(sd_bus_message* reply) const
 {
-    auto const shown = title();
-    if (pixmaps_.isEmpty() || std::exchange(drawnTitle_, shown) != shown) {
-        auto const drawn = statusPixmaps(shown, host_.look);
-        pixmaps_ = QList<StatusPixmap>(drawn.begin(), drawn.end());
+    sd_bus_message_open_container(reply, SD_BUS_TYPE_ARRAY, "(iiay)");
+    for (auto const& pixmap : pixmaps_) {
+        sd_bus_message_open_container(reply, SD_BUS_TYPE_STRUCT, "iiay");
+        sd_bus_message_append(reply, "ii", pixmap.width, pixmap.height);
+        sd_bus_message_append_array(reply, SD_BUS_TYPE_BYTE, pixmap.pixels.data(), pixmap.pixels.size());
+        sd_bus_message_close_container(reply);
     }
-    return pixmaps_;
+    sd_bus_message_close_container(reply);
 }
 
-QString StatusNotifierItem::accessibleDescription() const
+void StatusNotifierItem::writeToolTip(sd_bus_message* reply) const
 {
-    return QCoreApplication::applicationName() + QLatin1String(": ") + title();
+    sd_bus_message_open_container(reply, SD_BUS_TYPE_STRUCT, "sa(iiay)ss");
+    sd_bus_message_append(reply, "sa(iiay)", "", 0);
+    append(reply, item_.title.get());
+    append(reply, escapedForHtml(details()));
+    sd_bus_message_close_container(reply);
 }
 
-StatusToolTip StatusNotifierItem::toolTip() const
+void StatusNotifierItem::writeItemIsMenu(sd_bus_message* reply) const { sd_bus_message_append(reply, "b", 1); }
+
+void StatusNotifierItem::writeMenuPath(sd_bus_message* reply) const { sd_bus_message_append(reply, "o", menuPath); }
+
+// Once the caller is answered, for showing a menu takes its time.
+int StatusNotifierItem::requestMenu(sd_bus_message* call, sd_bus_error* /*error*/)
 {
-    return { {}, {}, toQt(item_.title.get()), details().toHtmlEscaped() };
+    bus_.loop().perform(handlers_.menuRequested);
+    return sd_bus_reply_method_return(call, "");
 }
 
-void StatusNotifierItem::Activate(int /*x*/, int /*y*/) { Q_EMIT menuRequested(); }
+int StatusNotifierItem::scroll(sd_bus_message* call, sd_bus_error* /*error*/)
+{
+    return sd_bus_reply_method_return(call, "");
+}
 
-void StatusNotifierItem::SecondaryActivate(int /*x*/, int /*y*/) { Q_EMIT menuRequested(); }
-
-void StatusNotifierItem::ContextMenu(int /*x*/, int /*y*/) { Q_EMIT menuRequested(); }
-
-void StatusNotifierItem::Scroll(int /*delta*/, QString const& /*orientation*/) { }
-
-void StatusNotifierItem::ProvideXdgActivationToken(QString const& token) { Q_EMIT activationTokenProvided(token); }
+int StatusNotifierItem::provideActivationToken(sd_bus_message* call, sd_bus_error* /*error*/)
+{
+    char const* token = "";
+    sd_bus_message_read(call, "s", &token);
+    handlers_.activationTokenProvided(token);
+    return sd_bus_reply_method_return(call, "");
+}
 
 // The menu's first group says how things are; what follows does something.
-QString StatusNotifierItem::details() const
+std::string StatusNotifierItem::details() const
 {
-    QStringList lines;
+    std::string lines;
     for (auto const& item : item_.menu().items()) {
         if (item->isSeparator)
             break;
         if (!item->hidden.get())
-            lines.push_back(toQt(item->title.get()));
+            lines += (lines.empty() ? "" : "\n") + item->title.get();
     }
-    return lines.join(QLatin1Char('\n'));
+    return lines;
 }
 
 void StatusNotifierItem::update()
 {
-    auto const before = std::exchange(told_, { title(), details(), host_.look });
+    auto const before = std::exchange(told_, { title(), details(), iconName() });
     bool const isNewTitle = told_.title != before.title;
     if (isNewTitle) {
-        if (told_.title.size() > guide_.size())
+        if (platform::lengthOfUtf8(told_.title) > platform::lengthOfUtf8(guide_))
             guide_ = told_.title;
-        Q_EMIT NewTitle();
-        Q_EMIT XAyatanaNewLabel(told_.title, guide_);
+        emit("NewTitle");
+        bus_.emit(path, interface, "XAyatanaNewLabel", "ss", told_.title.c_str(), guide_.c_str());
+        draw();
     }
-    if (told_.look != before.look)
-        Q_EMIT NewIconThemePath(iconThemePath());
-    // Panels read the icon's description anew with the icon, even where it is empty.
-    if (isNewTitle || told_.look != before.look)
-        Q_EMIT NewIcon();
+    if (told_.iconName != before.iconName)
+        bus_.emit(path, interface, "NewIconThemePath", "s", iconThemePath().c_str());
+    // Panels read the icon's description anew with the icon, even where that is the same.
+    bool const isNewDescription = isNewTitle && showsLabel();
+    if (std::exchange(isRedrawn_, false) || isNewDescription || told_.iconName != before.iconName)
+        emit("NewIcon");
     if (isNewTitle || told_.details != before.details)
-        Q_EMIT NewToolTip();
+        emit("NewToolTip");
+}
+
+// A panel goes on with the last pictures until the new ones are there.
+void StatusNotifierItem::draw()
+{
+    if (!host_)
+        return;
+    if (showsLabel()) {
+        pixmaps_.clear();
+        return;
+    }
+    drawer_.draw(title(), host_->look, [this](std::vector<StatusPixmap> pixmaps) { show(std::move(pixmaps)); });
+}
+
+void StatusNotifierItem::show(std::vector<StatusPixmap> pixmaps)
+{
+    // The panel that they were drawn for may have gone.
+    if (showsLabel())
+        return;
+    pixmaps_ = std::move(pixmaps);
+    isRedrawn_ = true;
+    update_.request();
 }

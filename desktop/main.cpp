@@ -3,11 +3,16 @@
 #include "app/Outlets.h"
 #include "desktop/ActivationToken.h"
 #include "desktop/AutostartEntry.h"
+#include "desktop/Bus.h"
 #include "desktop/ColorScheme.h"
 #include "desktop/DesktopRunLoop.h"
 #include "desktop/DesktopServices.h"
+#include "desktop/Display.h"
+#include "desktop/Environment.h"
 #include "desktop/ExitSignals.h"
 #include "desktop/FreedesktopNotifications.h"
+#include "desktop/IconDrawer.h"
+#include "desktop/LateWindows.h"
 #include "desktop/SingleInstance.h"
 #include "desktop/StatusArea.h"
 #include "desktop/SystemColors.h"
@@ -18,17 +23,6 @@
 #include "platform/ThreadQueues.h"
 #include "platform/UserDefaults.h"
 #include "ui/MainLayout.h"
-#include "windows/MainWindows.h"
-#include "windows/Palettes.h"
-#include "windows/Text.h"
-
-#include <QApplication>
-#include <QDir>
-#include <QIcon>
-#include <QLibraryInfo>
-#include <QLocale>
-#include <QSessionManager>
-#include <QTranslator>
 
 #include <csignal>
 #include <cstdio>
@@ -62,45 +56,10 @@ void openStandardStreams()
 // lost.
 void heedChildren() { std::signal(SIGCHLD, SIG_DFL); }
 
-void printError(QString const& message)
-{
-    std::fprintf(stderr, "usage-meter: %s\n", qPrintable(message.section(QLatin1Char('\n'), 0, 0).trimmed()));
-}
-
-bool isError(QtMsgType type) { return type != QtDebugMsg && type != QtInfoMsg; }
-
-// A desktop that cannot be reached makes Qt warn, advise to reinstall and abort(); a user is better served by the
-// warning alone and a plain failure.
-void reportFailedStart(QtMsgType type, QMessageLogContext const& /*context*/, QString const& message)
-{
-    static QString reason;
-    if (type == QtFatalMsg) {
-        printError(reason.isEmpty() ? message : reason);
-        _exit(EXIT_FAILURE);
-    }
-    if (isError(type))
-        reason = message;
-}
-
-// The toolkit warns of what Wayland does not have and of compositors that lack an extension; neither is a failure.
-bool isWaylandsLimit(QtMsgType type, QMessageLogContext const& context)
-{
-    return type == QtWarningMsg && QLatin1String(context.category).startsWith(QLatin1String("qt.qpa.wayland"));
-}
-
-void reportError(QtMsgType type, QMessageLogContext const& context, QString const& message)
-{
-    if (isError(type) && !isWaylandsLimit(type, context))
-        printError(message);
-    if (type == QtFatalMsg)
-        _exit(EXIT_FAILURE);
-}
-
-// Whose last change must not be lost while the event loop runs.
+// Whose last change must not be lost however the program ends.
 platform::UserDefaults* settingsInUse = nullptr;
 
-// The toolkit calls exit() by itself when the display goes. Nothing of ours is torn down then, for its threads are at
-// work.
+// When the display goes, we or the toolkit call exit(). Nothing of ours is torn down then, for its threads are at work.
 void endAbruptly(int status, void* /*unused*/)
 {
     if (!settingsInUse)
@@ -109,27 +68,48 @@ void endAbruptly(int status, void* /*unused*/)
     _exit(status);
 }
 
+void endWithoutDisplay()
+{
+    std::fprintf(stderr, "usage-meter: the connection to display %s is lost\n", Display::name().c_str());
+    std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): endAbruptly() does not let it come far.
+}
+
 std::filesystem::path userFolder(char const* variable, char const* inHome)
 {
     // The XDG rules: a relative path counts as none.
-    std::filesystem::path const folder = qEnvironmentVariable(variable).toStdString();
-    return folder.is_absolute() ? folder : std::filesystem::path(QDir::homePath().toStdString()) / inHome;
+    std::filesystem::path const folder = environmentText(variable);
+    auto const home = environmentText("HOME");
+    return folder.is_absolute() ? folder : std::filesystem::path(home.empty() ? "/" : home) / inHome;
 }
 
 std::vector<std::filesystem::path> systemAutostartFolders()
 {
-    auto const folders = qEnvironmentVariable("XDG_CONFIG_DIRS", QStringLiteral("/etc/xdg"));
+    auto folders = environmentText("XDG_CONFIG_DIRS");
+    if (folders.empty())
+        folders = "/etc/xdg";
     std::vector<std::filesystem::path> autostartFolders;
-    for (auto const& folder : folders.split(QLatin1Char(':'), Qt::SkipEmptyParts))
-        autostartFolders.push_back(std::filesystem::path(folder.toStdString()) / autostart);
+    std::string_view rest = folders;
+    while (!rest.empty()) {
+        auto const folder = rest.substr(0, rest.find(':'));
+        rest.remove_prefix(std::min(folder.size() + 1, rest.size()));
+        if (!folder.empty())
+            autostartFolders.push_back(std::filesystem::path(folder) / autostart);
+    }
     return autostartFolders;
+}
+
+// As it was at the start: an upgrade may put another one in its place.
+std::filesystem::path const& programFile()
+{
+    static std::error_code error;
+    static auto const file = std::filesystem::read_symlink("/proc/self/exe", error);
+    return file;
 }
 
 // A place relative to the program's own folder, the same in the build folder and in an installation.
 std::filesystem::path fromProgram(char const* place)
 {
-    auto const folder = std::filesystem::path(QCoreApplication::applicationDirPath().toStdString());
-    return (folder / place).lexically_normal();
+    return (programFile().parent_path() / place).lexically_normal();
 }
 
 std::filesystem::path additionalAuthority(platform::Bundle const& bundle)
@@ -138,33 +118,91 @@ std::filesystem::path additionalAuthority(platform::Bundle const& bundle)
     return file.empty() ? std::filesystem::path() : bundle.folder() / file;
 }
 
-// Installed beside the bundle.
-StatusNotifierItem::ThemeIcon themeIcon(platform::Bundle const& bundle)
+StatusNotifierItem::Look lookOf(platform::Bundle const& bundle)
 {
-    auto const themes = (bundle.folder().parent_path() / "icons").string();
-    return { toQt(bundle.infoText("CFBundleIconFile")), toQt(themes) };
+    return { .productName = bundle.infoText("CFBundleDisplayName"),
+        .iconName = bundle.infoText("CFBundleIconFile"),
+        // Installed beside the bundle.
+        .themePath = bundle.folder().parent_path() / "icons" };
 }
 
-int run(platform::Bundle const& bundle, SingleInstance& instance)
+FreedesktopNotifications::Look notificationLookOf(platform::Bundle const& bundle)
 {
-    auto const bus = QDBusConnection::sessionBus();
+    return { .applicationName = bundle.infoText("CFBundleDisplayName"),
+        .identifier = bundle.identifier(),
+        .icon = bundle.infoText("CFBundleIconFile"),
+        .actionLabel = bundle.localizedString("NOTIFICATION_ACTION") };
+}
+
+DBusMenu::TextDirection textDirectionOf(platform::Bundle const& bundle)
+{
+    return platform::isRightToLeft(bundle.language()) ? DBusMenu::TextDirection::RightToLeft
+                                                      : DBusMenu::TextDirection::LeftToRight;
+}
+
+/// As the program was called.
+struct Arguments {
+    int& count;
+    char** values;
+};
+
+// Where the status item goes, and what becomes of the program where it has no place.
+StatusArea::Handlers placesFor(LateWindows& windows, Display const& display, DesktopRunLoop& runLoop, bool& hasPlace)
+{
+    return { .noStatusArea =
+                 [&] {
+                     if (auto* const loaded = windows.load())
+                         loaded->showUsageWindowWithMenu();
+                     else
+                         runLoop.quit(EXIT_FAILURE);
+                 },
+        .placed =
+            [&] {
+                hasPlace = true;
+                if (auto* const loaded = windows.loaded())
+                    loaded->leaveMenuToStatusArea();
+            },
+        .showInOlderTray =
+            [&] {
+                auto* const loaded = display.hasOlderTray() ? windows.load() : nullptr;
+                return loaded && loaded->showInOlderTray();
+            },
+        .menuRequested =
+            [&] {
+                if (auto* const loaded = windows.load())
+                    loaded->popUpMenu();
+            },
+        .activationToken = keepActivationToken };
+}
+
+// The item outlives a toolkit of no use in a program that begins anew; without a place for it there is no program.
+void beginAnew(char** arguments, bool hasPlace)
+{
+    settingsInUse->flush();
+    if (hasPlace)
+        execv(programFile().c_str(), arguments);
+    _exit(EXIT_FAILURE);
+}
+
+int run(Arguments arguments, platform::Bundle const& bundle, DesktopRunLoop& runLoop, Display const& display, Bus& bus,
+    SingleInstance& instance)
+{
     auto const activationToken = takeActivationToken();
-    DesktopRunLoop runLoop;
     platform::ThreadQueues queues;
     platform::ProcessUrlLoader urlLoader(
         fromProgram(USAGE_METER_PARTS "/usage-meter-fetch"), additionalAuthority(bundle));
-    // The loader has its copy of the environment by now.
+    IconDrawer iconDrawer(fromProgram(USAGE_METER_PARTS "/usage-meter-draw"), runLoop, queues);
+    // The helpers have their copy of the environment by now.
     keepActivationToken(activationToken);
     auto const settingsFile = userFolder("XDG_CONFIG_HOME", ".config") / bundle.identifier() / "preferences.plist";
     platform::UserDefaults userDefaults(settingsFile, runLoop);
-    auto const notifications = FreedesktopNotifications::connectTo(
-        bus, { toQt(bundle.infoText("CFBundleIconFile")), toQt(bundle.localizedString("NOTIFICATION_ACTION")) });
+    auto const notifications = FreedesktopNotifications::connectTo(bus, notificationLookOf(bundle));
     AutostartEntry loginItem({ .identifier = bundle.identifier(),
                                  .displayName = bundle.infoText("CFBundleDisplayName"),
-                                 .file = QCoreApplication::applicationFilePath().toStdString() },
+                                 .file = programFile() },
         userFolder("XDG_CONFIG_HOME", ".config") / autostart, systemAutostartFolders());
     DesktopWorkspace workspace;
-    DesktopApplication desktopApplication;
+    DesktopApplication application(runLoop);
     platform::Platform platform {
         .runLoop = runLoop,
         .backgroundQueues = queues,
@@ -172,7 +210,7 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
         .urlLoader = urlLoader,
         .bundle = bundle,
         .workspace = workspace,
-        .application = desktopApplication,
+        .application = application,
         .notificationCenter = notifications.get(),
         .loginItem = &loginItem,
         .cachesFolder = userFolder("XDG_CACHE_HOME", ".cache"),
@@ -185,31 +223,35 @@ int run(platform::Bundle const& bundle, SingleInstance& instance)
     MainLayout layout(outlets, bundle, userDefaults, platform.numberLocale);
     AppDelegate controller(platform, outlets);
     layout.wire(controller);
-    MainWindows windows(outlets, bundle, runLoop, fromProgram(USAGE_METER_PARTS));
+    bool hasPlace = false;
+    LateWindows windows({ .argumentCount = arguments.count,
+                            .arguments = arguments.values,
+                            .outlets = outlets,
+                            .statusItem = controller.usageStatusItem(),
+                            .bundle = bundle,
+                            .runLoop = runLoop,
+                            .application = application,
+                            .partsFolder = fromProgram(USAGE_METER_PARTS),
+                            .toolkitFailed = [&] { beginAnew(arguments.values, hasPlace); } },
+        fromProgram(USAGE_METER_PARTS "/usage-meter-windows.so"));
+    workspace.useWindows(windows);
     instance.whenActivated([&controller] { controller.showPreferences(); });
-    StatusArea const statusArea(controller.usageStatusItem(), themeIcon(bundle),
-        { .noStatusArea = [&windows, &desktopApplication] { windows.showUsageWindowWithMenu(desktopApplication); },
-            .placed = [&windows] { windows.leaveMenuToStatusArea(); },
-            .activationToken = keepActivationToken },
-        bus);
-    ColorScheme const colorScheme(bus, [&outlets](platform::Appearance appearance) {
-        applyAppearance(appearance);
-        for (auto* const window :
-            { &outlets.window, &outlets.addKeyWindow, &outlets.monitorWindow, &outlets.detailedUsage.window })
-            window->effectiveAppearance.set(appearance);
-    });
+    StatusArea const statusArea(controller.usageStatusItem(), lookOf(bundle), textDirectionOf(bundle), iconDrawer, bus,
+        placesFor(windows, display, runLoop, hasPlace));
+    ColorScheme const colorScheme(
+        bus, [&windows](platform::Appearance appearance) { windows.setAppearance(appearance); });
     // A refresh needs much memory for a moment, and the next one is hours away.
     auto const trimming = controller.usageStatusItem().title.observeChanges(
         [&runLoop](std::string const&) { runLoop.performAfter(1s, [] { malloc_trim(0); }); });
-    ExitSignals const exitSignals;
-    controller.applicationDidFinishLaunching();
-
+    ExitSignals const exitSignals(runLoop);
     settingsInUse = &userDefaults;
     on_exit(endAbruptly, nullptr);
-    int const status = QApplication::exec();
+    controller.applicationDidFinishLaunching();
+    int const status = runLoop.run();
     settingsInUse = nullptr;
     userDefaults.flush();
     urlLoader.cancel();
+    iconDrawer.cancel();
     if (!queues.waitUntilIdle(patienceAtExit))
         _exit(status);
     return status;
@@ -222,44 +264,28 @@ int main(int argc, char** argv)
     ExitSignals::endProcess();
     openStandardStreams();
     heedChildren();
-    qInstallMessageHandler(reportFailedStart);
-    QApplication const application(argc, argv);
-    qInstallMessageHandler(reportError);
-    QApplication::setQuitOnLastWindowClosed(false);
-    // Where our icons are, should the desktop's own theme not be installed.
-    QIcon::setFallbackThemeName(QStringLiteral("hicolor"));
-    applyAppearance(platform::Appearance::Light);
-    // Whether it starts at login is the user's choice, not the session's memory.
-    QObject::connect(&application, &QGuiApplication::saveStateRequest,
-        [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
-
+    DesktopRunLoop runLoop;
+    auto const display = Display::connect(runLoop, endWithoutDisplay);
+    if (!display) {
+        std::fprintf(stderr, "usage-meter: no connection to display %s\n", Display::name().c_str());
+        return EXIT_FAILURE;
+    }
     auto const folder = fromProgram(USAGE_METER_BUNDLE);
     auto const bundle = platform::Bundle::open(folder, platform::userLanguages());
     if (!bundle) {
         std::fprintf(stderr, "usage-meter: %s/Info.plist is missing or damaged\n", folder.c_str());
         return EXIT_FAILURE;
     }
-    // Not the display name, which the toolkit adds to every window's title.
-    QApplication::setApplicationName(toQt(bundle->infoText("CFBundleDisplayName")));
-    QApplication::setDesktopFileName(toQt(bundle->identifier()));
-
-    // By our texts, whether or not the toolkit has its own in their language.
-    QApplication::setLayoutDirection(QLocale(toQt(bundle->language())).textDirection());
-    // The toolkit has texts of its own, such as those of a text field's menu.
-    QTranslator translator;
-    if (translator.load(QLocale(toQt(bundle->language())), QStringLiteral("qtbase"), QStringLiteral("_"),
-            QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QApplication::installTranslator(&translator);
-
-    SingleInstance instance(toQt(bundle->identifier()), QDBusConnection::sessionBus());
+    Bus bus(runLoop);
+    SingleInstance instance(bundle->identifier(), bus);
     switch (instance.start()) {
     case SingleInstance::Outcome::ActivatedFirst:
         return EXIT_SUCCESS;
     case SingleInstance::Outcome::FirstIsSilent:
-        printError(QStringLiteral("it runs already, but does not answer"));
+        std::fputs("usage-meter: it runs already, but does not answer\n", stderr);
         return EXIT_FAILURE;
     case SingleInstance::Outcome::IsFirst:
         break;
     }
-    return run(*bundle, instance);
+    return run({ argc, argv }, *bundle, runLoop, *display, bus, instance);
 }

@@ -23,6 +23,9 @@ void limitResources()
     setrlimit(RLIMIT_CORE, &coreSize);
 }
 
+// Whatever the toolkit warns of, the program goes on without the pictures at worst.
+void passOver(QtMsgType /*type*/, QMessageLogContext const& /*context*/, QString const& /*message*/) { }
+
 // A theme may look for a display and bring a font of its own, and an input method looks for a bus.
 void keepFromDesktop()
 {
@@ -36,6 +39,7 @@ int main()
 {
     limitResources();
     keepFromDesktop();
+    qInstallMessageHandler(passOver);
     // It has no work without the program that started it.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
 

@@ -1,21 +1,17 @@
 // SPDX-License-Identifier: MIT
 // The status item and its menu on a connection of their own, with both ends in this process: a panel calls them,
 // rightly and wrongly, while the model changes.
+#include "demo/PeerBus.h"
 #include "desktop/DBusMenu.h"
-#include "desktop/PendingCall.h"
 #include "desktop/StatusNotifierItem.h"
-#include "windows/Text.h"
-
-#include <QApplication>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusPendingReply>
-#include <QDBusServer>
+#include "desktop/Text.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <map>
 #include <optional>
+#include <set>
 #include <span>
 
 using platform::Menu;
@@ -133,71 +129,223 @@ constexpr char const* menuInterface = "com.canonical.dbusmenu";
 constexpr char const* itemInterface = "org.kde.StatusNotifierItem";
 constexpr char const* propertiesInterface = "org.freedesktop.DBus.Properties";
 
-struct Member {
-    char const* interface;
-    char const* name;
-    /// One letter an argument, as argument() reads them.
-    std::string_view types;
+/// Opens a container of a message. What is written goes into it until this goes.
+class Container {
+public:
+    Container(sd_bus_message* message, char kind, std::string const& contents)
+        : message_(message)
+    {
+        sd_bus_message_open_container(message_, kind, contents.c_str());
+    }
+    Container(Container const&) = delete;
+    Container& operator=(Container const&) = delete;
+    ~Container() { sd_bus_message_close_container(message_); }
+
+private:
+    sd_bus_message* message_;
 };
 
-QString word(Bytes& bytes)
+struct Argument {
+    std::string type;
+    std::function<void(sd_bus_message* message)> write;
+};
+
+template <typename Value> Argument simple(char const* type, Value value)
+{
+    return { type, [=](sd_bus_message* message) { sd_bus_message_append(message, type, value); } };
+}
+
+Argument text(std::string value)
+{
+    return { "s", [value = std::move(value)](sd_bus_message* message) { append(message, value); } };
+}
+
+Argument variant(Argument content)
+{
+    return { "v", [content = std::move(content)](sd_bus_message* message) {
+                Container const variant(message, 'v', content.type);
+                content.write(message);
+            } };
+}
+
+Argument list(char const* type, std::vector<Argument> elements)
+{
+    return { std::string("a") + type, [type, elements = std::move(elements)](sd_bus_message* message) {
+                Container const list(message, 'a', type);
+                for (auto const& element : elements)
+                    element.write(message);
+            } };
+}
+
+/// A structure or a dictionary's entry.
+Argument group(char kind, char const* types, std::vector<Argument> parts)
+{
+    return { kind == 'r' ? '(' + std::string(types) + ')' : '{' + std::string(types) + '}',
+        [kind, types, parts = std::move(parts)](sd_bus_message* message) {
+            Container const group(message, kind, types);
+            for (auto const& part : parts)
+                part.write(message);
+        } };
+}
+
+// Made level by level as it is written, for most are never written.
+Argument nestedNumber(std::size_t depth)
+{
+    if (depth == 0)
+        return simple("i", 0);
+    return { "v", [depth](sd_bus_message* message) { variant(nestedNumber(depth - 1)).write(message); } };
+}
+
+// A line with two lines under it, each of which has two, and so on.
+Argument tree(std::size_t depth)
+{
+    return { "(ia{sv}av)", [depth](sd_bus_message* message) {
+                std::vector<Argument> children;
+                if (depth > 0)
+                    children.assign(2, variant(tree(depth - 1)));
+                group('r', "ia{sv}av", { simple("i", 0), list("{sv}", {}), list("v", children) }).write(message);
+            } };
+}
+
+std::string word(Bytes& bytes)
 {
     static constexpr std::array words { "clicked", "hovered", "x-", "label", "visible", "type", "Title", "ToolTip",
         "IconPixmap", menuInterface, itemInterface };
     auto const choice = bytes.below(words.size() + 1);
-    return choice < words.size() ? QString::fromLatin1(words[choice]) : toQt(bytes.text());
+    return choice < words.size() ? words.at(choice) : bytes.text();
 }
 
-QVariant oddArgument(Bytes& bytes)
+Argument oddArgument(Bytes& bytes)
 {
-    QVariant nested = 0;
-    for (auto depth = bytes.below(50); depth > 0; --depth)
-        nested = QVariant::fromValue(QDBusVariant(nested));
-    DBusMenuLayout layout;
-    for (auto depth = bytes.below(8); depth > 0; --depth)
-        layout.children = { layout, layout };
-    QVariantList const odd { nested, QVariant::fromValue(layout), true, 1e300, 7LL, QByteArray(300, 'x'), nested,
-        QVariant::fromValue(QDBusObjectPath(QStringLiteral("/"))), QVariantMap { { word(bytes), nested } },
-        QVariant::fromValue(QDBusSignature(QStringLiteral("a{sv}"))), QStringList(), QVariantList { 1, nested } };
-    return odd.at(static_cast<qsizetype>(bytes.below(static_cast<std::size_t>(odd.size()))));
-}
-
-QVariant argument(char type, Bytes& bytes)
-{
-    auto const count = type == 'i' || type == 's' ? 0 : bytes.below(8);
-    QList<int> ids;
-    QStringList words;
-    QList<DBusMenuEvent> events;
-    for (std::size_t i = 0; i < count; ++i) {
-        ids.push_back(bytes.number());
-        words.push_back(word(bytes));
-        events.push_back({ ids.back(), words.back(), QDBusVariant(0), 0 });
-    }
-    switch (type) {
-    case 'i':
-        return bytes.number();
-    case 's':
-        return word(bytes);
-    case 'u':
-        return 0U;
-    case 'S':
-        return words;
-    case 'I':
-        return QVariant::fromValue(count == 7 ? ids + QList<int>(5'000, 1) : ids);
-    case 'E':
-        return QVariant::fromValue(events);
+    auto const nested = nestedNumber(bytes.below(50));
+    auto const layout = tree(bytes.below(8));
+    auto const key = text(word(bytes));
+    switch (bytes.below(12)) {
+    case 1:
+        return layout;
+    case 2:
+        return simple("b", 1);
+    case 3:
+        return simple("d", 1e300);
+    case 4:
+        return simple("x", std::int64_t { 7 });
+    case 5:
+        return list("y", std::vector(300, simple("y", 'x')));
+    case 7:
+        return simple("o", "/");
+    case 8:
+        return list("{sv}", { group('e', "sv", { key, variant(nested) }) });
+    case 9:
+        return simple("g", "a{sv}");
+    case 10:
+        return list("s", {});
+    case 11:
+        return list("v", { variant(simple("i", 1)), variant(nested) });
     default:
-        return QVariant::fromValue(QDBusVariant(oddArgument(bytes)));
+        return nested;
     }
 }
 
-bool isSame(DBusMenuLayout const& one, DBusMenuLayout const& other)
+Argument argument(char kind, Bytes& bytes)
 {
-    return one.id == other.id && one.properties == other.properties
-        && std::ranges::equal(one.children, other.children, isSame);
+    auto const count = kind == 'i' || kind == 's' ? 0 : bytes.below(8);
+    std::vector<Argument> ids;
+    std::vector<Argument> words;
+    std::vector<Argument> events;
+    for (std::size_t i = 0; i < count; ++i) {
+        ids.push_back(simple("i", bytes.number()));
+        words.push_back(text(word(bytes)));
+        events.push_back(group('r', "isvu", { ids.back(), words.back(), variant(simple("i", 0)), simple("u", 0U) }));
+    }
+    switch (kind) {
+    case 'i':
+        return simple("i", bytes.number());
+    case 's':
+        return text(word(bytes));
+    case 'u':
+        return simple("u", 0U);
+    case 'S':
+        return list("s", std::move(words));
+    case 'I':
+        ids.resize(count == 7 ? 5'007 : count, simple("i", 1));
+        return list("i", std::move(ids));
+    case 'E':
+        return list("(isvu)", std::move(events));
+    default:
+        return variant(oddArgument(bytes));
+    }
 }
 
-DBusMenuLayout* find(DBusMenuLayout& line, int id)
+/// A line as a panel keeps it, with values of any type as text.
+struct Line {
+    int id = 0;
+    std::map<std::string, std::string> properties;
+    std::vector<Line> children;
+
+    bool operator==(Line const&) const = default;
+};
+
+template <typename Read> void readEach(sd_bus_message* message, char container, char const* contents, Read const& read)
+{
+    while (sd_bus_message_enter_container(message, container, contents) > 0) {
+        read();
+        sd_bus_message_exit_container(message);
+    }
+}
+
+template <typename Read> void readList(sd_bus_message* message, char const* contents, Read const& read)
+{
+    require(sd_bus_message_enter_container(message, 'a', contents) >= 0);
+    read();
+    require(sd_bus_message_exit_container(message) >= 0);
+}
+
+int readNumber(sd_bus_message* message, char const* type = "i")
+{
+    int number = 0;
+    require(sd_bus_message_read(message, type, &number) > 0);
+    return number;
+}
+
+// Nothing at the end of a list.
+std::optional<std::string> readText(sd_bus_message* message)
+{
+    char const* text = nullptr;
+    int const found = sd_bus_message_read(message, "s", &text);
+    require(found >= 0);
+    return found > 0 ? std::optional(text) : std::nullopt;
+}
+
+auto readProperties(sd_bus_message* message)
+{
+    std::map<std::string, std::string> properties;
+    readList(message, "{sv}", [&] {
+        readEach(message, 'e', "sv", [&] {
+            auto& value = properties[readText(message).value()];
+            char const* type = nullptr;
+            require(sd_bus_message_peek_type(message, nullptr, &type) > 0);
+            std::string const known = type;
+            readEach(message, 'v', known.c_str(), [&] {
+                value = known == "s" ? readText(message).value() : std::to_string(readNumber(message, known.c_str()));
+            });
+        });
+    });
+    return properties;
+}
+
+Line readLine(sd_bus_message* message)
+{
+    Line line;
+    require(sd_bus_message_enter_container(message, 'r', "ia{sv}av") > 0);
+    line.id = readNumber(message);
+    line.properties = readProperties(message);
+    readList(message, "v",
+        [&] { readEach(message, 'v', "(ia{sv}av)", [&] { line.children.push_back(readLine(message)); }); });
+    sd_bus_message_exit_container(message);
+    return line;
+}
+
+Line* find(Line& line, int id)
 {
     if (line.id == id)
         return &line;
@@ -208,194 +356,222 @@ DBusMenuLayout* find(DBusMenuLayout& line, int id)
     return nullptr;
 }
 
-// Whether a panel has what it needs to show a menu, told from the model alone, and no id that it has met.
-bool isMenu(DBusMenuLayout const& layout, Menu const& menu, QSet<int>& met)
+std::string escaped(std::string const& title)
 {
+    std::string label;
+    for (char const character : asMenuLine(title))
+        label.append(character == '_' ? 2 : 1, character);
+    return label;
+}
+
+// Whether a panel has what it needs to show a menu, told from the model alone, and no id that it has met.
+bool isMenu(Line const& layout, Menu const& menu, std::set<int>& met)
+{
+    using Value = std::optional<std::string>;
     bool const areChoices = std::ranges::any_of(menu.items(), [](auto const& item) { return item->on.get(); });
     return std::ranges::equal(layout.children, menu.items(), [&](auto const& line, auto const& item) {
-        auto const has = [&line](char const* name, QVariant const& value) {
-            return line.properties.value(QLatin1String(name)) == value;
+        auto const has = [&line](char const* name, Value const& value) {
+            auto const found = line.properties.find(name);
+            return value == (found == line.properties.end() ? Value() : found->second);
         };
-        auto const title = asMenuLine(item->title.get()).replace(QLatin1Char('_'), QLatin1String("__"));
-        auto const known = met.size();
-        met.insert(line.id);
-        return met.size() > known && has("type", item->isSeparator ? QStringLiteral("separator") : QVariant())
-            && has("label", item->isSeparator || title.isEmpty() ? QVariant() : title)
-            && has("visible", item->hidden.get() ? false : QVariant())
-            && has("toggle-state", areChoices && !item->isSeparator ? int { item->on.get() } : QVariant())
+        auto const label = escaped(item->title.get());
+        return met.insert(line.id).second && has("type", item->isSeparator ? Value("separator") : Value())
+            && has("label", item->isSeparator || label.empty() ? Value() : label)
+            && has("visible", item->hidden.get() ? Value("0") : Value())
+            && has("toggle-state", areChoices && !item->isSeparator ? std::to_string(item->on.get()) : Value())
             && (item->submenu ? isMenu(line, *item->submenu, met) : line.children.empty());
     });
 }
 
-/// Both ends, made once for all inputs.
-struct Connections {
-    Connections()
-    {
-        qInstallMessageHandler([](QtMsgType, QMessageLogContext const&, QString const&) { });
-        QObject::connect(&server, &QDBusServer::newConnection, &server,
-            [this](QDBusConnection const& connection) { program = connection; });
-        panel = QDBusConnection::connectToPeer(server.address(), QStringLiteral("panel"));
-        while (!program.isConnected())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-
-    bool const isOffscreen = qputenv("QT_QPA_PLATFORM", "offscreen");
-    int argumentCount = 1;
-    std::array<char, 5> name { "fuzz" };
-    std::array<char*, 2> arguments { name.data(), nullptr };
-    QApplication application { argumentCount, arguments.data() };
-    QDBusServer server;
-    QDBusConnection program { QString() };
-    QDBusConnection panel { QString() };
-};
-
 /// Calls the item and the menu, and keeps what the menu was said to hold.
-class Panel : public QObject {
-    Q_OBJECT
-
+class Panel {
 public:
-    explicit Panel(QDBusConnection bus)
-        : bus_(std::move(bus))
+    explicit Panel(Bus& bus)
+        : bus_(bus)
+        , menuSignals_(
+              bus.listen(nullptr, nullptr, menuInterface, nullptr, [this](sd_bus_message* signal) { hear(signal); }))
+        , itemSignals_(
+              bus.listen(nullptr, nullptr, itemInterface, nullptr, [this](sd_bus_message* signal) { hear(signal); }))
     {
-        for (char const* const interface : { menuInterface, itemInterface })
-            bus_.connect({}, {}, QLatin1String(interface), {}, this, SLOT(hear(QDBusMessage)));
     }
 
     void call(Bytes& bytes)
     {
-        static constexpr std::array<Member, 15> members { { { menuInterface, "GetLayout", "iiS" },
-            { menuInterface, "GetGroupProperties", "IS" }, { menuInterface, "GetProperty", "is" },
-            { menuInterface, "Event", "isvu" }, { menuInterface, "EventGroup", "E" },
-            { menuInterface, "AboutToShow", "i" }, { menuInterface, "AboutToShowGroup", "I" },
-            { itemInterface, "Activate", "ii" }, { itemInterface, "Scroll", "is" },
-            { itemInterface, "ProvideXdgActivationToken", "s" }, { propertiesInterface, "Get", "ss" },
-            { propertiesInterface, "GetAll", "s" }, { propertiesInterface, "Set", "ssv" },
-            { itemInterface, "SecondaryActivate", "ii" }, { itemInterface, "ContextMenu", "ii" } } };
-        auto member = members.at(bytes.below(members.size()));
+        struct Member {
+            char const* interface;
+            char const* name;
+            /// One letter an argument, as argument() reads them.
+            std::string_view arguments;
+            std::string_view signature;
+        };
+        static constexpr std::array<Member, 15> members { { { menuInterface, "GetLayout", "iiS", "iias" },
+            { menuInterface, "GetGroupProperties", "IS", "aias" }, { menuInterface, "GetProperty", "is", "is" },
+            { menuInterface, "Event", "isvu", "isvu" }, { menuInterface, "EventGroup", "E", "a(isvu)" },
+            { menuInterface, "AboutToShow", "i", "i" }, { menuInterface, "AboutToShowGroup", "I", "ai" },
+            { itemInterface, "Activate", "ii", "ii" }, { itemInterface, "Scroll", "is", "is" },
+            { itemInterface, "ProvideXdgActivationToken", "s", "s" }, { propertiesInterface, "Get", "ss", "ss" },
+            { propertiesInterface, "GetAll", "s", "s" }, { propertiesInterface, "Set", "ssv", "ssv" },
+            { itemInterface, "SecondaryActivate", "ii", "ii" }, { itemInterface, "ContextMenu", "ii", "ii" } } };
+        auto const& member = members.at(bytes.below(members.size()));
         auto const fault = bytes.below(8);
-        QVariantList arguments;
-        for (char const type : member.types)
-            arguments.push_back(fault == 7 && bytes.below(2) == 1 ? oddArgument(bytes) : argument(type, bytes));
+        std::vector<Argument> arguments;
+        for (char const kind : member.arguments)
+            arguments.push_back(fault == 7 && bytes.below(2) == 1 ? oddArgument(bytes) : argument(kind, bytes));
         if (fault == 6)
             arguments.push_back(oddArgument(bytes));
         else if (fault == 5)
             arguments.pop_back();
         bool const toMenu = member.interface == menuInterface || fault == 3;
-        send(toMenu ? StatusNotifierItem::menuPath : StatusNotifierItem::path, member.interface,
-            fault == 4 ? word(bytes) : QString::fromLatin1(member.name), arguments, [](QDBusPendingCall const&) { });
+        auto message = bus_.methodCall(nullptr, toMenu ? StatusNotifierItem::menuPath : StatusNotifierItem::path,
+            member.interface, fault == 4 ? word(bytes).c_str() : member.name);
+        // Not every word is the name of a member.
+        if (!message)
+            return;
+        for (auto const& each : arguments)
+            each.write(message.get());
+        // The library alone answers for properties, and overlooks more of what is said to it.
+        bool const isMalformed = member.interface != propertiesInterface && fault != 4
+            && sd_bus_message_get_signature(message.get(), 1) != member.signature;
+        bool const isNowhere = member.interface == itemInterface && toMenu;
+        send(std::move(message), [mustFail = isMalformed || isNowhere](sd_bus_message* reply) {
+            require(!mustFail || sd_bus_message_is_method_error(reply, nullptr) > 0);
+        });
     }
 
-    void read(int id, std::function<void(DBusMenuLayout const&)> handler)
+    void read(int id, std::function<void(Line const&)> handler)
     {
-        send(StatusNotifierItem::menuPath, menuInterface, QStringLiteral("GetLayout"), { id, -1, QStringList() },
-            [id, handler = std::move(handler)](QDBusPendingReply<uint, DBusMenuLayout> const& reply) {
-                require(!reply.isError() || id != 0);
-                if (!reply.isError())
-                    handler(reply.argumentAt<1>());
-            });
+        auto message = bus_.methodCall(nullptr, StatusNotifierItem::menuPath, menuInterface, "GetLayout");
+        sd_bus_message_append(message.get(), "iias", id, -1, 0);
+        send(std::move(message), [id, handler = std::move(handler)](sd_bus_message* reply) {
+            bool const isRefused = sd_bus_message_is_method_error(reply, nullptr) > 0;
+            require(!isRefused || id != 0);
+            if (isRefused)
+                return;
+            sd_bus_message_skip(reply, "u");
+            handler(readLine(reply));
+        });
     }
 
     void refresh(int id)
     {
-        read(id, [this, id](DBusMenuLayout const& layout) {
+        read(id, [this, id](Line const& layout) {
             if (auto* const line = find(copy, id))
                 *line = layout;
         });
     }
 
-    /// Runs the main loop until every call is answered.
-    void wait() const
-    {
-        while (pending_ > 0)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
+    /// Whether every call is answered, and nobody has hung up.
+    bool isContent() const { return pending_ == 0 && bus_.isConnected(); }
 
-    Q_SLOT void hear(QDBusMessage const& message)
-    {
-        auto const arguments = message.arguments();
-        if (message.member() == QLatin1String("LayoutUpdated"))
-            refresh(arguments.at(1).toInt());
-        else if (message.member() == QLatin1String("XAyatanaNewLabel"))
-            label = arguments.at(0).toString();
-        else if (message.member() == QLatin1String("ItemsPropertiesUpdated"))
-            update(qdbus_cast<QList<DBusMenuProperties>>(arguments.at(0)),
-                qdbus_cast<QList<DBusMenuRemovedProperties>>(arguments.at(1)));
-    }
-
-    DBusMenuLayout copy;
-    QString label;
+    Line copy;
+    std::string label;
 
 private:
-    void send(char const* path, char const* interface, QString const& member, QVariantList const& arguments,
-        std::function<void(QDBusPendingCall const&)> handler)
+    void send(BusMessage message, Bus::Handler answered)
     {
-        auto message = QDBusMessage::createMethodCall({}, QLatin1String(path), QLatin1String(interface), member);
-        message.setArguments(arguments);
         ++pending_;
-        whenFinished(bus_.asyncCall(message), this, [this, handler = std::move(handler)](QDBusPendingCall const& call) {
+        calls_.push_back(bus_.call(std::move(message), [this, answered = std::move(answered)](sd_bus_message* reply) {
             --pending_;
-            handler(call);
+            answered(reply);
+        }));
+        require(calls_.back() != nullptr);
+    }
+
+    void hear(sd_bus_message* signal)
+    {
+        std::string_view const name = sd_bus_message_get_member(signal);
+        if (name == "LayoutUpdated") {
+            sd_bus_message_skip(signal, "u");
+            refresh(readNumber(signal));
+        } else if (name == "XAyatanaNewLabel") {
+            label = readText(signal).value();
+        } else if (name == "ItemsPropertiesUpdated") {
+            update(signal);
+        }
+    }
+
+    void update(sd_bus_message* signal)
+    {
+        Line unknown;
+        auto const readLineId = [&]() -> Line& {
+            auto* const line = find(copy, readNumber(signal));
+            return line ? *line : unknown;
+        };
+        readList(signal, "(ia{sv})", [&] {
+            readEach(signal, 'r', "ia{sv}", [&] {
+                auto& line = readLineId();
+                for (auto const& [name, value] : readProperties(signal))
+                    line.properties[name] = value;
+            });
+        });
+        readList(signal, "(ias)", [&] {
+            readEach(signal, 'r', "ias", [&] {
+                auto& line = readLineId();
+                readList(signal, "s", [&] {
+                    while (auto const name = readText(signal))
+                        line.properties.erase(*name);
+                });
+            });
         });
     }
 
-    void update(QList<DBusMenuProperties> const& updated, QList<DBusMenuRemovedProperties> const& removed)
-    {
-        for (auto const& [id, properties] : updated) {
-            if (auto* const line = find(copy, id))
-                line->properties.insert(properties);
-        }
-        for (auto const& [id, names] : removed) {
-            if (auto* const line = find(copy, id))
-                line->properties.removeIf([&gone = names](auto const& each) { return gone.contains(each.key()); });
-        }
-    }
-
-    QDBusConnection bus_;
+    Bus& bus_;
+    std::vector<BusSlot> calls_;
     int pending_ = 0;
+    BusSlot menuSignals_;
+    BusSlot itemSignals_;
+};
+
+/// Both ends, made once for all inputs.
+struct Connection {
+    DesktopRunLoop loop;
+    PeerBus ends { loop };
+};
+
+/// Has no room for the helper that draws.
+struct NoQueues final : platform::BackgroundQueues {
+    bool async(std::string const& /*label*/, platform::Task /*task*/) override { return false; }
 };
 
 }
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
-    static Connections connections;
+    static Connection connection;
+    auto& [loop, ends] = connection;
     Bytes bytes(data, size);
     Model model;
-    DBusMenu menu(model.menus[0]);
-    StatusNotifierItem item(model.item, {});
-    auto& program = connections.program;
-    program.registerObject(
-        QLatin1String(StatusNotifierItem::menuPath), &menu, QDBusConnection::ExportScriptableContents);
-    program.registerObject(QLatin1String(StatusNotifierItem::path), &item, QDBusConnection::ExportScriptableContents);
+    NoQueues queues;
+    IconDrawer drawer("/nowhere", loop, queues);
+    DBusMenu menu(model.menus[0], StatusNotifierItem::menuPath, DBusMenu::TextDirection::LeftToRight, ends.program);
+    StatusNotifierItem item(model.item, { .productName = "Meter", .iconName = "meter", .themePath = "/icons" }, drawer,
+        ends.program, { .menuRequested = [] { }, .activationTokenProvided = [](std::string const&) { } });
 
-    Panel panel(connections.panel);
+    Panel panel(ends.panel);
     panel.refresh(0);
     while (!bytes.isEmpty()) {
         auto const turn = bytes.below(8);
-        if (turn == 0)
-            panel.wait();
-        else if (turn == 1)
-            QCoreApplication::sendPostedEvents();
-        else if (turn == 2) {
+        if (turn == 0) {
+            ends.settle();
+        } else if (turn == 1) {
+            loop.runDue();
+        } else if (turn == 2) {
             model.item.title.set(bytes.text());
-            item.setHost({ .look = static_cast<StatusLook>(bytes.below(3)) });
-        } else if (turn < 5)
+            auto const kind = bytes.below(6);
+            item.setHost({ .look = static_cast<StatusLook>(kind % 3), .coloursSymbols = kind >= 3 });
+        } else if (turn < 5) {
             model.change(bytes);
-        else
+        } else {
             panel.call(bytes);
+        }
     }
-    // Every click is queued then, runs then, and what it changed is heard of before the next answer.
-    panel.wait();
-    QCoreApplication::sendPostedEvents();
-    panel.read(0, [](DBusMenuLayout const&) { });
-    panel.wait();
-    require(panel.label == asPanelLabel(model.item.title.get()));
-    panel.read(0, [&](DBusMenuLayout const& layout) {
-        QSet<int> met { 0 };
-        require(isSame(panel.copy, layout) && isMenu(layout, model.menus[0], met));
+    ends.settle();
+    require(panel.isContent() && panel.label == asPanelLabel(model.item.title.get()));
+    panel.read(0, [&](Line const& layout) {
+        std::set<int> met { 0 };
+        require(panel.copy == layout && isMenu(layout, model.menus[0], met));
     });
-    panel.wait();
+    ends.settle();
+    require(panel.isContent());
     return 0;
 }
-
-#include "MenuFuzz.moc"

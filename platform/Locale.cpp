@@ -50,4 +50,6 @@ std::vector<std::string> userLanguages()
     return languages;
 }
 
+bool isRightToLeft(std::string const& language) { return icu::Locale(language.c_str()).isRightToLeft() != 0; }
+
 }

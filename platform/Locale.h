@@ -13,4 +13,7 @@ std::string userLocale(char const* category);
 /// The languages that the user reads, the preferred one first: LANGUAGE where it is set, then the locale of messages.
 std::vector<std::string> userLanguages();
 
+/// Whether a language is written from the right to the left.
+bool isRightToLeft(std::string const& language);
+
 }

@@ -21,6 +21,8 @@ std::int32_t nextCodePoint(std::string_view text, std::size_t& position)
 
 namespace {
 
+constexpr std::string_view replacementCharacter = "\uFFFD";
+
 // Unicode's categories Cc, Zl and Zp.
 bool isControlCharacter(std::int32_t codePoint)
 {
@@ -37,6 +39,26 @@ bool isValidUtf8(std::string_view text)
             return false;
     }
     return true;
+}
+
+std::size_t lengthOfUtf8(std::string_view text)
+{
+    std::size_t length = 0;
+    for (std::size_t position = 0; position < text.size(); ++length)
+        nextCodePoint(text, position);
+    return length;
+}
+
+std::string wellFormedUtf8(std::string_view text)
+{
+    std::string wellFormed;
+    for (std::size_t position = 0; position < text.size();) {
+        std::size_t const start = position;
+        auto const codePoint = nextCodePoint(text, position);
+        bool const isValid = codePoint >= 0 && !U_IS_UNICODE_NONCHAR(codePoint);
+        wellFormed += isValid ? text.substr(start, position - start) : replacementCharacter;
+    }
+    return wellFormed;
 }
 
 std::string withoutControlCharacters(std::string_view text)

@@ -213,7 +213,7 @@ private:
     // What opens at a click, with the line that the pointer is on.
     void showLists()
     {
-        MenuMirror menu(outlets->dropDownMenu);
+        MenuMirror menu(outlets->dropDownMenu, runLoop);
         menu.popup({});
         menu.setActiveAction(menu.actions().constFirst());
         QToolTip::showText({}, QStringLiteral("1"));

@@ -6,8 +6,12 @@
 #include "storage/SettingsKeys.h"
 #include "tests/support/WindowsTest.h"
 #include "ui/MainLayout.h"
+#include "windows/Browser.h"
 #include "windows/LevelBar.h"
 
+#include <QDBusConnection>
+#include <QDBusMetaType>
+#include <QDBusVariant>
 #include <QDesktopServices>
 
 #include <atomic>
@@ -24,6 +28,7 @@ namespace {
 TEST(DesktopRunLoop, TasksWaitTheirTurnAndTimersMayEndInTheirOwnTaskAndFireAtOnceForADatePast)
 {
     DesktopRunLoop loop;
+    ToolkitLoop const around(loop);
     Texts fired;
     std::thread([&] { loop.perform([&fired] { fired.emplace_back("thread's"); }); }).join();
     loop.perform([&fired] { fired.emplace_back("queued"); });
@@ -49,6 +54,7 @@ std::atomic<int> sleptSeconds = 0;
 TEST(DesktopRunLoop, TellsOfAWakeBeforeWhatFellDueInSleep)
 {
     DesktopRunLoop loop;
+    ToolkitLoop const around(loop);
     Texts told;
     auto const wake = loop.observeWake([&told] { told.emplace_back("wake"); });
     std::unique_ptr<platform::Timer> timer;
@@ -140,17 +146,17 @@ TEST_F(MainWindowsTest, TheUsersHandReachesTheModelsAndTheSettings)
 TEST_F(MainWindowsTest, AWindowComesToTheFrontFromWhereverItIsWithATokenThatIsUsedOnce)
 {
     auto const token = [] { return qEnvironmentVariable("XDG_ACTIVATION_TOKEN"); };
-    for (auto const& [given, kept] : { std::pair(QString(1024, 'x'), true), { QString(1025, 'x'), false } }) {
+    for (auto const& [given, kept] : { std::pair(std::string(1024, 'x'), true), { std::string(1025, 'x'), false } }) {
         window().showMinimized();
         keepActivationToken(given);
-        EXPECT_EQ(token(), kept ? given : QString());
+        EXPECT_EQ(token(), kept ? QString::fromStdString(given) : QString());
         outlets_.window.makeKeyAndOrderFront();
         EXPECT_FALSE(window().isMinimized());
         EXPECT_EQ(token(), QString());
     }
     Browser browser;
-    keepActivationToken(QStringLiteral("x"));
-    DesktopWorkspace().open("https://tarvo.example/?a=%20b");
+    keepActivationToken("x");
+    openInBrowser("https://tarvo.example/?a=%20b");
     EXPECT_EQ(browser.opened, "https://tarvo.example/?a=%20b");
     EXPECT_EQ(token(), QString());
 }
@@ -310,6 +316,7 @@ class SettingsPortal : public QObject {
 public:
     SettingsPortal()
     {
+        qDBusRegisterMetaType<Settings>();
         bus.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), this, QDBusConnection::ExportAllContents);
         EXPECT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
     }
@@ -328,8 +335,10 @@ TEST(ColorScheme, TellsThePreferencesOfAPortalThatComesAndEveryLaterOne)
 {
     using enum platform::Appearance;
     std::vector<platform::Appearance> told;
-    ColorScheme const scheme(QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("program")),
-        [&told](platform::Appearance appearance) { told.push_back(appearance); });
+    DesktopRunLoop loop;
+    ToolkitLoop const around(loop);
+    Bus bus(loop);
+    ColorScheme const scheme(bus, [&told](platform::Appearance appearance) { told.push_back(appearance); });
     SettingsPortal portal;
     ASSERT_TRUE(QTest::qWaitFor([&told] { return told.size() == 1; }));
     auto const freedesktop = QStringLiteral("org.freedesktop.appearance");
@@ -379,8 +388,10 @@ struct ActivationLog final : platform::NotificationCenterDelegate {
 TEST(FreedesktopNotifications, DeliversAndTellsOfClicksOnItsOwnOnly)
 {
     NotificationService service;
-    auto const center = FreedesktopNotifications::connectTo(
-        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("program")), { "meter", "Show" });
+    DesktopRunLoop loop;
+    ToolkitLoop const around(loop);
+    Bus bus(loop);
+    auto const center = FreedesktopNotifications::connectTo(bus, { "Meter", "meter.desktop", "meter", "Show" });
     ActivationLog log;
     center->setDelegate(&log);
     // Each one takes the place of the last, unless that has gone.

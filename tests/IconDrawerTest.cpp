@@ -4,6 +4,7 @@
 #include "draw/StatusIcon.h"
 #include "platform/ThreadQueues.h"
 #include "tests/support/TemporaryFolder.h"
+#include "windows/ToolkitLoop.h"
 
 #include <QTest>
 
@@ -42,15 +43,15 @@ struct IconDrawerTest : testing::Test {
 
     TemporaryFolder folder;
     DesktopRunLoop loop;
+    ToolkitLoop const around { loop };
     platform::ThreadQueues queues;
 };
 
 TEST_F(IconDrawerTest, TheHelperDrawsWhatTheProgramWouldDrawAndOnlyTheLatestOfWhatIsAskedForMeanwhile)
 {
     for (auto const look : { StatusLook::Icon, StatusLook::WideIcon, StatusLook::Label }) {
-        Answers const expected { { "5\u00A0é", statusPixmaps("5\u00A0é", look) },
-            { "漢\n", statusPixmaps("漢\n", look) } };
-        EXPECT_TRUE(answers({ USAGE_METER_DRAW, loop, queues }, { "5\u00A0é", "1", "2", "漢\n" }, look) == expected);
+        Answers const expected { { "5 é", statusPixmaps("5 é", look) }, { "漢\n", statusPixmaps("漢\n", look) } };
+        EXPECT_TRUE(answers({ USAGE_METER_DRAW, loop, queues }, { "5 é", "1", "2", "漢\n" }, look) == expected);
     }
 }
 

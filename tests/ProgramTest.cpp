@@ -8,6 +8,14 @@ using namespace std::chrono_literals;
 using namespace std::string_literals;
 
 struct ProgramTest : RunningProgramTest {
+    static constexpr char const* preferences = "^Usage Meter Preferences$";
+
+    static bool isShown(char const* window)
+    {
+        QStringList const search { "search", "--onlyvisible", "--name", QLatin1String(window) };
+        return QProcess::execute(QStringLiteral("xdotool"), search) == 0;
+    }
+
     /// Each of these once, whatever else there is.
     bool waitForLines(Texts const& expected)
     {
@@ -124,17 +132,13 @@ TEST_F(ProgramTest, AnswersItsUserWhileTheProviderDoesNot)
 TEST_F(ProgramTest, ASecondStartShowsThePreferencesOfTheFirstAndTheDisplaysEndLosesNothing)
 {
     startScreen();
-    auto const isShown = [] {
-        QStringList const search { "search", "--onlyvisible", "--name", "^Usage Meter Preferences$" };
-        return QProcess::execute(QStringLiteral("xdotool"), search) == 0;
-    };
     program_.startWith({ home, cottage });
     ASSERT_TRUE(waitForTitle("57.3GB"));
-    EXPECT_FALSE(isShown());
+    EXPECT_FALSE(isShown(preferences));
     ProgramUnderTest second;
     second.start();
     EXPECT_EQ(second.waitForExit(bound), 0) << second.output();
-    EXPECT_TRUE(QTest::qWaitFor(isShown));
+    EXPECT_TRUE(QTest::qWaitFor([] { return isShown(preferences); }));
     EXPECT_EQ(provider_->requestCount("secretOne"), 1);
 
     program_.signal(SIGSTOP);
@@ -150,6 +154,36 @@ TEST_F(ProgramTest, ASecondStartShowsThePreferencesOfTheFirstAndTheDisplaysEndLo
     EXPECT_EQ(program_.waitForExit(bound), 1);
     EXPECT_EQ(storedSelection(), cottage);
     EXPECT_EQ(std::ranges::count(program_.output(), '\n'), 1) << program_.output();
+}
+
+TEST_F(ProgramTest, AClickOnADisplayThatLetsNobodyInLeavesTheItemAndTheNextShowsTheWindow)
+{
+    // An entry for any display: family, address, number, kind of key, key.
+    auto const writeKey = [](std::filesystem::path const& file, char digit) {
+        auto const entry = "\xFF\xFF\0\0\0\0\0\x12MIT-MAGIC-COOKIE-1\0\x10"s + std::string(16, digit);
+        platform::writeFileAtomically(file, entry);
+    };
+    auto const lock = folder_.path() / "lock";
+    auto const keyFile = folder_.path() / "key";
+    writeKey(lock, '1');
+    writeKey(keyFile, '1');
+    qputenv("XAUTHORITY", keyFile.c_str());
+    program_.setVariable("XAUTHORITY", keyFile.c_str());
+    startScreen({ "-auth", QString::fromStdString(lock) });
+    program_.startWith({ home });
+    ASSERT_TRUE(waitForTitle("57.3GB"));
+    program_.replacePart("usage-meter-windows.so");
+    writeKey(keyFile, '2');
+    ASSERT_TRUE(click("Preferences…"));
+    // What the display has to say comes before it.
+    EXPECT_TRUE(
+        waitFor([this] { return program_.output().find("usage-meter: the windows cannot be") != std::string::npos; }));
+    auto const output = program_.output();
+    writeKey(keyFile, '1');
+    ASSERT_TRUE(click("Preferences…"));
+    EXPECT_TRUE(QTest::qWaitFor([] { return isShown(preferences); }));
+    EXPECT_EQ(program_.output(), output);
+    stop();
 }
 
 TEST_F(ProgramTest, SaysInOneLineWhyItCannotStart)

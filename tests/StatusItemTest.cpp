@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The status item as a panel finds it on a real session bus.
 #include "desktop/StatusArea.h"
+#include "platform/ThreadQueues.h"
 #include "tests/support/PanelTest.h"
 #include "tests/support/Slowness.h"
+#include "windows/ToolkitLoop.h"
 
+#include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVirtualObject>
@@ -14,9 +17,26 @@
 #include <set>
 #include <sys/prctl.h>
 
+using namespace std::chrono_literals;
 using platform::Menu;
 using platform::MenuItem;
-using std::chrono::milliseconds;
+
+/// Of one line, as EventGroup takes several: (isvu).
+struct Click {
+    int id = 0;
+};
+
+QDBusArgument& operator<<(QDBusArgument& argument, Click const& click)
+{
+    argument.beginStructure();
+    argument << click.id << QStringLiteral("clicked") << QDBusVariant(0) << 0U;
+    argument.endStructure();
+    return argument;
+}
+
+QDBusArgument const& operator>>(QDBusArgument const& argument, Click& /*click*/) { return argument; }
+
+Q_DECLARE_METATYPE(Click)
 
 namespace {
 
@@ -35,10 +55,19 @@ protected:
         item_.title.set("57.3GB");
     }
 
-    void startArea(QDBusConnection const& bus = connectionOf("program"), milliseconds loginTime = milliseconds(1))
+    ~StatusItem() override
     {
-        StatusArea::Handlers const handlers { [this] { ++timesWithoutPlace_; }, [this] { ++timesPlaced_; }, {} };
-        area_.emplace(item_, StatusNotifierItem::ThemeIcon { "meter", "/share/icons" }, handlers, bus, loginTime);
+        area_.reset();
+        drawer_.cancel();
+        queues_.waitUntilIdle(bound);
+    }
+
+    void startArea(platform::Seconds loginTime = 1ms)
+    {
+        StatusArea::Handlers const handlers { .noStatusArea = [this] { ++timesWithoutPlace_; },
+            .placed = [this] { ++timesPlaced_; } };
+        area_.emplace(item_, StatusNotifierItem::Look { "Meter", "meter", "/share/icons" },
+            DBusMenu::TextDirection::LeftToRight, drawer_, *bus_, handlers, loginTime);
     }
 
     void start()
@@ -55,7 +84,7 @@ protected:
 
     QDBusPendingCall callMenu(char const* method, QVariantList const& arguments)
     {
-        auto message = QDBusMessage::createMethodCall(connectionOf("program").baseService(),
+        auto message = QDBusMessage::createMethodCall(QString::fromUtf8(bus_->uniqueName()),
             QStringLiteral("/StatusMenu"), QStringLiteral("com.canonical.dbusmenu"), QLatin1String(method));
         message.setArguments(arguments);
         return panel_.asyncCall(message);
@@ -72,7 +101,7 @@ protected:
     /// As a panel reads it.
     QString property(char const* name)
     {
-        auto message = QDBusMessage::createMethodCall(connectionOf("program").baseService(),
+        auto message = QDBusMessage::createMethodCall(QString::fromUtf8(bus_->uniqueName()),
             QStringLiteral("/StatusNotifierItem"), QStringLiteral("org.freedesktop.DBus.Properties"),
             QStringLiteral("Get"));
         message.setArguments({ QStringLiteral("org.kde.StatusNotifierItem"), QLatin1String(name) });
@@ -89,6 +118,11 @@ protected:
     Menu submenu_;
     Menu menu_;
     platform::StatusItem item_ { menu_ };
+    DesktopRunLoop loop_;
+    ToolkitLoop around_ { loop_ };
+    std::optional<Bus> bus_ { loop_ };
+    platform::ThreadQueues queues_;
+    IconDrawer drawer_ { USAGE_METER_DRAW, loop_, queues_ };
     std::optional<StatusArea> area_;
 };
 
@@ -141,7 +175,8 @@ TEST_F(StatusItem, TellsTheChangesOfOneTurnAsOneUpdateAndNothingThatIsNotNew)
 {
     figure_->on.set(true);
     start();
-    SignalLog log(panel_, connectionOf("program").baseService());
+    ASSERT_TRUE(waitFor([this] { return property("IconName").isEmpty(); })) << "the title is drawn";
+    SignalLog log(panel_, QString::fromUtf8(bus_->uniqueName()));
     item_.title.set("Please wait");
     item_.title.set("58GB");
     figure_->title.set("Downloaded: 53GB");
@@ -170,9 +205,10 @@ TEST_F(StatusItem, TellsTheChangesOfOneTurnAsOneUpdateAndNothingThatIsNotNew)
 TEST_F(StatusItem, AnswersAClickBeforeItActsOnItAndForgetsClicksOnLinesThatItTookAway)
 {
     start();
-    DBusMenuEvent const click { reader_.lines()[1].id, QStringLiteral("clicked"), QDBusVariant(0), 0 };
-    DBusMenuEvent const next { reader_.lines()[0].id, click.name, click.data, 0 };
-    QVariantList const both { QVariant::fromValue(QList<DBusMenuEvent> { click, next }) };
+    qDBusRegisterMetaType<Click>();
+    qDBusRegisterMetaType<QList<Click>>();
+    QVariantList const both { QVariant::fromValue(
+        QList<Click> { { reader_.lines()[1].id }, { reader_.lines()[0].id } }) };
     QDBusPendingCallWatcher const answer(callMenu("EventGroup", both));
     int clicks = 0;
     figure_->action = [&clicks](platform::Sender const&) { ++clicks; };
@@ -281,12 +317,17 @@ TEST_F(StatusItem, WaitsForAPanelThatHangsUntilAnotherHasTakenItsPlace)
 
 TEST_F(StatusItem, SaysThatThereIsNoPlaceWhenItsBusGoes)
 {
+    constexpr char const* addressVariable = "DBUS_SESSION_BUS_ADDRESS";
     QProcess daemon;
     daemon.start(QStringLiteral("dbus-daemon"), { "--session", "--nofork", "--nopidfile", "--print-address" });
     ASSERT_TRUE(daemon.waitForReadyRead());
     auto const address = QString::fromUtf8(daemon.readLine().trimmed());
     ASSERT_TRUE(watcher_.emplace(QDBusConnection::connectToBus(address, QStringLiteral("own watcher"))).start());
-    startArea(QDBusConnection::connectToBus(address, QStringLiteral("own program")));
+    auto const session = qgetenv(addressVariable);
+    qputenv(addressVariable, address.toUtf8());
+    bus_.emplace(loop_);
+    qputenv(addressVariable, session);
+    startArea();
     ASSERT_TRUE(waitFor([this] { return timesPlaced_ == 1; }));
     daemon.kill();
     EXPECT_TRUE(waitFor([this] { return timesWithoutPlace_ == 1; }));
@@ -294,7 +335,7 @@ TEST_F(StatusItem, SaysThatThereIsNoPlaceWhenItsBusGoes)
 
 TEST_F(StatusItem, SaysThatThereIsNoPlaceButNotWhileTheUserLogsInNorWhenAPanelGoes)
 {
-    startArea(connectionOf("program"), StatusArea::usualLoginTime);
+    startArea(StatusArea::usualLoginTime);
     EXPECT_FALSE(reader_.waitFor([this] { return timesWithoutPlace_ > 0; }, longerThanGrace));
     startArea();
     ASSERT_TRUE(waitFor([this] { return timesWithoutPlace_ == 1; }));

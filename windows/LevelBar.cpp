@@ -74,18 +74,27 @@ void LevelBar::setCriticalValue(double value) { set(criticalValue_, value); }
 void LevelBar::setDescriptions(Descriptions descriptions)
 {
     descriptions_ = std::move(descriptions);
-    announce_.request();
+    requestAnnouncement();
 }
 
 void LevelBar::set(double& field, double value)
 {
     field = value;
     update();
-    announce_.request();
+    requestAnnouncement();
+}
+
+// At the end of the turn, for the values of a report come one after the other.
+void LevelBar::requestAnnouncement()
+{
+    if (std::exchange(isAnnouncing_, true))
+        return;
+    QMetaObject::invokeMethod(this, [this] { announce(); }, Qt::QueuedConnection);
 }
 
 void LevelBar::announce()
 {
+    isAnnouncing_ = false;
     if (auto const now = description(); std::exchange(announced_, now) == now)
         return;
     QAccessibleValueChangeEvent value(this, percentage());

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "windows/OncePerTurn.h"
-
 #include <QString>
 #include <QWidget>
 
@@ -51,6 +49,7 @@ private:
     Zone zone() const;
     /// How far along the bar a value lies, from 0 to 1.
     double share(double value) const;
+    void requestAnnouncement();
     void announce();
 
     double maximum_ = 1;
@@ -59,5 +58,5 @@ private:
     double criticalValue_ = 1;
     Descriptions descriptions_;
     QString announced_;
-    OncePerTurn announce_ { [this] { announce(); } };
+    bool isAnnouncing_ = false;
 };

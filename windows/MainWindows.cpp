@@ -95,8 +95,9 @@ void bindDetailedUsage(Binder& binder, DetailedUsageLayout& layout, WebPluginLoa
 }
 
 MainWindows::MainWindows(
-    Outlets& outlets, platform::Bundle const& bundle, platform::RunLoop const& runLoop, std::filesystem::path webFolder)
+    Outlets& outlets, platform::Bundle const& bundle, platform::RunLoop& runLoop, std::filesystem::path webFolder)
     : outlets_(outlets)
+    , runLoop_(runLoop)
     , webPlugin_(std::move(webFolder))
     , preferences_(outlets.window, bundle, runLoop, setUp<Ui::PreferencesWindow>,
           [&outlets](Binder& binder) { bindPreferences(binder, outlets); })
@@ -116,7 +117,7 @@ MainWindows::MainWindows(
 void MainWindows::showUsageWindowWithMenu(platform::Application& application)
 {
     if (!menu_) {
-        menu_ = std::make_unique<MenuMirror>(outlets_.dropDownMenu);
+        menu_ = std::make_unique<MenuMirror>(outlets_.dropDownMenu, runLoop_);
         menu_->setTitle(productName_);
         menuBar_ = new QMenuBar(&usage_.widget());
         menuBar_->addMenu(menu_.get());

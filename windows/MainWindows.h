@@ -20,8 +20,8 @@ struct Outlets;
 class MainWindows final {
 public:
     /// The web engine's libraries are looked for in the folder when the detailed usage window is first opened.
-    MainWindows(Outlets& outlets, platform::Bundle const& bundle, platform::RunLoop const& runLoop,
-        std::filesystem::path webFolder);
+    MainWindows(
+        Outlets& outlets, platform::Bundle const& bundle, platform::RunLoop& runLoop, std::filesystem::path webFolder);
 
     /// Shows the usage window with the status menu in it, for a desktop that has no place for a status item. Without
     /// one the window is the program: closing it is its end.
@@ -33,6 +33,7 @@ private:
     void setMenuShown(bool shown);
 
     Outlets& outlets_;
+    platform::RunLoop& runLoop_;
     WebPluginLoader webPlugin_;
     WindowMirror preferences_;
     WindowMirror addKey_;

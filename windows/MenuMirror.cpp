@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "windows/MenuMirror.h"
 
+#include "desktop/Text.h"
 #include "windows/Text.h"
 
 #include <QAction>
 
 #include <algorithm>
 
-MenuMirror::MenuMirror(platform::Menu& menu, QWidget* parent)
+MenuMirror::MenuMirror(platform::Menu& menu, platform::RunLoop& runLoop, QWidget* parent)
     : QMenu(parent)
     , menu_(menu)
-    , update_([this] { synchronize(); })
+    , runLoop_(runLoop)
+    , update_(runLoop, [this] { synchronize(); })
     , changes_(menu.observeChanges([this] { update_.request(); }))
 {
     connect(this, &QMenu::aboutToShow, this, [this] {
@@ -54,7 +56,7 @@ void MenuMirror::showSubmenu(platform::Menu* submenu, QAction& action)
         return;
     delete present;
     if (submenu)
-        action.setMenu(new MenuMirror(*submenu, this));
+        action.setMenu(new MenuMirror(*submenu, runLoop_, this));
 }
 
 void MenuMirror::click(QAction* action)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "desktop/OncePerTurn.h"
 #include "platform/Menu.h"
-#include "windows/OncePerTurn.h"
 
 #include <QMenu>
 
@@ -12,7 +12,7 @@ class MenuMirror : public QMenu {
     Q_OBJECT
 
 public:
-    explicit MenuMirror(platform::Menu& menu, QWidget* parent = nullptr);
+    MenuMirror(platform::Menu& menu, platform::RunLoop& runLoop, QWidget* parent = nullptr);
 
 private:
     void synchronize();
@@ -21,6 +21,7 @@ private:
     void click(QAction* action);
 
     platform::Menu& menu_;
+    platform::RunLoop& runLoop_;
     /// The lines as they are shown: a click is meant for what the user saw.
     platform::Menu::Items shown_;
     OncePerTurn update_;

@@ -34,21 +34,6 @@ inline QString asLabel(std::string_view text) { return asLabel(toQt(text)); }
 /// A pattern's text, with this in its place for one.
 inline QString filledIn(QString pattern, QString const& text) { return pattern.replace(QLatin1String("%@"), text); }
 
-/// A text of at most so many letters, which ends in an ellipsis if it was longer.
-inline QString shortened(QString const& text, qsizetype maximumLength)
-{
-    if (text.size() <= maximumLength)
-        return text;
-    qsizetype const end = maximumLength - 1;
-    return text.left(text[end - 1].isHighSurrogate() ? end - 1 : end) + QChar(0x2026);
-}
-
-/// A text beside other programs' items in a panel. Every figure of a real connection fits.
-inline QString asPanelLabel(std::string_view text) { return shortened(toQt(text), 32); }
-
-/// A line of a menu, which fits on a screen.
-inline QString asMenuLine(std::string_view text) { return shortened(toQt(text), 80); }
-
 /// A text that has no blanks to break it at, in lines that fit on a screen.
 inline QString inLines(QString text)
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The real clock, which only root can set.
 #include "desktop/DesktopRunLoop.h"
+#include "windows/ToolkitLoop.h"
 
 #include <QTest>
 
@@ -14,6 +15,7 @@ using namespace std::chrono_literals;
 TEST(SetClock, IsHeardOfAtOnceAlsoWhenATimerIsArmedMeanwhile)
 {
     DesktopRunLoop loop;
+    ToolkitLoop const around(loop);
     int told = 0;
     auto const observation = loop.observeClockChange([&told] { ++told; });
     std::unique_ptr<platform::Timer> timer;

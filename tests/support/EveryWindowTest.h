@@ -44,8 +44,7 @@ protected:
         windows_.reset();
         launch();
         windows_ = std::make_unique<MainWindows>(*outlets, bundle, runLoop, "");
-        for (auto* const window :
-            { &outlets->window, &outlets->addKeyWindow, &outlets->monitorWindow, &outlets->detailedUsage.window })
+        for (auto* const window : windowsOf(*outlets))
             window->effectiveAppearance.set(appearance_);
         settle();
     }

@@ -45,6 +45,14 @@ public:
         setInfo("ProviderCertificateAuthority", authority);
     }
 
+    /// As a package manager puts a new one into the place of a part while the program runs.
+    void replacePart(char const* file) const
+    {
+        auto const part = find(file);
+        std::filesystem::remove(part);
+        platform::writeFileAtomically(part, "another build's");
+    }
+
     void setVariable(char const* name, char const* value)
     {
         environment_.insert(QLatin1String(name), QString::fromUtf8(value));

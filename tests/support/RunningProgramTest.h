@@ -22,9 +22,10 @@ struct RunningProgramTest : PanelTest {
     ~RunningProgramTest() override { EXPECT_EQ(program_.output().find("secret"), std::string::npos); }
 
     /// Has the program, at its next start, on a display of its own.
-    void startScreen()
+    void startScreen(QStringList const& options = {})
     {
-        screen_.start(QStringLiteral("Xvfb"), { "-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "1280x800x24" });
+        QStringList const usual { "-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "1280x800x24" };
+        screen_.start(QStringLiteral("Xvfb"), usual + options);
         ASSERT_TRUE(screen_.waitForReadyRead()) << "is Xvfb installed?";
         qputenv("DISPLAY", ':' + screen_.readLine().trimmed());
         program_.setVariable("DISPLAY", qgetenv("DISPLAY").constData());

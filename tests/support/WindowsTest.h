@@ -8,6 +8,7 @@
 #include "platform/UserDefaults.h"
 #include "tests/support/TemporaryFolder.h"
 #include "windows/MainWindows.h"
+#include "windows/ToolkitLoop.h"
 
 #include <QTest>
 #include <QtWidgets>
@@ -33,7 +34,8 @@ struct WindowsTest : testing::Test {
 
     TemporaryFolder folder_;
     DesktopRunLoop loop_;
-    DesktopApplication application_;
+    ToolkitLoop around_ { loop_ };
+    DesktopApplication application_ { loop_ };
     platform::Bundle bundle_ = *platform::Bundle::open(USAGE_METER_BUNDLE, { "en" });
     platform::UserDefaults defaults_ { folder_.path() / "preferences.plist", loop_ };
     Outlets outlets_;

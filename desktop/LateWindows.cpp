@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/LateWindows.h"
+
+#include "app/Outlets.h"
+#include "desktop/Display.h"
+
+#include <cstdio>
+#include <dlfcn.h>
+#include <fcntl.h>
+
+#include <utility>
+
+namespace {
+
+void printError(char const* reason, char const* detail)
+{
+    std::fprintf(stderr, "usage-meter: the windows cannot be shown: %s%s\n", reason, detail);
+}
+
+bool canConnect(DesktopRunLoop& loop)
+{
+    return Display::connect(loop, [] { }) != nullptr;
+}
+
+}
+
+LateWindows::LateWindows(WindowsContext context, std::filesystem::path const& library)
+    : context_(std::move(context))
+    , library_(::open(library.c_str(), O_RDONLY | O_CLOEXEC))
+{
+    for (auto* const window : windowsOf(context_.outlets))
+        wishes_.push_back(window->visible.observeChanges([this, window](bool visible) {
+            if (visible)
+                loadFor(*window);
+        }));
+}
+
+LateWindows::~LateWindows() = default;
+
+void LateWindows::loadFor(platform::Window& window)
+{
+    if (!load())
+        context_.runLoop.perform([&window] { window.orderOut(); });
+}
+
+Windows* LateWindows::load()
+{
+    if (windows_)
+        return windows_.get();
+    // The toolkit would end the program.
+    if (!canConnect(context_.runLoop)) {
+        printError("no connection to display ", Display::name().c_str());
+        return nullptr;
+    }
+    auto const file = "/proc/self/fd/" + std::to_string(library_.get());
+    auto* const library = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    auto const make = library ? reinterpret_cast<MakeWindows>(::dlsym(library, makeWindowsName)) : nullptr;
+    if (!make) {
+        printError(::dlerror(), "");
+        return nullptr;
+    }
+    wishes_.clear();
+    make(context_, windows_);
+    windows_->setAppearance(appearance_);
+    context_.runLoop.setOuter(*windows_);
+    return windows_.get();
+}
+
+void LateWindows::setAppearance(platform::Appearance appearance)
+{
+    appearance_ = appearance;
+    for (auto* const window : windowsOf(context_.outlets))
+        window->effectiveAppearance.set(appearance);
+    if (windows_)
+        windows_->setAppearance(appearance);
+}

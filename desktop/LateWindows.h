@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "desktop/Windows.h"
+#include "platform/Descriptor.h"
+#include "platform/Property.h"
+#include "platform/Window.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+/// Loads the windows when the first of them is wanted: when the model of one becomes visible, or when they are asked
+/// for. What cannot be shown is told in one line on standard error, and tried again the next time. Main thread only.
+class LateWindows final {
+public:
+    /// The library is opened at once, so that it is the one of this program also after an upgrade, and loaded later.
+    LateWindows(WindowsContext context, std::filesystem::path const& library);
+    /// The windows go before the models that they show.
+    ~LateWindows();
+    LateWindows(LateWindows const&) = delete;
+    LateWindows& operator=(LateWindows const&) = delete;
+
+    /// The windows, loaded if they were not; nothing if they cannot be.
+    Windows* load();
+    /// The windows if they are loaded.
+    Windows* loaded() const { return windows_.get(); }
+
+    /// Of the windows, also of those that come later.
+    void setAppearance(platform::Appearance appearance);
+
+private:
+    void loadFor(platform::Window& window);
+
+    WindowsContext context_;
+    platform::Descriptor library_;
+    platform::Appearance appearance_ = platform::Appearance::Light;
+    std::unique_ptr<Windows> windows_;
+    std::vector<platform::Subscription> wishes_;
+};
