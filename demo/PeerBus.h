@@ -9,22 +9,30 @@
 
 #include <array>
 
-/// The program's end of a connection and a panel's, with no message bus between them. Both run in one main loop, where
-/// whatever is under way between them is due.
+/// The program's end of a connection and a panel's, with no message bus between them. Both run in this process, in one
+/// main loop or two, where whatever is under way between them is due.
 class PeerBus {
 public:
-    explicit PeerBus(DesktopRunLoop& loop)
-        : PeerBus(loop, connectedSockets())
+    PeerBus(DesktopRunLoop& programLoop, DesktopRunLoop& panelLoop)
+        : PeerBus(programLoop, panelLoop, connectedSockets())
     {
         settle();
     }
 
-    /// Runs the main loop until nothing is due.
+    /// Runs what is due in a main loop, and what comes of it there; false when nothing was.
+    static bool runDue(DesktopRunLoop& loop)
+    {
+        pollfd due { loop.descriptor(), POLLIN, 0 };
+        bool ran = false;
+        for (; ::poll(&due, 1, 0) > 0; ran = true)
+            loop.runDue();
+        return ran;
+    }
+
+    /// Runs both ends until nothing is due.
     void settle() const
     {
-        pollfd due { program.loop().descriptor(), POLLIN, 0 };
-        while (::poll(&due, 1, 0) > 0)
-            program.loop().runDue();
+        while (runDue(program.loop()) || runDue(panel.loop())) { }
     }
 
     Bus program;
@@ -33,9 +41,9 @@ public:
 private:
     using Sockets = std::array<int, 2>;
 
-    PeerBus(DesktopRunLoop& loop, Sockets sockets)
-        : program(loop, connectionOn(sockets[0], true))
-        , panel(loop, connectionOn(sockets[1], false))
+    PeerBus(DesktopRunLoop& programLoop, DesktopRunLoop& panelLoop, Sockets sockets)
+        : program(programLoop, connectionOn(sockets[0], true))
+        , panel(panelLoop, connectionOn(sockets[1], false))
     {
     }
 

@@ -525,7 +525,7 @@ private:
 /// Both ends, made once for all inputs.
 struct Connection {
     DesktopRunLoop loop;
-    PeerBus ends { loop };
+    PeerBus ends { loop, loop };
 };
 
 /// Has no room for the helper that draws.

@@ -1,26 +1,71 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "bench/parts/Benchmarks.h"
+#include "demo/PeerBus.h"
 #include "desktop/DBusMenu.h"
+#include "desktop/StatusNotifierItem.h"
 
-#include <QCoreApplication>
-
-/// A menu that a panel has asked for, with all of its submenus. What it tells goes no further than this: there is no
-/// bus.
-struct ListedMenu {
-    explicit ListedMenu(platform::Menu& model)
-        : menu(model)
+/// A menu that a panel has asked for, with all of its submenus. What the menu tells goes to the panel, which has no
+/// part in what is measured: it reads when it is let.
+class ListedMenu {
+public:
+    /// The menu runs in this main loop.
+    ListedMenu(platform::Menu& model, DesktopRunLoop& loop)
+        : loop_(loop)
+        , peers_(loop, panelLoop_)
+        , menu_(model, path, DBusMenu::TextDirection::LeftToRight, peers_.program)
+        , tells_(peers_.panel.listen(nullptr, path, interface, "ItemsPropertiesUpdated",
+              [this](sd_bus_message* signal) { countLines(signal); }))
     {
-        DBusMenuLayout layout;
-        menu.GetLayout(0, -1, {}, layout);
-        QObject::connect(&menu, &DBusMenu::ItemsPropertiesUpdated, &menu,
-            [this](QList<DBusMenuProperties> const& updated) { tellsOf += static_cast<std::size_t>(updated.size()); });
+        bool isListed = false;
+        auto message = peers_.panel.methodCall(nullptr, path, interface, "GetLayout");
+        sd_bus_message_append(message.get(), "iias", 0, -1, 0);
+        auto const call = peers_.panel.call(std::move(message),
+            [&isListed](sd_bus_message* reply) { isListed = sd_bus_message_is_method_error(reply, nullptr) == 0; });
+        peers_.settle();
+        require(isListed, "the panel has the menu");
     }
 
-    /// Runs the update that waits for the end of the main loop's turn.
-    void runQueued() { QCoreApplication::sendPostedEvents(); }
+    Bus& bus() { return peers_.program; }
 
-    DBusMenu menu;
+    /// Runs the update that waits for the end of the main loop's turn, until it is on its way to the panel.
+    void runQueued() { PeerBus::runDue(loop_); }
+
+    /// Lets the panel read once in a while, before the way to it is full. It takes nothing of the benchmark's time.
+    void letPanelRead(benchmark::State& state)
+    {
+        if (++turns_ % turnsOnTheWay != 0)
+            return;
+        state.PauseTiming();
+        peers_.settle();
+        state.ResumeTiming();
+    }
+
     /// How many times a line's new properties were told.
-    std::size_t tellsOf = 0;
+    std::size_t tellsOf()
+    {
+        peers_.settle();
+        return told_;
+    }
+
+private:
+    static constexpr char const* path = StatusNotifierItem::menuPath;
+    static constexpr char const* interface = "com.canonical.dbusmenu";
+    static constexpr std::size_t turnsOnTheWay = 32;
+
+    void countLines(sd_bus_message* signal)
+    {
+        sd_bus_message_enter_container(signal, SD_BUS_TYPE_ARRAY, "(ia{sv})");
+        for (; sd_bus_message_at_end(signal, 0) == 0; ++told_)
+            sd_bus_message_skip(signal, "(ia{sv})");
+    }
+
+    DesktopRunLoop& loop_;
+    DesktopRunLoop panelLoop_;
+    PeerBus peers_;
+    DBusMenu menu_;
+    BusSlot tells_;
+    std::size_t told_ = 0;
+    std::size_t turns_ = 0;
 };

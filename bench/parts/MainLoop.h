@@ -2,38 +2,43 @@
 #pragma once
 
 #include "bench/parts/Benchmarks.h"
+#include "desktop/DesktopRunLoop.h"
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QEventLoop>
-#include <QTimer>
+#include <poll.h>
 
 #include <chrono>
 
-/// The toolkit's event loop as the program runs it, asleep between events.
+/// The program's main loop as the program runs it, asleep between events.
 class MainLoop {
 public:
-    MainLoop() { waker_.start(std::chrono::seconds(1)); }
-
     /// Runs it until the condition holds, which is looked at after each event; ends the run after ten seconds.
     template <typename Condition> void runUntil(Condition const& holds)
     {
-        QDeadlineTimer const bound(std::chrono::seconds(10));
-        while (!holds()) {
-            require(!bound.hasExpired(), "what is waited for comes");
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        }
+        auto const bound = Clock::now() + std::chrono::seconds(10);
+        while (!holds())
+            require(runNext(bound), "what is waited for comes");
     }
 
     /// Runs it for this time.
     void rest(std::chrono::milliseconds time)
     {
-        QEventLoop loop;
-        QTimer::singleShot(time, &loop, &QEventLoop::quit);
-        loop.exec();
+        auto const end = Clock::now() + time;
+        while (runNext(end)) { }
     }
 
+    DesktopRunLoop runLoop;
+
 private:
-    /// Without it a wait in vain would never wake.
-    QTimer waker_;
+    using Clock = std::chrono::steady_clock;
+
+    // False when nothing comes before the end.
+    bool runNext(Clock::time_point end)
+    {
+        auto const left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+        pollfd due { runLoop.descriptor(), POLLIN, 0 };
+        if (left <= 0 || ::poll(&due, 1, static_cast<int>(left)) <= 0)
+            return false;
+        runLoop.runDue();
+        return true;
+    }
 };

@@ -3,7 +3,6 @@
 #include "bench/parts/ListedMenu.h"
 #include "bench/parts/MainLoop.h"
 #include "bench/parts/RunningCore.h"
-#include "desktop/DesktopRunLoop.h"
 #include "desktop/StatusNotifierItem.h"
 #include "platform/ThreadQueues.h"
 
@@ -17,7 +16,8 @@ constexpr int clicks = 20;
 constexpr char const* homeFigure = "57.3GB";
 constexpr char const* cottageFigure = "5.2GB";
 
-/// The program without its windows and without a bus, once the reports of both connections are cached.
+/// The program without its windows, with a panel but no bus between them, once the reports of both connections are
+/// cached.
 struct RunningProgram {
     RunningProgram()
     {
@@ -27,7 +27,7 @@ struct RunningProgram {
         pick(0);
         waitFor(homeFigure);
         require(core.provider.requests() == 2, "both connections' reports are cached");
-        mainLoop.runUntil([this] { return core.outlets.usageBar.opacity.at(runLoop.uptime()) == 1.0; });
+        mainLoop.runUntil([this] { return core.outlets.usageBar.opacity.at(mainLoop.runLoop.uptime()) == 1.0; });
     }
 
     void pick(std::size_t connection)
@@ -44,11 +44,12 @@ struct RunningProgram {
     }
 
     MainLoop mainLoop;
-    DesktopRunLoop runLoop;
     platform::ThreadQueues queues;
-    RunningCore core { runLoop, queues, { RunningCore::home, RunningCore::cottage } };
-    StatusNotifierItem item { core.controller.usageStatusItem() };
-    ListedMenu menu { core.outlets.dropDownMenu };
+    RunningCore core { mainLoop.runLoop, queues, { RunningCore::home, RunningCore::cottage } };
+    ListedMenu menu { core.outlets.dropDownMenu, mainLoop.runLoop };
+    /// Of a panel that has not shown it yet, so that nothing is drawn.
+    IconDrawer drawer { "", mainLoop.runLoop, queues };
+    StatusNotifierItem item { core.controller.usageStatusItem(), {}, drawer, menu.bus(), {} };
 };
 
 // From the click to the menu: the provider's answer is at hand, all else is as in the program.
@@ -60,6 +61,7 @@ void refresh(benchmark::State& state)
     while (state.KeepRunning()) {
         program.core.controller.updateButton();
         program.waitFor(homeFigure);
+        program.menu.letPanelRead(state);
         ++refreshes;
     }
     require(program.core.provider.requests() == requestsBefore + refreshes, "each refresh asks the provider");
@@ -76,6 +78,7 @@ void switchConnection(benchmark::State& state)
         state.ResumeTiming();
         program.pick(isAtHome ? 1 : 0);
         program.waitFor(isAtHome ? cottageFigure : homeFigure);
+        program.menu.letPanelRead(state);
         isAtHome = !isAtHome;
     }
     require(program.core.provider.requests() == requestsBefore, "a cached report is not asked for");
@@ -85,12 +88,11 @@ void switchConnection(benchmark::State& state)
 void hop(benchmark::State& state)
 {
     MainLoop mainLoop;
-    DesktopRunLoop runLoop;
     platform::ThreadQueues queues;
     while (state.KeepRunning()) {
         bool isBack = false;
-        bool const started
-            = queues.async("usage_background", [&runLoop, &isBack] { runLoop.perform([&isBack] { isBack = true; }); });
+        bool const started = queues.async(
+            "usage_background", [&mainLoop, &isBack] { mainLoop.runLoop.perform([&isBack] { isBack = true; }); });
         require(started, "there is room for a thread");
         mainLoop.runUntil([&isBack] { return isBack; });
     }

@@ -4,14 +4,26 @@
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
 #include "bench/parts/CannedProvider.h"
-#include "desktop/DesktopServices.h"
+#include "platform/Application.h"
 #include "platform/BackgroundQueues.h"
 #include "platform/Bundle.h"
 #include "platform/Platform.h"
 #include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
 #include "tests/support/ManualRunLoop.h"
 #include "tests/support/TemporaryFolder.h"
 #include "ui/MainLayout.h"
+
+/// A desktop without a browser.
+struct NoWorkspace final : platform::Workspace {
+    void open(std::string const& /*url*/) override { }
+};
+
+/// A program that nobody ends.
+struct NoApplication final : platform::Application {
+    void activateIgnoringOtherApps() override { }
+    void terminate() override { }
+};
 
 /// The whole core, from settings and cache files on disk to the models that a user would see. It is launched once made;
 /// its first refresh is queued.
@@ -28,8 +40,8 @@ struct RunningCore {
 
     TemporaryFolder folder;
     CannedProvider provider;
-    DesktopWorkspace workspace;
-    DesktopApplication application;
+    NoWorkspace workspace;
+    NoApplication application;
     platform::Bundle bundle;
     platform::UserDefaults defaults;
     platform::Platform platform;

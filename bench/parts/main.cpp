@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "bench/parts/Benchmarks.h"
 
-#include <QApplication>
+#include <QGuiApplication>
 
 int main(int argc, char** argv)
 {
+    // What draws the status icon has a toolkit.
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication const application(argc, argv);
+    QGuiApplication const application(argc, argv);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return EXIT_FAILURE;

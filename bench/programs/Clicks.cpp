@@ -34,6 +34,8 @@ MenuLine const* find(MenuLine const& menu, Predicate const& isWanted)
 
 bool isUpdate(MenuLine const& line) { return line.label == "Update Now"; }
 
+bool isUsageWindow(MenuLine const& line) { return line.label == "Usage Window"; }
+
 bool hasChoice(MenuLine const& menu) { return std::ranges::any_of(menu.lines, &MenuLine::isChecked); }
 
 // Opens the menu and clicks on a line of it. Nothing when there is none.
@@ -127,6 +129,16 @@ std::optional<long> peakOfHelper(Desktop& desktop, pid_t program)
     return peak;
 }
 
+bool waitForWindows(Desktop& desktop, std::size_t count)
+{
+    auto const end = Clock::now() + patience;
+    while (!desktop.waitFor([&] { return desktop.screen().drawnWindows().size() == count; }, pace)) {
+        if (Clock::now() > end)
+            return false;
+    }
+    return true;
+}
+
 }
 
 bool clicks(Desktop& desktop, int count, Samples const& samples)
@@ -165,6 +177,36 @@ bool replies(Desktop& desktop, Program const& program, std::span<char* const> ke
         samples.addMemory("memory growth of the helper on any reply", helperGrowth);
         std::cerr << key << ": " << growth << " kB, the helper " << helperGrowth << " kB\n";
     }
+    return true;
+}
+
+bool windows(Desktop& desktop, int count, Samples const& samples)
+{
+    if (!settle(desktop, true))
+        return false;
+    for (int i = 0; i <= count; ++i) {
+        auto const begin = click(desktop.panel(), isUsageWindow);
+        if (!begin || !waitForWindows(desktop, 1))
+            return false;
+        samples.add(i == 0 ? "first usage window, click to drawn" : "later usage window, click to drawn",
+            Clock::now() - *begin);
+        desktop.screen().closeWindows();
+        if (!waitForWindows(desktop, 0))
+            return false;
+        desktop.rest(calm);
+    }
+    return true;
+}
+
+bool firstStart(Desktop& desktop, Program const& program, Samples const& samples)
+{
+    // The preferences and the sheet on them are there by themselves.
+    if (!settle(desktop, false) || !waitForWindows(desktop, 2) || !click(desktop.panel(), isUsageWindow)
+        || !waitForWindows(desktop, 3))
+        return false;
+    desktop.rest(calm);
+    samples.addMemory("PSS with all windows opened once", processFigures::proportionalMemory(program.id()));
+    samples.addMemory("private memory with all windows opened once", processFigures::privateMemory(program.id()));
     return true;
 }
 

@@ -7,14 +7,16 @@
 std::unique_ptr<Desktop> Desktop::open()
 {
     auto panel = Panel::open();
-    auto tray = OlderTray::open();
+    auto screen = Screen::open();
+    auto tray = screen ? OlderTray::open(*screen) : nullptr;
     if (!panel || !tray)
         return {};
-    return std::unique_ptr<Desktop>(new Desktop(std::move(panel), std::move(tray)));
+    return std::unique_ptr<Desktop>(new Desktop(std::move(panel), std::move(screen), std::move(tray)));
 }
 
-Desktop::Desktop(std::unique_ptr<Panel> panel, std::unique_ptr<OlderTray> tray)
+Desktop::Desktop(std::unique_ptr<Panel> panel, std::unique_ptr<Screen> screen, std::unique_ptr<OlderTray> tray)
     : panel_(std::move(panel))
+    , screen_(std::move(screen))
     , tray_(std::move(tray))
 {
 }

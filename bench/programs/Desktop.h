@@ -4,6 +4,7 @@
 #include "bench/programs/Clock.h"
 #include "bench/programs/OlderTray.h"
 #include "bench/programs/Panel.h"
+#include "bench/programs/Screen.h"
 
 #include <functional>
 
@@ -15,6 +16,7 @@ public:
     static std::unique_ptr<Desktop> open();
 
     Panel& panel() { return *panel_; }
+    Screen const& screen() const { return *screen_; }
     bool hasItem() const { return panel_->hasItem() || tray_->hasItem(); }
 
     /// Serves programs until the answer is yes; false when that takes longer than the bound.
@@ -23,8 +25,9 @@ public:
     void rest(Clock::duration time);
 
 private:
-    Desktop(std::unique_ptr<Panel> panel, std::unique_ptr<OlderTray> tray);
+    Desktop(std::unique_ptr<Panel> panel, std::unique_ptr<Screen> screen, std::unique_ptr<OlderTray> tray);
 
     std::unique_ptr<Panel> panel_;
+    std::unique_ptr<Screen> screen_;
     std::unique_ptr<OlderTray> tray_;
 };

@@ -28,6 +28,13 @@ bool idle(Desktop& desktop, Program const& program, bool isTitled, std::chrono::
 /// From clicks in the menu of a titled program to what its label then says.
 bool clicks(Desktop& desktop, int count, Samples const& samples);
 
+/// From clicks in the menu of a titled program to its usage window: the first one, and as many later ones.
+bool windows(Desktop& desktop, int count, Samples const& samples);
+
+/// What a program without settings takes up with its windows: the preferences and the sheet that asks for a key, which
+/// it shows by itself, and the usage window.
+bool firstStart(Desktop& desktop, Program const& program, Samples const& samples);
+
 /// What a refresh takes of memory for a moment, in a titled program and in its helper. The connections' keys are given;
 /// the helper is compared with itself at the first of them.
 bool replies(Desktop& desktop, Program const& program, std::span<char* const> keys, Samples const& samples);

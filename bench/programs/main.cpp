@@ -18,6 +18,8 @@ constexpr char const* usage = "usage: usage-meter-measure SUBJECT HOW -- PROGRAM
                               "  titled-start, titled-idle SECONDS\n"
                               "                     the same of a program that is ready once its label holds a figure\n"
                               "  clicks COUNT       a titled program's answers to clicks\n"
+                              "  windows COUNT      clicks for its usage window, until it is drawn\n"
+                              "  first-start        the memory of a program without settings and of its windows\n"
                               "  replies KEY...     the memory that refreshes of these connections need for a moment\n";
 
 int fail(std::string_view reason)
@@ -36,6 +38,8 @@ int number(Arguments values)
 
 bool measure(std::string_view how, Arguments values, Desktop& desktop, Program const& program, Samples const& samples)
 {
+    if (how == "first-start")
+        return measurements::firstStart(desktop, program, samples);
     bool const isTitled = how.starts_with("titled-");
     if (how.ends_with("start"))
         return measurements::start(desktop, program, isTitled, samples);
@@ -43,6 +47,8 @@ bool measure(std::string_view how, Arguments values, Desktop& desktop, Program c
         return measurements::idle(desktop, program, isTitled, std::chrono::seconds(number(values)), samples);
     if (how == "clicks")
         return measurements::clicks(desktop, number(values), samples);
+    if (how == "windows")
+        return measurements::windows(desktop, number(values), samples);
     return how == "replies" && measurements::replies(desktop, program, values, samples);
 }
 
