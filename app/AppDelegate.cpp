@@ -4,7 +4,6 @@
 #include "app/Outlets.h"
 #include "detail/DetailedUsageViewController.h"
 #include "platform/Bundle.h"
-#include "platform/NumberFormatter.h"
 #include "platform/Platform.h"
 #include "services/ProviderAddresses.h"
 #include "storage/CacheData.h"
@@ -13,6 +12,7 @@ AppDelegate::AppDelegate(platform::Platform& platform, Outlets& outlets)
     : platform_(platform)
     , outlets_(outlets)
     , usageStatusItem_(outlets.dropDownMenu)
+    , usageFormatter_(platform.numberLocale)
 {
 }
 

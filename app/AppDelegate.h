@@ -4,6 +4,7 @@
 #include "app/NextTimer.h"
 #include "platform/ComboBox.h"
 #include "platform/NotificationCenter.h"
+#include "platform/NumberFormatter.h"
 #include "platform/RunLoop.h"
 #include "platform/Sender.h"
 #include "platform/StatusItem.h"
@@ -19,7 +20,6 @@
 
 namespace platform {
 class MenuItem;
-class NumberFormatter;
 class TextField;
 class UserDefaults;
 class Window;
@@ -236,7 +236,7 @@ private:
     Outlets& outlets_;
     platform::StatusItem usageStatusItem_;
     platform::UserDefaults* prefs_ = nullptr;
-    std::unique_ptr<platform::NumberFormatter> usageFormatter_;
+    platform::NumberFormatter usageFormatter_;
 
     /// The current report; empty until the first refresh ends, none after one that failed.
     std::optional<platform::Dictionary> usageDictionary_;
@@ -249,6 +249,15 @@ private:
     std::unique_ptr<platform::Timer> fixErrorTimer_;
     /// The last update that the menu tells of; none while it shows no dates.
     std::optional<platform::Date> shownLastUpdate_;
+    /// What the menu's dates were written for.
+    struct WrittenDates {
+        platform::Date lastUpdate;
+        std::optional<platform::Date> nextUpdate;
+        std::string dayMark;
+
+        bool operator==(WrittenDates const&) const = default;
+    };
+    std::optional<WrittenDates> writtenDates_;
     /// A connection was picked from the submenu: useConnection() then stores no cap and leaves the window alone.
     bool usedMenuItemForSelection_ = false;
     /// The status item waits for a refresh.

@@ -2,7 +2,6 @@
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
 #include "platform/Bundle.h"
-#include "platform/NumberFormatter.h"
 #include "platform/Platform.h"
 #include "platform/UserDefaults.h"
 #include "storage/CacheData.h"
@@ -54,8 +53,6 @@ void AppDelegate::performStartupActions()
         if (prefs_->contains(settings::tarvoKeys) && !outlets_.tarvoUsageKeysComboBox.items.get().empty())
             updateUsageWithCache(cacheAllowed);
     }
-    // Costly, and first needed by a presentation, which is queued behind this.
-    usageFormatter_ = std::make_unique<platform::NumberFormatter>(platform_.numberLocale);
 }
 
 // A report that another version cached is never shown. Returns whether this version launched last.

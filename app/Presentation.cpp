@@ -2,7 +2,6 @@
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
 #include "app/UsageFigures.h"
-#include "platform/NumberFormatter.h"
 #include "platform/Platform.h"
 #include "storage/KeyEntry.h"
 
@@ -20,7 +19,7 @@ std::string AppDelegate::formattedUsageStringWithUsageValue(
     double value, std::optional<std::string_view> andMeasurement) const
 {
     if (andMeasurement)
-        return usageFormatter_->string(value).append(*andMeasurement);
+        return usageFormatter_.string(value).append(*andMeasurement);
     if (value == 0.0)
         return text("UNLIMITED");
     if (value == -1.0)
@@ -92,7 +91,7 @@ void AppDelegate::showLevel(UsageFigures const& figures)
     outlets_.usageBar.doubleValue.set(figures.usedTotal);
     outlets_.usageBar.warningValue.set(0.7 * figures.cap);
     outlets_.usageBar.criticalValue.set(0.85 * figures.cap);
-    outlets_.usageCapPercentageText.text.set(usageFormatter_->string(figures.percentage()) + "%");
+    outlets_.usageCapPercentageText.text.set(usageFormatter_.string(figures.percentage()) + "%");
     if (opacity == 1.0)
         return;
     outlets_.usageBar.opacity.set(0.0);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
+#include "platform/Calendar.h"
 #include "platform/DateFormatter.h"
 #include "platform/Platform.h"
 #include "storage/UsageReport.h"
@@ -42,14 +43,18 @@ void AppDelegate::menuNeedsUpdate()
         showDates();
 }
 
+// Writing dates takes its time, and a menu that opens must not wait for what it has already.
 void AppDelegate::showDates()
 {
+    bool const armed = updateInterval_ && updateInterval_->isValid();
+    auto const nextUpdate = armed ? std::optional(updateInterval_->fireDate()) : std::nullopt;
+    WrittenDates const dates { *shownLastUpdate_, nextUpdate, platform::dayMark(platform_.runLoop.now()) };
+    if (std::exchange(writtenDates_, dates) == dates)
+        return;
     platform::DateFormatter const formatter(platform_.dateLocale);
     outlets_.lastUpdateMenuItem->title.set(labelled("LAST_UPDATE", formatter.string(*shownLastUpdate_)));
-
-    bool const armed = updateInterval_ && updateInterval_->isValid();
     outlets_.nextUpdateMenuItem->title.set(
-        labelled("NEXT_UPDATE", armed ? formatter.string(updateInterval_->fireDate()) : text("NO_NEXT_UPDATE")));
+        labelled("NEXT_UPDATE", nextUpdate ? formatter.string(*nextUpdate) : text("NO_NEXT_UPDATE")));
 }
 
 void AppDelegate::doChangeUpdateIntervalDropdown()

@@ -43,6 +43,7 @@ public:
     void quit(int status);
     /// Has another loop run in place of this one from the end of the present turn on.
     void setOuter(OuterLoop& outer) { outer_ = &outer; }
+    bool hasOuter() const { return outer_ != nullptr; }
 
     /// Readable while something is due: what an outer loop waits for.
     int descriptor() const { return epoll_.get(); }

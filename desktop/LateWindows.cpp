@@ -5,17 +5,9 @@
 #include "desktop/Display.h"
 
 #include <cstdio>
-#include <dlfcn.h>
-#include <fcntl.h>
-
 #include <utility>
 
 namespace {
-
-void printError(char const* reason, char const* detail)
-{
-    std::fprintf(stderr, "usage-meter: the windows cannot be shown: %s%s\n", reason, detail);
-}
 
 bool canConnect(DesktopRunLoop& loop)
 {
@@ -26,7 +18,7 @@ bool canConnect(DesktopRunLoop& loop)
 
 LateWindows::LateWindows(WindowsContext context, std::filesystem::path const& library)
     : context_(std::move(context))
-    , library_(::open(library.c_str(), O_RDONLY | O_CLOEXEC))
+    , library_(library)
 {
     for (auto* const window : windowsOf(context_.outlets))
         wishes_.push_back(window->visible.observeChanges([this, window](bool visible) {
@@ -49,16 +41,12 @@ Windows* LateWindows::load()
         return windows_.get();
     // The toolkit would end the program.
     if (!canConnect(context_.runLoop)) {
-        printError("no connection to display ", Display::name().c_str());
+        std::fprintf(stderr, "usage-meter: no connection to display %s\n", Display::name().c_str());
         return nullptr;
     }
-    auto const file = "/proc/self/fd/" + std::to_string(library_.get());
-    auto* const library = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    auto const make = library ? reinterpret_cast<MakeWindows>(::dlsym(library, makeWindowsName)) : nullptr;
-    if (!make) {
-        printError(::dlerror(), "");
+    auto const make = library_.find<MakeWindows>(makeWindowsName);
+    if (!make)
         return nullptr;
-    }
     wishes_.clear();
     make(context_, windows_);
     windows_->setAppearance(appearance_);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "desktop/LateLibrary.h"
 #include "desktop/Windows.h"
-#include "platform/Descriptor.h"
 #include "platform/Property.h"
 #include "platform/Window.h"
 
@@ -15,7 +15,6 @@
 /// for. What cannot be shown is told in one line on standard error, and tried again the next time. Main thread only.
 class LateWindows final {
 public:
-    /// The library is opened at once, so that it is the one of this program also after an upgrade, and loaded later.
     LateWindows(WindowsContext context, std::filesystem::path const& library);
     /// The windows go before the models that they show.
     ~LateWindows();
@@ -34,7 +33,7 @@ private:
     void loadFor(platform::Window& window);
 
     WindowsContext context_;
-    platform::Descriptor library_;
+    LateLibrary library_;
     platform::Appearance appearance_ = platform::Appearance::Light;
     std::unique_ptr<Windows> windows_;
     std::vector<platform::Subscription> wishes_;

@@ -149,7 +149,7 @@ void StatusNotifierItem::update()
         draw();
     }
     if (told_.iconName != before.iconName)
-        bus_.emit(path, interface, "NewIconThemePath", "s", iconThemePath().c_str());
+        bus_.emit(path, interface, "NewIconThemePath", "s", platform::wellFormedUtf8(iconThemePath()).c_str());
     // Panels read the icon's description anew with the icon, even where that is the same.
     bool const isNewDescription = isNewTitle && showsLabel();
     if (std::exchange(isRedrawn_, false) || isNewDescription || told_.iconName != before.iconName)

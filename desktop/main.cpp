@@ -12,6 +12,7 @@
 #include "desktop/ExitSignals.h"
 #include "desktop/FreedesktopNotifications.h"
 #include "desktop/IconDrawer.h"
+#include "desktop/LateLocale.h"
 #include "desktop/LateWindows.h"
 #include "desktop/SingleInstance.h"
 #include "desktop/StatusArea.h"
@@ -265,6 +266,7 @@ int main(int argc, char** argv)
     openStandardStreams();
     heedChildren();
     DesktopRunLoop runLoop;
+    LateLocale const locale(runLoop, fromProgram(USAGE_METER_PARTS "/usage-meter-locale.so"));
     auto const display = Display::connect(runLoop, endWithoutDisplay);
     if (!display) {
         std::fprintf(stderr, "usage-meter: no connection to display %s\n", Display::name().c_str());

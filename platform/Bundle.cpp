@@ -2,13 +2,12 @@
 #include "platform/Bundle.h"
 
 #include "platform/AtomicFile.h"
+#include "platform/LocaleRules.h"
 #include "platform/PropertyList.h"
-
-#include <unicode/locid.h>
-#include <unicode/plurrule.h>
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <charconv>
 
 namespace platform {
@@ -82,7 +81,6 @@ std::optional<Bundle> Bundle::open(std::filesystem::path const& folder, std::vec
         return std::nullopt;
 
     bundle.readStrings(languages);
-    bundle.readPluralRules();
     bundle.colors_ = readDictionary(folder / "Colors.plist").value_or(Dictionary {});
     return bundle;
 }
@@ -94,17 +92,10 @@ void Bundle::readStrings(std::vector<std::string> languages)
         if (auto strings = readDictionary(folder_ / (language + ".lproj") / "Localizable.strings")) {
             strings_ = *std::move(strings);
             language_ = language;
+            hasPluralForms_ = std::ranges::any_of(strings_, [](auto const& text) { return isPluralForm(text.first); });
             return;
         }
     }
-}
-
-void Bundle::readPluralRules()
-{
-    if (std::ranges::none_of(strings_, [](auto const& text) { return isPluralForm(text.first); }))
-        return;
-    UErrorCode status = U_ZERO_ERROR;
-    pluralRules_.reset(icu::PluralRules::forLocale(icu::Locale(language_.c_str()), status));
 }
 
 std::string Bundle::infoText(std::string_view key) const { return textOf(info_, key); }
@@ -117,10 +108,11 @@ std::string Bundle::localizedString(std::string_view key) const
 
 std::string Bundle::localizedString(std::string_view key, int count) const
 {
-    if (!pluralRules_)
+    if (!hasPluralForms_)
         return localizedString(key);
     auto form = std::string(key).append("_");
-    pluralRules_->select(count).toUpper(icu::Locale::getRoot()).toUTF8String(form);
+    for (char const letter : localeRules().pluralForm(count, language_))
+        form += static_cast<char>(std::toupper(letter));
     return localizedString(strings_.contains(form) ? form : key);
 }
 

@@ -4,17 +4,11 @@
 #include "platform/Color.h"
 #include "platform/Value.h"
 
-#include <unicode/uversion.h>
-
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
-
-U_NAMESPACE_BEGIN
-class PluralRules;
-U_NAMESPACE_END
 
 namespace platform {
 
@@ -35,7 +29,8 @@ public:
     std::string localizedString(std::string_view key) const;
 
     /// The text of a key for a count: that of the key with the plural form, which the rules of the texts' language give
-    /// the count, behind it ("_ONE", "_FEW", ...); that of the key itself where the table has no such form.
+    /// the count, behind it ("_ONE", "_FEW", ...); that of the key itself where the table has no such form. Main thread
+    /// only.
     std::string localizedString(std::string_view key, int count) const;
 
     /// The language of the texts.
@@ -48,14 +43,13 @@ public:
 
 private:
     void readStrings(std::vector<std::string> languages);
-    void readPluralRules();
 
     std::filesystem::path folder_;
     Dictionary info_;
     Dictionary strings_;
     std::string language_;
-    /// None for a table without plural forms, as they take time to read.
-    std::shared_ptr<icu::PluralRules const> pluralRules_;
+    /// A table without plural forms needs no rules, which take time to read.
+    bool hasPluralForms_ = false;
     Dictionary colors_;
 };
 

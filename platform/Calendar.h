@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-// Months, in the computer's present time zone. A locale is named as ICU does, and an unknown one counts as English. Any
-// thread.
+// Months, in the computer's present time zone. A locale is named as ICU does, and an unknown one counts as English.
+// Main thread only.
 namespace platform {
 
 /// A month of a calendar; 1 is the year's first one.
@@ -26,6 +26,9 @@ Date addingMonths(Date date, int months);
 
 /// A date in each month between two dates, the latest first: the latest date itself, and those a month apart from it.
 std::vector<Date> monthsBetween(Date earliest, Date latest, std::string const& locale);
+
+/// A text that is another one once the local day or the time zone may be another one, at little cost.
+std::string dayMark(Date now);
 
 /// A month with its year, as the locale writes it: "November 2026".
 std::string monthTitle(Date date, std::string const& locale);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/Locale.h"
 
-#include <unicode/locid.h>
+#include "platform/LocaleRules.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -18,8 +18,6 @@ std::string_view environment(char const* name)
     return value ? value : "";
 }
 
-bool isKnown(std::string const& locale) { return *icu::Locale(locale.c_str()).getISO3Language() != '\0'; }
-
 std::string_view languageOf(std::string_view locale) { return locale.substr(0, locale.find_first_of("_.@")); }
 
 }
@@ -31,7 +29,7 @@ std::string userLocale(char const* category)
         if (value.empty())
             continue;
         std::string const locale(value.substr(0, value.find_first_of(".@")));
-        bool const usable = locale != "C" && locale != "POSIX" && isKnown(locale);
+        bool const usable = locale != "C" && locale != "POSIX" && localeRules().isKnown(locale);
         return usable ? locale : "en_US";
     }
     return "en_US";
@@ -50,6 +48,6 @@ std::vector<std::string> userLanguages()
     return languages;
 }
 
-bool isRightToLeft(std::string const& language) { return icu::Locale(language.c_str()).isRightToLeft() != 0; }
+bool isRightToLeft(std::string const& language) { return localeRules().isRightToLeft(language); }
 
 }

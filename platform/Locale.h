@@ -7,7 +7,7 @@
 namespace platform {
 
 /// The user's locale for a POSIX category such as "LC_NUMERIC": LC_ALL, then the category, then LANG, as ICU names it.
-/// "en_US" where none is set, the C locale is, or ICU does not know the language.
+/// "en_US" where none is set, the C locale is, or nobody knows the language. Main thread only.
 std::string userLocale(char const* category);
 
 /// The languages that the user reads, the preferred one first: LANGUAGE where it is set, then the locale of messages.

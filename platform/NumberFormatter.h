@@ -1,27 +1,22 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <unicode/uversion.h>
-
-#include <memory>
 #include <string>
-
-U_NAMESPACE_BEGIN
-class NumberFormat;
-U_NAMESPACE_END
 
 namespace platform {
 
-/// Writes numbers in a locale's decimal style: grouped, with 0 to 2 fraction digits, half to even.
+/// Writes numbers in a locale's decimal style: grouped, with 0 to 2 fraction digits, half to even. Main thread only.
 class NumberFormatter {
 public:
-    explicit NumberFormatter(std::string const& locale);
-    ~NumberFormatter();
+    explicit NumberFormatter(std::string locale)
+        : locale_(std::move(locale))
+    {
+    }
 
     std::string string(double number) const;
 
 private:
-    std::unique_ptr<icu::NumberFormat> format_;
+    std::string locale_;
 };
 
 }

@@ -1,41 +1,50 @@
 // SPDX-License-Identifier: MIT
 #include "services/ReplyText.h"
 
-#include <unicode/uchar.h>
-#include <unicode/utf8.h>
+#include "platform/Utf8.h"
 
 namespace {
 
-using Predicate = bool (*)(UChar32);
+using Predicate = bool (*)(std::int32_t codePoint);
 
-bool isLineBreak(UChar32 character)
+bool isLineBreak(std::int32_t codePoint)
 {
-    return (character >= 0x0A && character <= 0x0D) || character == 0x85 || character == 0x2028 || character == 0x2029;
+    return (codePoint >= 0x0A && codePoint <= 0x0D) || codePoint == 0x85 || codePoint == 0x2028 || codePoint == 0x2029;
 }
 
-bool isSpace(UChar32 character) { return character == '\t' || u_charType(character) == U_SPACE_SEPARATOR; }
+// The tab, and Unicode's category Zs.
+bool isSpace(std::int32_t codePoint)
+{
+    return codePoint == '\t' || codePoint == ' ' || codePoint == 0xA0 || codePoint == 0x1680
+        || (codePoint >= 0x2000 && codePoint <= 0x200A) || codePoint == 0x202F || codePoint == 0x205F
+        || codePoint == 0x3000;
+}
 
-bool isSpaceOrLineBreak(UChar32 character) { return isSpace(character) || isLineBreak(character); }
+bool isSpaceOrLineBreak(std::int32_t codePoint) { return isSpace(codePoint) || isLineBreak(codePoint); }
+
+bool continuesCodePoint(char byte) { return (static_cast<std::uint8_t>(byte) & 0xC0) == 0x80; }
+
+// Where the last code point begins. What is not UTF-8 is no space, wherever it begins.
+std::size_t lastCodePoint(std::string_view text)
+{
+    std::size_t begin = text.size() - 1;
+    while (begin > 0 && continuesCodePoint(text[begin]))
+        --begin;
+    return begin;
+}
 
 std::string_view trimmed(std::string_view text, Predicate shouldGo)
 {
-    auto const* const bytes = reinterpret_cast<uint8_t const*>(text.data());
-    auto const length = static_cast<int32_t>(text.size());
-    int32_t begin = 0;
-    for (int32_t next = 0; next < length; begin = next) {
-        UChar32 character = 0;
-        U8_NEXT(bytes, next, length, character);
-        if (!shouldGo(character))
+    for (std::size_t next = 0; !text.empty() && shouldGo(platform::nextCodePoint(text, next)); next = 0)
+        text.remove_prefix(next);
+    while (!text.empty()) {
+        auto const last = lastCodePoint(text);
+        auto next = last;
+        if (!shouldGo(platform::nextCodePoint(text, next)) || next != text.size())
             break;
+        text = text.substr(0, last);
     }
-    int32_t end = length;
-    for (int32_t previous = length; previous > begin; end = previous) {
-        UChar32 character = 0;
-        U8_PREV(bytes, begin, previous, character);
-        if (!shouldGo(character))
-            break;
-    }
-    return text.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
+    return text;
 }
 
 }

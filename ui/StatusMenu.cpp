@@ -12,6 +12,7 @@ void AppDelegate::updateMenuBarLoading()
 {
     waiting_ = true;
     shownLastUpdate_.reset();
+    writtenDates_.reset();
     usageStatusItem_.title.set(text("PLEASE_WAIT"));
     auto const placeholder = text("SELECT_KEY");
     outlets_.downloadedMenuItem->title.set(labelled("DOWNLOADED_QUOTA", placeholder));
