@@ -8,6 +8,7 @@
 #include <sys/epoll.h>
 #include <sys/timerfd.h>
 
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -58,6 +59,9 @@ int handOver(sd_bus_message* message, void* handler, sd_bus_error* /*error*/)
     return 0;
 }
 
+// Without a handler of its own, a rule that the bus takes too late would end the connection.
+int passOverInstallation(sd_bus_message* /*answer*/, void* /*handler*/, sd_bus_error* /*error*/) { return 0; }
+
 // The handler goes with the slot, and not before it is done.
 BusSlot withHandler(sd_bus_slot* slot, std::unique_ptr<Bus::Handler> handler)
 {
@@ -104,30 +108,36 @@ BusSlot Bus::addObject(char const* path, char const* interface, sd_bus_vtable co
 
 BusSlot Bus::listen(char const* sender, char const* path, char const* interface, char const* member, Handler handler)
 {
-    auto kept = std::make_unique<Handler>(std::move(handler));
-    sd_bus_slot* slot = nullptr;
-    if (!connection_
-        || sd_bus_match_signal_async(
-               connection_.get(), &slot, sender, path, interface, member, handOver, nullptr, kept.get())
-            < 0)
-        return nullptr;
-    attend_.request();
-    return withHandler(slot, std::move(kept));
+    std::string rule = "type='signal'";
+    for (auto const& [key, value] :
+        { std::pair("sender", sender), { "path", path }, { "interface", interface }, { "member", member } }) {
+        if (value)
+            rule += std::string(",") + key + "='" + value + '\'';
+    }
+    return match(rule, std::move(handler));
 }
 
 BusSlot Bus::observeOwner(std::string const& name, std::function<void(std::string const&)> observer)
 {
-    auto kept = std::make_unique<Handler>([observer = std::move(observer)](sd_bus_message* message) {
-        char const* owner = nullptr;
-        if (sd_bus_message_read(message, "sss", nullptr, nullptr, &owner) > 0)
-            observer(owner);
-    });
     auto const rule = "type='signal',sender='org.freedesktop.DBus',path='/org/freedesktop/DBus',"
                       "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='"
         + name + '\'';
+    return match(rule, [observer = std::move(observer)](sd_bus_message* message) {
+        // Others can say so to us too, and the connection takes any sender for the one that was asked for.
+        bool const isBus = std::string_view(sd_bus_message_get_sender(message)) == "org.freedesktop.DBus";
+        char const* owner = nullptr;
+        if (isBus && sd_bus_message_read(message, "sss", nullptr, nullptr, &owner) > 0)
+            observer(owner);
+    });
+}
+
+BusSlot Bus::match(std::string const& rule, Handler handler)
+{
+    auto kept = std::make_unique<Handler>(std::move(handler));
     sd_bus_slot* slot = nullptr;
     if (!connection_
-        || sd_bus_add_match_async(connection_.get(), &slot, rule.c_str(), handOver, nullptr, kept.get()) < 0)
+        || sd_bus_add_match_async(connection_.get(), &slot, rule.c_str(), handOver, passOverInstallation, kept.get())
+            < 0)
         return nullptr;
     attend_.request();
     return withHandler(slot, std::move(kept));

@@ -46,7 +46,8 @@ public:
     /// Answers calls to the members of an object, which are handed over to it.
     [[nodiscard]] BusSlot addObject(
         char const* path, char const* interface, sd_bus_vtable const* members, void* object) const;
-    /// Hears signals.
+    /// Hears signals; nothing stands for any. Who sends them is the bus's word alone where the sender is a number, not
+    /// a name.
     [[nodiscard]] BusSlot listen(
         char const* sender, char const* path, char const* interface, char const* member, Handler handler);
     /// Tells who owns a name from now on, each time that it changes; nobody: an empty text.
@@ -80,6 +81,7 @@ public:
     }
 
 private:
+    BusSlot match(std::string const& rule, Handler handler);
     void process();
     void attend();
     void lost();

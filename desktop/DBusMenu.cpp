@@ -62,11 +62,12 @@ std::set<std::string> readNames(sd_bus_message* call)
 // An id that is asked for a million times is answered once.
 std::vector<int> readIds(sd_bus_message* call)
 {
-    void const* data = nullptr;
-    std::size_t size = 0;
-    sd_bus_message_read_array(call, SD_BUS_TYPE_INT32, &data, &size);
-    auto const* const first = static_cast<std::int32_t const*>(data);
-    std::vector<int> ids(first, first + size / sizeof(std::int32_t));
+    std::vector<int> ids;
+    std::int32_t id = 0;
+    sd_bus_message_enter_container(call, SD_BUS_TYPE_ARRAY, "i");
+    while (sd_bus_message_read(call, "i", &id) > 0)
+        ids.push_back(id);
+    sd_bus_message_exit_container(call);
     std::ranges::sort(ids);
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
     return ids;

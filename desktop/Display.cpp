@@ -3,9 +3,11 @@
 
 #include "desktop/Environment.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <string_view>
 #include <sys/epoll.h>
+#include <vector>
 #include <wayland-client-core.h>
 #include <xcb/xcb.h>
 
@@ -13,19 +15,30 @@ namespace {
 
 enum class Kind { X11, Wayland, Other };
 
-// The toolkit's own rules: a list of platforms, each with its options, of which the first counts here.
-Kind kindOfDisplay()
+Kind kindOf(std::string_view platform)
 {
-    auto const platform = environmentText("QT_QPA_PLATFORM");
-    std::string_view const first = std::string_view(platform).substr(0, platform.find_first_of(":;"));
-    if (first == "xcb")
+    if (platform == "xcb")
         return Kind::X11;
     // A socket that somebody handed over serves one connection, which is the toolkit's.
-    if (!environmentText("WAYLAND_SOCKET").empty())
-        return Kind::Other;
-    if (!first.empty())
-        return first.starts_with("wayland") ? Kind::Wayland : Kind::Other;
-    return environmentText("WAYLAND_DISPLAY").empty() ? Kind::X11 : Kind::Wayland;
+    bool const isOurs = platform.starts_with("wayland") && environmentText("WAYLAND_SOCKET").empty();
+    return isOurs ? Kind::Wayland : Kind::Other;
+}
+
+// The toolkit's own rules: of a list of platforms, each with its options, it takes the first that it can connect to.
+std::vector<Kind> kindsOfDisplay()
+{
+    auto const named = environmentText("QT_QPA_PLATFORM");
+    std::vector<Kind> kinds;
+    for (std::string_view rest = named; !rest.empty();) {
+        auto const platform = rest.substr(0, rest.find(';'));
+        rest.remove_prefix(std::min(platform.size() + 1, rest.size()));
+        kinds.push_back(kindOf(platform.substr(0, platform.find(':'))));
+    }
+    if (!kinds.empty())
+        return kinds;
+    bool const mayBeWayland
+        = !environmentText("WAYLAND_DISPLAY").empty() || environmentText("XDG_SESSION_TYPE") == "wayland";
+    return mayBeWayland ? std::vector { kindOf("wayland"), Kind::X11 } : std::vector { Kind::X11 };
 }
 
 /// A display without a connection of ours.
@@ -38,8 +51,10 @@ public:
         , watch_(isOpen() ? loop.watch(xcb_get_file_descriptor(connection_.get()), EPOLLIN,
                                 [this, gone = std::move(gone)] {
                                     passOverEvents();
-                                    if (!isOpen())
-                                        gone();
+                                    if (isOpen())
+                                        return;
+                                    watch_.reset();
+                                    gone();
                                 })
                           : nullptr)
     {
@@ -85,8 +100,10 @@ public:
         : connection_(wl_display_connect(nullptr), &wl_display_disconnect)
         , watch_(isOpen() ? loop.watch(wl_display_get_fd(connection_.get()), EPOLLIN,
                                 [this, gone = std::move(gone)] {
-                                    if (wl_display_dispatch(connection_.get()) < 0)
-                                        gone();
+                                    if (wl_display_dispatch(connection_.get()) >= 0)
+                                        return;
+                                    watch_.reset();
+                                    gone();
                                 })
                           : nullptr)
     {
@@ -107,20 +124,23 @@ template <typename ConnectedDisplay> std::unique_ptr<Display> connected(DesktopR
 
 }
 
-std::unique_ptr<Display> Display::connect(DesktopRunLoop& loop, platform::Task gone)
+std::unique_ptr<Display> Display::connect(DesktopRunLoop& loop, platform::Task const& gone)
 {
-    switch (kindOfDisplay()) {
-    case Kind::X11:
-        return connected<X11Display>(loop, std::move(gone));
-    case Kind::Wayland:
-        return connected<WaylandDisplay>(loop, std::move(gone));
-    case Kind::Other:
-        break;
+    for (auto const kind : kindsOfDisplay()) {
+        std::unique_ptr<Display> display;
+        if (kind == Kind::X11)
+            display = connected<X11Display>(loop, gone);
+        else if (kind == Kind::Wayland)
+            display = connected<WaylandDisplay>(loop, gone);
+        else
+            display = std::make_unique<OtherDisplay>();
+        if (display)
+            return display;
     }
-    return std::make_unique<OtherDisplay>();
+    return nullptr;
 }
 
 std::string Display::name()
 {
-    return environmentText(kindOfDisplay() == Kind::Wayland ? "WAYLAND_DISPLAY" : "DISPLAY");
+    return environmentText(kindsOfDisplay().front() == Kind::Wayland ? "WAYLAND_DISPLAY" : "DISPLAY");
 }

@@ -4,7 +4,6 @@
 #include "desktop/DesktopRunLoop.h"
 
 #include <memory>
-#include <optional>
 #include <string>
 
 /// A connection to the display on which our windows would come up, which tells when the display goes. Nothing of the
@@ -14,8 +13,9 @@ public:
     virtual ~Display() = default;
 
     /// Connects to the display that the toolkit would choose: Wayland's, else X11's, or what QT_QPA_PLATFORM names. One
-    /// that has no connection, such as "offscreen", is always there. Nothing if there is no display to connect to.
-    static std::unique_ptr<Display> connect(DesktopRunLoop& loop, platform::Task gone);
+    /// that has no connection, such as "offscreen", is always there. Nothing if there is no display to connect to. Its
+    /// going is told once, from the main loop.
+    static std::unique_ptr<Display> connect(DesktopRunLoop& loop, platform::Task const& gone);
 
     /// What a user calls the display that connect() looks for.
     static std::string name();

@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::array exitSignals { SIGTERM, SIGINT, SIGHUP };
 
+constexpr unsigned secondsForMainLoop = 2;
+
 // All that a signal handler may reach.
 std::sig_atomic_t volatile eventOfHandler = -1;
 
@@ -19,22 +21,32 @@ void tellMainLoop(int /*signal*/)
 {
     std::uint64_t const one = 1;
     [[maybe_unused]] auto const size = write(eventOfHandler, &one, sizeof one);
+    // The toolkit may be waiting for a display or a bus that never answers.
+    alarm(secondsForMainLoop);
 }
 
 void endProcessAtOnce(int /*signal*/) { _exit(EXIT_SUCCESS); }
 
+void handle(int signal, void (*handler)(int))
+{
+    struct sigaction action {};
+    action.sa_handler = handler;
+    sigaction(signal, &action, nullptr);
+}
+
 void handleExitSignals(void (*handler)(int))
 {
-    for (int const signal : exitSignals) {
-        struct sigaction action {};
-        action.sa_handler = handler;
-        sigaction(signal, &action, nullptr);
-    }
+    for (int const signal : exitSignals)
+        handle(signal, handler);
 }
 
 }
 
-void ExitSignals::endProcess() { handleExitSignals(endProcessAtOnce); }
+void ExitSignals::endProcess()
+{
+    handle(SIGALRM, endProcessAtOnce);
+    handleExitSignals(endProcessAtOnce);
+}
 
 ExitSignals::ExitSignals(DesktopRunLoop& loop)
     : event_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))

@@ -3,7 +3,8 @@
 
 #include "desktop/DesktopRunLoop.h"
 
-/// Quits the main loop, with exit status 0, on SIGTERM, SIGINT and SIGHUP. One at a time.
+/// Quits the main loop, with exit status 0, on SIGTERM, SIGINT and SIGHUP; one that does not come to it within two
+/// seconds ends with the process. One at a time.
 class ExitSignals final {
 public:
     /// Until there is a main loop: the signals end the process at once, with exit status 0.

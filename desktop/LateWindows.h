@@ -6,9 +6,7 @@
 #include "platform/Property.h"
 #include "platform/Window.h"
 
-#include <functional>
 #include <memory>
-#include <optional>
 #include <vector>
 
 /// Loads the windows when the first of them is wanted: when the model of one becomes visible, or when they are asked

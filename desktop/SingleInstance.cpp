@@ -3,6 +3,7 @@
 
 #include "desktop/ActivationToken.h"
 #include "desktop/Environment.h"
+#include "platform/Utf8.h"
 
 #include <algorithm>
 #include <string_view>
@@ -100,7 +101,7 @@ bool SingleInstance::activateFirst()
     if (token.empty())
         sd_bus_message_append(message.get(), "a{sv}", 0);
     else
-        sd_bus_message_append(message.get(), "a{sv}", 1, tokenKey, "s", token.c_str());
+        sd_bus_message_append(message.get(), "a{sv}", 1, tokenKey, "s", platform::wellFormedUtf8(token).c_str());
     return bus_.callAndWait(std::move(message), patience) != nullptr;
 }
 

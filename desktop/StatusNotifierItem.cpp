@@ -107,7 +107,8 @@ void StatusNotifierItem::writeMenuPath(sd_bus_message* reply) const { sd_bus_mes
 // Once the caller is answered, for showing a menu takes its time.
 int StatusNotifierItem::requestMenu(sd_bus_message* call, sd_bus_error* /*error*/)
 {
-    bus_.loop().perform(handlers_.menuRequested);
+    if (handlers_.menuRequested)
+        bus_.loop().perform(handlers_.menuRequested);
     return sd_bus_reply_method_return(call, "");
 }
 
@@ -120,7 +121,8 @@ int StatusNotifierItem::provideActivationToken(sd_bus_message* call, sd_bus_erro
 {
     char const* token = "";
     sd_bus_message_read(call, "s", &token);
-    handlers_.activationTokenProvided(token);
+    if (handlers_.activationTokenProvided)
+        handlers_.activationTokenProvided(token);
     return sd_bus_reply_method_return(call, "");
 }
 

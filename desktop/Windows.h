@@ -5,6 +5,7 @@
 #include "platform/Color.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -47,8 +48,11 @@ struct WindowsContext {
     platform::Application& application;
     /// Where the web engine's libraries are.
     std::filesystem::path partsFolder;
-    /// What is left when the toolkit turns out to be of no use: it can be neither used nor taken down then.
+    /// The toolkit turned out to be of no use: it can be neither used nor taken down. Must not return.
     platform::Task toolkitFailed;
+    /// The toolkit ends the process by itself, as it does when the display goes. Nothing may be taken down then, for
+    /// its threads are at work. Must not return.
+    std::function<void(int status)> toolkitExits;
 };
 
 /// The library's way in, by this name.

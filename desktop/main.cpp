@@ -57,23 +57,20 @@ void openStandardStreams()
 // lost.
 void heedChildren() { std::signal(SIGCHLD, SIG_DFL); }
 
-// Whose last change must not be lost however the program ends.
-platform::UserDefaults* settingsInUse = nullptr;
-
-// When the display goes, we or the toolkit call exit(). Nothing of ours is torn down then, for its threads are at work.
-void endAbruptly(int status, void* /*unused*/)
+// The toolkit's own options say where its windows come up.
+void heedDisplayOptions(int count, char** arguments)
 {
-    if (!settingsInUse)
-        return;
-    settingsInUse->flush();
-    _exit(status);
+    for (int i = 1; i + 1 < count; ++i) {
+        std::string_view const option = arguments[i];
+        if (option == "-platform" || option == "--platform")
+            setenv("QT_QPA_PLATFORM", arguments[i + 1], 1);
+        else if (option == "-display" || option == "--display")
+            setenv("DISPLAY", arguments[i + 1], 1);
+    }
 }
 
-void endWithoutDisplay()
-{
-    std::fprintf(stderr, "usage-meter: the connection to display %s is lost\n", Display::name().c_str());
-    std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): endAbruptly() does not let it come far.
-}
+// The toolkit would wait for half a minute for a bus that lets nobody in.
+void hideBusFromToolkit() { setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1); }
 
 std::filesystem::path userFolder(char const* variable, char const* inHome)
 {
@@ -179,7 +176,6 @@ StatusArea::Handlers placesFor(LateWindows& windows, Display const& display, Des
 // The item outlives a toolkit of no use in a program that begins anew; without a place for it there is no program.
 void beginAnew(char** arguments, bool hasPlace)
 {
-    settingsInUse->flush();
     if (hasPlace)
         execv(programFile().c_str(), arguments);
     _exit(EXIT_FAILURE);
@@ -233,7 +229,16 @@ int run(Arguments arguments, platform::Bundle const& bundle, DesktopRunLoop& run
                             .runLoop = runLoop,
                             .application = application,
                             .partsFolder = fromProgram(USAGE_METER_PARTS),
-                            .toolkitFailed = [&] { beginAnew(arguments.values, hasPlace); } },
+                            .toolkitFailed =
+                                [&] {
+                                    userDefaults.flush();
+                                    beginAnew(arguments.values, hasPlace);
+                                },
+                            .toolkitExits =
+                                [&](int status) {
+                                    userDefaults.flush();
+                                    _exit(status);
+                                } },
         fromProgram(USAGE_METER_PARTS "/usage-meter-windows.so"));
     workspace.useWindows(windows);
     instance.whenActivated([&controller] { controller.showPreferences(); });
@@ -245,11 +250,8 @@ int run(Arguments arguments, platform::Bundle const& bundle, DesktopRunLoop& run
     auto const trimming = controller.usageStatusItem().title.observeChanges(
         [&runLoop](std::string const&) { runLoop.performAfter(1s, [] { malloc_trim(0); }); });
     ExitSignals const exitSignals(runLoop);
-    settingsInUse = &userDefaults;
-    on_exit(endAbruptly, nullptr);
     controller.applicationDidFinishLaunching();
     int const status = runLoop.run();
-    settingsInUse = nullptr;
     userDefaults.flush();
     urlLoader.cancel();
     iconDrawer.cancel();
@@ -267,7 +269,14 @@ int main(int argc, char** argv)
     heedChildren();
     DesktopRunLoop runLoop;
     LateLocale const locale(runLoop, fromProgram(USAGE_METER_PARTS "/usage-meter-locale.so"));
-    auto const display = Display::connect(runLoop, endWithoutDisplay);
+    heedDisplayOptions(argc, argv);
+    auto const display = Display::connect(runLoop, [&runLoop] {
+        // The toolkit says so itself.
+        if (runLoop.hasOuter())
+            return;
+        std::fprintf(stderr, "usage-meter: the connection to display %s is lost\n", Display::name().c_str());
+        runLoop.quit(EXIT_FAILURE);
+    });
     if (!display) {
         std::fprintf(stderr, "usage-meter: no connection to display %s\n", Display::name().c_str());
         return EXIT_FAILURE;
@@ -279,6 +288,8 @@ int main(int argc, char** argv)
         return EXIT_FAILURE;
     }
     Bus bus(runLoop);
+    if (!bus.isConnected())
+        hideBusFromToolkit();
     SingleInstance instance(bundle->identifier(), bus);
     switch (instance.start()) {
     case SingleInstance::Outcome::ActivatedFirst:

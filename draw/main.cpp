@@ -3,7 +3,10 @@
 // StatusDrawing, out go the pictures. Exit status 0 says that they are whole.
 #include "draw/StatusIcon.h"
 
+#include <QFont>
 #include <QGuiApplication>
+#include <QSettings>
+#include <QStandardPaths>
 #include <QStringDecoder>
 
 #include <array>
@@ -33,6 +36,14 @@ void keepFromDesktop()
     qunsetenv("QT_IM_MODULE");
 }
 
+// As Plasma has it for all programs, in the group General; elsewhere it is fontconfig's sans serif.
+QFont plasmasFont()
+{
+    auto const file = QStandardPaths::locate(QStandardPaths::GenericConfigLocation, QStringLiteral("kdeglobals"));
+    auto const font = QSettings(file, QSettings::IniFormat).value(QStringLiteral("font")).toStringList();
+    return font.isEmpty() ? QStringLiteral("Noto Sans") : font.first();
+}
+
 }
 
 int main()
@@ -58,6 +69,8 @@ int main()
     std::array<char*, 4> arguments { name.data(), option.data(), platform.data(), nullptr };
     int count = static_cast<int>(arguments.size()) - 1;
     QGuiApplication const application(count, arguments.data());
+    if (qEnvironmentVariable("XDG_CURRENT_DESKTOP") == QLatin1String("KDE"))
+        QGuiApplication::setFont(plasmasFont());
     std::cout << encode(statusPixmaps(title, drawing->look)) << std::flush;
     return std::cout ? EXIT_SUCCESS : EXIT_FAILURE;
 }

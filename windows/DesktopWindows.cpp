@@ -6,7 +6,7 @@
 
 DesktopWindows::DesktopWindows(WindowsContext const& context)
     : program_(context.application)
-    , toolkit_(context.argumentCount, context.arguments, context.bundle, context.toolkitFailed)
+    , toolkit_(context.argumentCount, context.arguments, context.bundle, context.toolkitExits)
     , loop_(context.runLoop)
     , windows_(context.outlets, context.bundle, context.runLoop, context.partsFolder)
     , tray_(context.statusItem, context.runLoop)

@@ -23,10 +23,11 @@ void printError(QString const& message)
 bool isError(QtMsgType type) { return type != QtDebugMsg && type != QtInfoMsg; }
 
 platform::Task lastResortOfStart;
+std::function<void(int)> tellOfExit;
 
 // A desktop that cannot be reached makes Qt warn, advise to reinstall and abort(); a user is better served by the
 // warning alone.
-void reportFailedStart(QtMsgType type, QMessageLogContext const& /*context*/, QString const& message)
+void hearFailedStart(QtMsgType type, QMessageLogContext const& /*context*/, QString const& message)
 {
     static QString reason;
     if (type == QtFatalMsg) {
@@ -52,19 +53,26 @@ void reportError(QtMsgType type, QMessageLogContext const& context, QString cons
         _exit(EXIT_FAILURE);
 }
 
-bool reportFailures(platform::Task lastResort)
+void hearExit(int status, void* /*unused*/)
+{
+    if (tellOfExit)
+        tellOfExit(status);
+}
+
+}
+
+void Toolkit::reportFailedStart(platform::Task lastResort)
 {
     lastResortOfStart = std::move(lastResort);
-    qInstallMessageHandler(reportFailedStart);
-    return true;
+    qInstallMessageHandler(hearFailedStart);
 }
 
-}
-
-Toolkit::Toolkit(int& argumentCount, char** arguments, platform::Bundle const& bundle, platform::Task lastResort)
-    : areFailuresReported_(reportFailures(std::move(lastResort)))
-    , application_(argumentCount, arguments)
+Toolkit::Toolkit(int& argumentCount, char** arguments, platform::Bundle const& bundle, std::function<void(int)> exits)
+    : application_(argumentCount, arguments)
 {
+    // Only now, so that it comes before what the toolkit has to do at an exit.
+    tellOfExit = std::move(exits);
+    on_exit(hearExit, nullptr);
     qInstallMessageHandler(reportError);
     QApplication::setQuitOnLastWindowClosed(false);
     // Where our icons are, should the desktop's own theme not be installed.
@@ -78,6 +86,8 @@ Toolkit::Toolkit(int& argumentCount, char** arguments, platform::Bundle const& b
     QApplication::setDesktopFileName(toQt(bundle.identifier()));
     speak(bundle);
 }
+
+Toolkit::~Toolkit() { tellOfExit = nullptr; }
 
 void Toolkit::speak(platform::Bundle const& bundle)
 {

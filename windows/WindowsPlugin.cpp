@@ -4,5 +4,6 @@
 
 extern "C" Q_DECL_EXPORT void makeUsageMeterWindows(WindowsContext const& context, std::unique_ptr<Windows>& made)
 {
+    Toolkit::reportFailedStart(context.toolkitFailed);
     made = std::make_unique<DesktopWindows>(context);
 }
