@@ -2,8 +2,8 @@
 #include "desktop/Display.h"
 
 #include "desktop/Environment.h"
+#include "platform/Split.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <string_view>
 #include <sys/epoll.h>
@@ -29,11 +29,8 @@ std::vector<Kind> kindsOfDisplay()
 {
     auto const named = environmentText("QT_QPA_PLATFORM");
     std::vector<Kind> kinds;
-    for (std::string_view rest = named; !rest.empty();) {
-        auto const platform = rest.substr(0, rest.find(';'));
-        rest.remove_prefix(std::min(platform.size() + 1, rest.size()));
+    for (auto const platform : platform::split(named, ';'))
         kinds.push_back(kindOf(platform.substr(0, platform.find(':'))));
-    }
     if (!kinds.empty())
         return kinds;
     bool const mayBeWayland

@@ -21,6 +21,7 @@
 #include "platform/Locale.h"
 #include "platform/Platform.h"
 #include "platform/ProcessUrlLoader.h"
+#include "platform/Split.h"
 #include "platform/ThreadQueues.h"
 #include "platform/UserDefaults.h"
 #include "ui/MainLayout.h"
@@ -29,8 +30,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <malloc.h>
+#include <string_view>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -86,13 +90,8 @@ std::vector<std::filesystem::path> systemAutostartFolders()
     if (folders.empty())
         folders = "/etc/xdg";
     std::vector<std::filesystem::path> autostartFolders;
-    std::string_view rest = folders;
-    while (!rest.empty()) {
-        auto const folder = rest.substr(0, rest.find(':'));
-        rest.remove_prefix(std::min(folder.size() + 1, rest.size()));
-        if (!folder.empty())
-            autostartFolders.push_back(std::filesystem::path(folder) / autostart);
-    }
+    for (auto const folder : platform::split(folders, ':'))
+        autostartFolders.push_back(std::filesystem::path(folder) / autostart);
     return autostartFolders;
 }
 

@@ -2,8 +2,8 @@
 #include "platform/Locale.h"
 
 #include "platform/LocaleRules.h"
+#include "platform/Split.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <string_view>
 
@@ -38,12 +38,8 @@ std::string userLocale(char const* category)
 std::vector<std::string> userLanguages()
 {
     std::vector<std::string> languages;
-    std::string_view preferred = environment("LANGUAGE");
-    while (!preferred.empty()) {
-        std::size_t const end = std::min(preferred.find(':'), preferred.size());
-        languages.emplace_back(languageOf(preferred.substr(0, end)));
-        preferred.remove_prefix(std::min(end + 1, preferred.size()));
-    }
+    for (auto const preferred : split(environment("LANGUAGE"), ':'))
+        languages.emplace_back(languageOf(preferred));
     languages.emplace_back(languageOf(userLocale("LC_MESSAGES")));
     return languages;
 }
