@@ -8,14 +8,18 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <optional>
 
 namespace {
 
-// As libxml2 reads it into a tree, which knows nothing of our runs of text.
-std::string contentOf(std::string_view document)
+// As libxml2 reads it into a tree, which knows nothing of our runs of text. It refuses some documents that are
+// well-formed to us, such as those of an encoding that it does not know.
+std::optional<std::string> contentOf(std::string_view document)
 {
     constexpr int options = XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
     auto* const tree = xmlReadMemory(document.data(), static_cast<int>(document.size()), nullptr, "UTF-8", options);
+    if (!tree)
+        return std::nullopt;
     auto* const content = xmlNodeGetContent(xmlDocGetRootElement(tree));
     std::string text(reinterpret_cast<char const*>(content));
     xmlFree(content);
@@ -40,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         auto const* const figure = entry.second.template as<std::string>();
         return figure && trimmedText(*figure) == *figure && text.characters.find(*figure) != std::string::npos;
     });
-    if (report->size() > 6 || !areFigures || text.content != contentOf(trimmedReply(body)))
+    if (report->size() > 6 || !areFigures || text.content != contentOf(trimmedReply(body)).value_or(text.content))
         std::abort();
     return 0;
 }

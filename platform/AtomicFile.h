@@ -9,8 +9,8 @@
 
 namespace platform {
 
-/// The size in bytes of the largest file that is read or written. It is below the 10,000,000 that libxml2 reads, so
-/// that settings and reports that were written can be read again.
+/// The size in bytes of the largest file that is read or written. It is the same for both, so that settings and reports
+/// that were written can be read again.
 inline constexpr std::size_t maximumFileSize = 9UL * 1024 * 1024;
 
 /// What an unfinished file is called, the same in every folder: what a killed process left behind is taken away by the

@@ -1,116 +1,125 @@
 // SPDX-License-Identifier: MIT
 #include "platform/XmlParser.h"
 
-#include <libxml/parser.h>
+#include <expat.h>
 
+#include <algorithm>
+#include <array>
 #include <limits>
 #include <memory>
-#include <mutex>
+#include <set>
 #include <string>
 
 namespace platform {
 
 namespace {
 
-// About what all names of a document may take, in bytes. Attributes are compared with each other, so that an element of
-// a million would be read for hours.
+// What all names of a document may take, in bytes.
 constexpr std::size_t roomForNames = 65'536;
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+// Expat goes through all attributes that a document declares for an element each time that it has one.
+constexpr int mostDeclaredAttributes = 1'024;
+constexpr int greatestDepth = 256;
 
-std::string_view view(xmlChar const* text) { return reinterpret_cast<char const*>(text); }
+std::string_view view(char const* text, int length) { return { text, static_cast<std::size_t>(length) }; }
 
-std::string_view view(xmlChar const* text, int length)
-{
-    return { reinterpret_cast<char const*>(text), static_cast<std::size_t>(length) };
-}
-
-std::string qualifiedName(xmlChar const* localName, xmlChar const* prefix)
-{
-    std::string const name(view(localName));
-    return prefix ? std::string(view(prefix)) + ':' + name : name;
-}
-
-// Turns libxml2's events into the delegate's. libxml2 cuts text wherever its own reading makes it, so the pieces
-// are joined here, and cut only at markup and around references.
+// Turns expat's events into the delegate's. Expat cuts text at each line, so the pieces are joined here, and cut only
+// at markup and around references.
 class Events {
 public:
+    // Nothing behind a zero byte is read. No document in UTF-16, which expat would recognize, is without one.
     Events(std::string_view document, XmlParserDelegate& delegate)
-        : document_(document)
+        : document_(document.substr(0, document.find('\0')))
         , delegate_(delegate)
-        , context_(xmlNewParserCtxt(), &xmlFreeParserCtxt)
+        , parser_(XML_ParserCreate("UTF-8"), &XML_ParserFree)
     {
     }
 
     bool parse()
     {
-        if (!context_ || document_.size() > std::numeric_limits<int>::max())
+        if (!parser_ || document_.size() > std::numeric_limits<int>::max())
             return false;
-        *context_->sax = handler();
-        context_->userData = this;
-        xmlDictSetLimit(context_->dict, roomForNames);
-        xmlCtxtReadMemory(
-            context_.get(), document_.data(), static_cast<int>(document_.size()), nullptr, "UTF-8", XML_PARSE_NONET);
+        setHandlers();
+        bool const wellFormed
+            = XML_Parse(parser_.get(), document_.data(), static_cast<int>(document_.size()), XML_TRUE) == XML_STATUS_OK;
         flush();
-        // libxml2 counts a document as well-formed that it did not read on for want of room.
-        return context_->wellFormed && context_->errNo != XML_ERR_NO_MEMORY;
+        return wellFormed;
     }
 
 private:
     static Events& self(void* data) { return *static_cast<Events*>(data); }
 
-    // Without handlers for entities none is ever declared. The comments and instructions are only heard of
-    // because they end a run of text.
-    static xmlSAXHandler handler()
+    void setHandlers()
     {
-        xmlSAXHandler handler {};
-        handler.initialized = XML_SAX2_MAGIC;
-        handler.startElementNs = [](void* data, xmlChar const* localName, xmlChar const* prefix, xmlChar const*, int,
-                                     xmlChar const**, int, int defaulted, xmlChar const**) {
-            // A document that declares attributes adds them to each of its elements, which takes without end.
-            if (defaulted > 0)
-                return self(data).refuse();
-            self(data).markup();
-            self(data).delegate_.didStartElement(qualifiedName(localName, prefix));
-        };
-        handler.endElementNs = [](void* data, xmlChar const* localName, xmlChar const* prefix, xmlChar const*) {
-            self(data).markup();
-            self(data).delegate_.didEndElement(qualifiedName(localName, prefix));
-        };
-        handler.characters
-            = [](void* data, xmlChar const* text, int length) { self(data).characters(view(text, length)); };
-        handler.ignorableWhitespace = handler.characters;
-        handler.cdataBlock = [](void* data, xmlChar const* text, int length) {
-            self(data).markup();
-            self(data).delegate_.foundCData(view(text, length));
-        };
-        handler.comment = [](void* data, xmlChar const*) { self(data).markup(); };
-        handler.processingInstruction = [](void* data, xmlChar const*, xmlChar const*) { self(data).markup(); };
-        handler.serror = &Events::errorOccurred;
-        return handler;
+        XML_Parser const parser = parser_.get();
+        XML_SetUserData(parser, this);
+        XML_SetElementHandler(
+            parser, [](void* data, char const* name, char const** attributes) { self(data).start(name, attributes); },
+            [](void* data, char const* name) { self(data).end(name); });
+        XML_SetCharacterDataHandler(
+            parser, [](void* data, char const* text, int length) { self(data).characters(view(text, length)); });
+        XML_SetDefaultHandler(
+            parser, [](void* data, char const* text, int length) { self(data).source_ = view(text, length); });
+        XML_SetCdataSectionHandler(
+            parser, [](void* data) { self(data).setInsideCData(true); },
+            [](void* data) { self(data).setInsideCData(false); });
+        // Comments and instructions end a run of text.
+        XML_SetCommentHandler(parser, [](void* data, char const*) { self(data).flush(); });
+        XML_SetProcessingInstructionHandler(parser, [](void* data, char const* target, char const*) {
+            self(data).flush();
+            self(data).count(target);
+        });
+        XML_SetAttlistDeclHandler(parser,
+            [](void* data, char const*, char const* name, char const*, char const*, int) { self(data).declare(name); });
+        refuseEntities();
     }
 
-    // Keeps errors off stderr. Where a document has an external subset an unknown entity is a mere warning, since
-    // that subset might have declared it. Older and newer libxml2 differ in the constness of the error.
-    template <typename Error> static void errorOccurred(void* data, Error* error)
+    // An entity that is not declared counts as skipped where an external subset might have declared it, and so does
+    // a parameter entity.
+    void refuseEntities()
     {
-        if (error->code != XML_WAR_UNDECLARED_ENTITY)
-            return;
-        self(data).refuse();
+        XML_Parser const parser = parser_.get();
+        XML_SetEntityDeclHandler(parser,
+            [](void* data, char const*, int, char const*, int, char const*, char const*, char const*, char const*) {
+                self(data).refuse();
+            });
+        XML_SetSkippedEntityHandler(parser, [](void* data, char const*, int) { self(data).refuse(); });
+        XML_SetParamEntityParsing(parser, XML_PARAM_ENTITY_PARSING_ALWAYS);
     }
 
     void refuse()
     {
+        refused_ = true;
+        XML_StopParser(parser_.get(), XML_FALSE);
+    }
+
+    void start(char const* name, char const** attributes)
+    {
         flush();
-        context_->wellFormed = 0;
-        xmlStopParser(context_.get());
+        ++depth_;
+        count(name);
+        bool const hasDefaults = attributes[XML_GetSpecifiedAttributeCount(parser_.get())] != nullptr;
+        bool const hasEntity = *attributes && hasUnknownEntity(source());
+        if (hasDefaults || hasEntity || depth_ > greatestDepth)
+            refuse();
+        for (; *attributes && !refused_; attributes += 2)
+            count(*attributes);
+        if (!refused_)
+            delegate_.didStartElement(name);
+    }
+
+    void end(char const* name)
+    {
+        // Of an empty element the end still comes when its start has been refused.
+        if (refused_)
+            return;
+        flush();
+        --depth_;
+        delegate_.didEndElement(name);
     }
 
     void characters(std::string_view text)
     {
-        // Of all events only characters still come after an error.
-        if (!context_->wellFormed)
-            return;
-        bool const isReference = sourceSinceLastEvent().find('&') != std::string_view::npos;
+        bool const isReference = !insideCData_ && source().starts_with('&');
         if (isReference)
             flush();
         run_ += text;
@@ -118,46 +127,75 @@ private:
             flush();
     }
 
-    void markup()
+    void setInsideCData(bool isInside)
     {
-        sourceSinceLastEvent();
         flush();
+        insideCData_ = isInside;
     }
 
-    // xmlByteConsumed() would convert all that is left of the document each time.
-    std::string_view sourceSinceLastEvent()
+    void declare(char const* attribute)
     {
-        xmlParserInput const& input = *context_->input;
-        std::size_t const position = input.consumed + static_cast<std::size_t>(input.cur - input.base);
-        std::string_view const source = document_.substr(lastEvent_, position - lastEvent_);
-        lastEvent_ = position;
-        return source;
+        count(attribute);
+        if (++declaredAttributes_ > mostDeclaredAttributes)
+            refuse();
+    }
+
+    void count(std::string_view name)
+    {
+        bool const isAlwaysRoom = document_.size() <= roomForNames;
+        if (isAlwaysRoom || names_.contains(name))
+            return;
+        names_.emplace(name);
+        lengthOfNames_ += name.size();
+        if (lengthOfNames_ > roomForNames)
+            refuse();
+    }
+
+    // In attributes expat says nothing of an entity that it skips.
+    static bool hasUnknownEntity(std::string_view tag)
+    {
+        constexpr std::array<std::string_view, 5> known { "amp", "lt", "gt", "quot", "apos" };
+        for (auto at = tag.find('&'); at != std::string_view::npos; at = tag.find('&', at + 1)) {
+            auto const name = tag.substr(at + 1, tag.find(';', at) - at - 1);
+            if (!name.starts_with('#') && std::ranges::find(known, name) == known.end())
+                return true;
+        }
+        return false;
+    }
+
+    // What the event was made of, which goes to the default handler.
+    std::string_view source()
+    {
+        XML_DefaultCurrent(parser_.get());
+        return source_;
     }
 
     void flush()
     {
-        if (!run_.empty())
+        if (insideCData_)
+            delegate_.foundCData(run_);
+        else if (!run_.empty())
             delegate_.foundCharacters(run_);
         run_.clear();
     }
 
     std::string_view document_;
     XmlParserDelegate& delegate_;
-    std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> context_;
+    std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
+    std::string_view source_;
     std::string run_;
-    std::size_t lastEvent_ = 0;
+    bool insideCData_ = false;
+    bool refused_ = false;
+    int depth_ = 0;
+    int declaredAttributes_ = 0;
+    std::set<std::string, std::less<>> names_;
+    std::size_t lengthOfNames_ = 0;
 };
 
 }
 
 bool parseXml(std::string_view document, XmlParserDelegate& delegate)
 {
-    static std::once_flag initialized;
-    std::call_once(initialized, &xmlInitParser);
-
-    // Positions are counted without the mark, which libxml2 drops.
-    if (document.starts_with(byteOrderMark))
-        document.remove_prefix(byteOrderMark.size());
     bool const wellFormed = Events(document, delegate).parse();
     if (!wellFormed)
         delegate.parseErrorOccurred();

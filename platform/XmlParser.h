@@ -21,8 +21,9 @@ public:
 };
 
 /// Parses an XML 1.0 document in UTF-8 without touching the network or any file. The five predefined entities and
-/// character references are known; any other entity makes the document not well-formed, and so do names of more than
-/// about 64 KiB in all, and attributes by default. Returns whether it was well-formed. Any thread.
+/// character references are known; any other entity, declared or used, makes the document not well-formed, and so do
+/// names of more than 64 KiB in all, more than 256 levels, more than 1,024 declared attributes, and attributes by
+/// default. Returns whether it was well-formed. Any thread.
 bool parseXml(std::string_view document, XmlParserDelegate& delegate);
 
 }

@@ -56,15 +56,15 @@ TEST(XmlParser, WhatIsNotWellFormedOrHasEntitiesOfItsOwnEndsInOneErrorAndNothing
     testing::internal::CaptureStderr();
     expectEvents({ { "", "!" }, { "<a>cut off", "<a[cut off]!" }, { "<a>1<b></a>2", "<a[1]<b!" },
         { "<a/><b/>", "<a>a!" }, { "<a>\xE9</a>", "<a!" }, { "<a>x\x01y</a>", "<a[x]!" },
-        { "<a>1&eacute;2</a>", "<a[1]!" }, { "<!DOCTYPE a [<!ENTITY e 'x'>]><a>1&e;2</a>", "<a[1]!" },
-        { "<!DOCTYPE a [<!ENTITY e SYSTEM 'file:///etc/passwd'>]><a>&e;</a>", "<a!" },
-        { "<!DOCTYPE a [<!ENTITY % p '<!ENTITY e \"x\">'> %p;]><a/>", "!" },
-        { "<!DOCTYPE a SYSTEM 'a.dtd' [<!ATTLIST a b CDATA '&e;'>]><a/>", "!" },
+        { "<a>1&eacute;2</a>", "<a[1]!" }, { std::string("\xFF\xFE<\0a\0/\0>\0", 10), "!" },
+        { "<!DOCTYPE a [<!ENTITY e 'x'>]><a>1&e;2</a>", "!" },
+        { "<!DOCTYPE a [<!ENTITY e SYSTEM 'file:///etc/passwd'>]><a>&e;</a>", "!" }, { "<!DOCTYPE a [%p;]><a/>", "!" },
+        { "<!DOCTYPE a SYSTEM 'http://127.0.0.1:9/a.dtd'><a>1&e;2</a>", "<a[1]!" },
         { "<!DOCTYPE a SYSTEM 'http://127.0.0.1:9/a.dtd'><a><b c='&e;'/></a>", "<a!" } });
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(XmlParser, RefusesNamesAndDefaultsWithoutEndBeforeTheyTakeTime)
+TEST(XmlParser, RefusesNamesLevelsAndDeclarationsWithoutEndBeforeTheyTakeTime)
 {
     auto const repeated = [](int count, char const* before, char const* behind) {
         std::string text;
@@ -72,12 +72,24 @@ TEST(XmlParser, RefusesNamesAndDefaultsWithoutEndBeforeTheyTakeTime)
             text.append(before).append(std::to_string(i)).append(behind);
         return text;
     };
+    auto const levels = [](int count) {
+        std::string text;
+        for (int i = 0; i < count; ++i)
+            text = "<a>" + text + "</a>";
+        return text;
+    };
+    auto const declared = [&repeated](int count, char const* value) {
+        return "<!DOCTYPE a [<!ATTLIST a" + repeated(count, " a", value) + ">]>";
+    };
     platform::XmlParserDelegate ignored;
     EXPECT_TRUE(platform::parseXml("<a" + repeated(1'000, " a", "=''") + "/>", ignored));
     EXPECT_FALSE(platform::parseXml("<a" + repeated(100'000, " a", "=''") + "/>", ignored));
     EXPECT_FALSE(platform::parseXml("<a>" + repeated(100'000, "<a", "/>") + "</a>", ignored));
     EXPECT_FALSE(platform::parseXml(repeated(100'000, "<?a", " ?>") + "<a/>", ignored));
-    auto const declared = "<!DOCTYPE a [<!ATTLIST a" + repeated(1'000, " a", " CDATA ''") + ">]>";
-    EXPECT_TRUE(platform::parseXml(declared + "<b/>", ignored));
-    EXPECT_FALSE(platform::parseXml(declared + "<a/>", ignored));
+    EXPECT_TRUE(platform::parseXml(levels(256), ignored));
+    EXPECT_FALSE(platform::parseXml(levels(257), ignored));
+    EXPECT_TRUE(platform::parseXml(declared(1'000, " CDATA #IMPLIED") + "<a/>", ignored));
+    EXPECT_FALSE(platform::parseXml(declared(2'000, " CDATA #IMPLIED") + "<a/>", ignored));
+    EXPECT_TRUE(platform::parseXml(declared(1, " CDATA ''") + "<b/>", ignored));
+    EXPECT_FALSE(platform::parseXml(declared(1, " CDATA ''") + "<a/>", ignored));
 }
