@@ -14,6 +14,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QShortcut>
+#include <QWindow>
 
 #include <ranges>
 
@@ -119,11 +120,21 @@ bool WindowMirror::isActive() const
     return window;
 }
 
+// Whether the desktop would leave the open window where it is, though it puts a new one in front. A Wayland compositor
+// does without a token; the toolkit does not ask an X11 window manager for a window that this has put away, as it does
+// with windows of another workspace.
+bool WindowMirror::staysWhereItIs() const
+{
+    if (isOnWayland())
+        return !hasActivationToken();
+    return !widget_->isMinimized() && !widget_->windowHandle()->isExposed();
+}
+
 void WindowMirror::bringToFront()
 {
+    bool const mustBeShownAnew = !isNew_ && !isActive() && staysWhereItIs();
     widget_->setWindowState(widget_->windowState() & ~Qt::WindowMinimized);
-    // Without a token a Wayland compositor leaves an open window where it is, but puts a new one in front.
-    if (isOnWayland() && !hasActivationToken() && !isNew_ && !isActive())
+    if (mustBeShownAnew)
         showAnew();
     widget_->raise();
     widget_->activateWindow();

@@ -36,6 +36,7 @@ private:
     void buildWidget();
     void setShown(bool shown);
     bool isActive() const;
+    bool staysWhereItIs() const;
     void bringToFront();
     void showAnew();
     void setBackground(std::optional<platform::Color> const& color);
