@@ -3,12 +3,10 @@
 
 #include "platform/Utf8.h"
 
-#include <cerrno>
 #include <poll.h>
+#include <string_view>
 #include <sys/epoll.h>
 #include <sys/timerfd.h>
-
-#include <string_view>
 #include <utility>
 
 namespace {
@@ -21,7 +19,7 @@ constexpr auto patienceAtTheDoor = 5s;
 // Other programs may keep us busy, but the timers have their turn too.
 constexpr int messagesInATurn = 64;
 
-// Negative: never.
+// Not positive: its time is over.
 int millisecondsUntil(Clock::time_point end)
 {
     return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count());

@@ -17,12 +17,6 @@ inline QString toQt(std::string_view text)
 
 inline QColor toQt(platform::Color color) { return { color.red, color.green, color.blue }; }
 
-inline platform::Color fromQt(QColor const& color)
-{
-    auto const byte = [](int component) { return static_cast<std::uint8_t>(component); };
-    return { byte(color.red()), byte(color.green()), byte(color.blue()) };
-}
-
 /// A text for a button or a menu line, where Qt would take "&" for the mark of a shortcut, and a tab for the beginning
 /// of its name.
 inline QString asLabel(QString text)
