@@ -101,10 +101,10 @@ private:
 void append(sd_bus_message* message, std::string const& text);
 
 /// Hands a call over to an object's own function.
-template <typename Object, int (Object::*function)(sd_bus_message*, sd_bus_error*)>
-int onCall(sd_bus_message* call, void* object, sd_bus_error* error)
+template <typename Object, int (Object::*function)(sd_bus_message*)>
+int onCall(sd_bus_message* call, void* object, sd_bus_error* /*error*/)
 {
-    return (static_cast<Object*>(object)->*function)(call, error);
+    return (static_cast<Object*>(object)->*function)(call);
 }
 
 /// Has an object's own function write the value of a property.

@@ -41,12 +41,12 @@ bool isEventName(std::string_view name)
     return name.starts_with("x-") || std::ranges::find(known, name) != known.end();
 }
 
-int refuse(sd_bus_error* error, char const* reason)
+int refuse(sd_bus_message* call, char const* reason)
 {
-    return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, reason);
+    return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_INVALID_ARGS, "%s", reason);
 }
 
-int refuseLine(sd_bus_error* error) { return refuse(error, "there is no such line"); }
+int refuseLine(sd_bus_message* call) { return refuse(call, "there is no such line"); }
 
 std::set<std::string> readNames(sd_bus_message* call)
 {
@@ -149,13 +149,13 @@ void DBusMenu::writeVersion(sd_bus_message* reply) const { sd_bus_message_append
 void DBusMenu::writeIconThemePath(sd_bus_message* reply) const { sd_bus_message_append(reply, "as", 0); }
 
 // Any negative depth means everything.
-int DBusMenu::getLayout(sd_bus_message* call, sd_bus_error* error)
+int DBusMenu::getLayout(sd_bus_message* call)
 {
     int id = 0;
     int depth = 0;
     sd_bus_message_read(call, "ii", &id, &depth);
     if (!find(id))
-        return refuseLine(error);
+        return refuseLine(call);
     auto const reply = replyTo(call);
     sd_bus_message_append(reply.get(), "u", revision_);
     writeLayout(reply.get(), id, depth, readNames(call));
@@ -163,7 +163,7 @@ int DBusMenu::getLayout(sd_bus_message* call, sd_bus_error* error)
 }
 
 // No ids mean every line that is known.
-int DBusMenu::getGroupProperties(sd_bus_message* call, sd_bus_error* /*error*/)
+int DBusMenu::getGroupProperties(sd_bus_message* call)
 {
     auto const ids = readIds(call);
     auto const names = readNames(call);
@@ -181,38 +181,38 @@ int DBusMenu::getGroupProperties(sd_bus_message* call, sd_bus_error* /*error*/)
     return send(reply);
 }
 
-int DBusMenu::getProperty(sd_bus_message* call, sd_bus_error* error)
+int DBusMenu::getProperty(sd_bus_message* call)
 {
     int id = 0;
     char const* name = "";
     sd_bus_message_read(call, "is", &id, &name);
     auto const* node = find(id);
     if (!node)
-        return refuseLine(error);
+        return refuseLine(call);
     auto values = properties(node->line);
     values.insert(defaults.begin(), defaults.end());
     auto const value = values.find(name);
     if (value == values.end())
-        return refuse(error, "a line has no such property");
+        return refuse(call, "a line has no such property");
     auto const reply = replyTo(call);
     write(reply.get(), value->second);
     return send(reply);
 }
 
-int DBusMenu::event(sd_bus_message* call, sd_bus_error* error)
+int DBusMenu::event(sd_bus_message* call)
 {
     int id = 0;
     char const* name = "";
     sd_bus_message_read(call, "is", &id, &name);
     if (!find(id))
-        return refuseLine(error);
+        return refuseLine(call);
     if (!isEventName(name))
-        return refuse(error, "there is no such event");
+        return refuse(call, "there is no such event");
     queueEvent(id, name);
     return sd_bus_reply_method_return(call, "");
 }
 
-int DBusMenu::eventGroup(sd_bus_message* call, sd_bus_error* error)
+int DBusMenu::eventGroup(sd_bus_message* call)
 {
     std::vector<int> unknown;
     std::size_t count = 0;
@@ -229,23 +229,23 @@ int DBusMenu::eventGroup(sd_bus_message* call, sd_bus_error* error)
             unknown.push_back(id);
     }
     if (count > 0 && unknown.size() == count)
-        return refuse(error, "there are no such lines");
+        return refuse(call, "there are no such lines");
     auto const reply = replyTo(call);
     writeIds(reply.get(), unknown);
     return send(reply);
 }
 
-int DBusMenu::aboutToShow(sd_bus_message* call, sd_bus_error* error)
+int DBusMenu::aboutToShow(sd_bus_message* call)
 {
     int id = 0;
     sd_bus_message_read(call, "i", &id);
     auto const* node = find(id);
     if (!node)
-        return refuseLine(error);
+        return refuseLine(call);
     return sd_bus_reply_method_return(call, "b", int { willShow(*node) });
 }
 
-int DBusMenu::aboutToShowGroup(sd_bus_message* call, sd_bus_error* error)
+int DBusMenu::aboutToShowGroup(sd_bus_message* call)
 {
     auto const ids = readIds(call);
     std::vector<int> outdated;
@@ -258,7 +258,7 @@ int DBusMenu::aboutToShowGroup(sd_bus_message* call, sd_bus_error* error)
             outdated.push_back(id);
     }
     if (!ids.empty() && unknown.size() == ids.size())
-        return refuse(error, "there are no such lines");
+        return refuse(call, "there are no such lines");
     auto const reply = replyTo(call);
     writeIds(reply.get(), outdated);
     writeIds(reply.get(), unknown);

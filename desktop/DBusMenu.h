@@ -69,13 +69,13 @@ private:
     /// What the protocol says of a line that does not carry the property.
     static Properties const defaults;
 
-    int getLayout(sd_bus_message* call, sd_bus_error* error);
-    int getGroupProperties(sd_bus_message* call, sd_bus_error* error);
-    int getProperty(sd_bus_message* call, sd_bus_error* error);
-    int event(sd_bus_message* call, sd_bus_error* error);
-    int eventGroup(sd_bus_message* call, sd_bus_error* error);
-    int aboutToShow(sd_bus_message* call, sd_bus_error* error);
-    int aboutToShowGroup(sd_bus_message* call, sd_bus_error* error);
+    int getLayout(sd_bus_message* call);
+    int getGroupProperties(sd_bus_message* call);
+    int getProperty(sd_bus_message* call);
+    int event(sd_bus_message* call);
+    int eventGroup(sd_bus_message* call);
+    int aboutToShow(sd_bus_message* call);
+    int aboutToShowGroup(sd_bus_message* call);
     void writeVersion(sd_bus_message* reply) const;
     std::string status() const { return "normal"; }
     std::string textDirection() const;

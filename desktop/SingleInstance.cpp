@@ -105,7 +105,7 @@ bool SingleInstance::activateFirst()
     return bus_.callAndWait(std::move(message), patience) != nullptr;
 }
 
-int SingleInstance::activate(sd_bus_message* call, sd_bus_error* /*error*/)
+int SingleInstance::activate(sd_bus_message* call)
 {
     dropActivationToken();
     keepActivationToken(tokenIn(call));
@@ -114,14 +114,14 @@ int SingleInstance::activate(sd_bus_message* call, sd_bus_error* /*error*/)
     return sd_bus_reply_method_return(call, "");
 }
 
-int SingleInstance::open(sd_bus_message* call, sd_bus_error* error)
+int SingleInstance::open(sd_bus_message* call)
 {
     sd_bus_message_skip(call, "as");
-    return activate(call, error);
+    return activate(call);
 }
 
-int SingleInstance::activateAction(sd_bus_message* call, sd_bus_error* error)
+int SingleInstance::activateAction(sd_bus_message* call)
 {
     sd_bus_message_skip(call, "sav");
-    return activate(call, error);
+    return activate(call);
 }

@@ -31,9 +31,9 @@ private:
 
     bool becomeFirst();
     bool activateFirst();
-    int activate(sd_bus_message* call, sd_bus_error* error);
-    int open(sd_bus_message* call, sd_bus_error* error);
-    int activateAction(sd_bus_message* call, sd_bus_error* error);
+    int activate(sd_bus_message* call);
+    int open(sd_bus_message* call);
+    int activateAction(sd_bus_message* call);
 
     std::string identifier_;
     std::string path_;

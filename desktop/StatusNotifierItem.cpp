@@ -105,19 +105,16 @@ void StatusNotifierItem::writeItemIsMenu(sd_bus_message* reply) const { sd_bus_m
 void StatusNotifierItem::writeMenuPath(sd_bus_message* reply) const { sd_bus_message_append(reply, "o", menuPath); }
 
 // Once the caller is answered, for showing a menu takes its time.
-int StatusNotifierItem::requestMenu(sd_bus_message* call, sd_bus_error* /*error*/)
+int StatusNotifierItem::requestMenu(sd_bus_message* call)
 {
     if (handlers_.menuRequested)
         bus_.loop().perform(handlers_.menuRequested);
     return sd_bus_reply_method_return(call, "");
 }
 
-int StatusNotifierItem::scroll(sd_bus_message* call, sd_bus_error* /*error*/)
-{
-    return sd_bus_reply_method_return(call, "");
-}
+int StatusNotifierItem::scroll(sd_bus_message* call) { return sd_bus_reply_method_return(call, ""); }
 
-int StatusNotifierItem::provideActivationToken(sd_bus_message* call, sd_bus_error* /*error*/)
+int StatusNotifierItem::provideActivationToken(sd_bus_message* call)
 {
     char const* token = "";
     sd_bus_message_read(call, "s", &token);

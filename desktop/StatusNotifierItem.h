@@ -67,9 +67,9 @@ private:
     void writeToolTip(sd_bus_message* reply) const;
     void writeItemIsMenu(sd_bus_message* reply) const;
     void writeMenuPath(sd_bus_message* reply) const;
-    int requestMenu(sd_bus_message* call, sd_bus_error* error);
-    int scroll(sd_bus_message* call, sd_bus_error* error);
-    int provideActivationToken(sd_bus_message* call, sd_bus_error* error);
+    int requestMenu(sd_bus_message* call);
+    int scroll(sd_bus_message* call);
+    int provideActivationToken(sd_bus_message* call);
 
     bool showsLabel() const;
     std::string details() const;
