@@ -27,16 +27,6 @@ timespec toTimespec(std::chrono::nanoseconds duration)
     return { .tv_sec = seconds.count(), .tv_nsec = (duration - seconds).count() };
 }
 
-int alarmAfter(platform::Seconds delay)
-{
-    int const alarm = ::timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
-    // No time at all would switch it off.
-    auto const time = std::max(std::chrono::ceil<std::chrono::nanoseconds>(delay), 1ns);
-    itimerspec const due { .it_interval = {}, .it_value = toTimespec(time) };
-    ::timerfd_settime(alarm, 0, &due, nullptr);
-    return alarm;
-}
-
 }
 
 class DesktopRunLoop::DescriptorWatch final : public DesktopRunLoop::Watch {
@@ -106,31 +96,39 @@ private:
 class DesktopRunLoop::EvenTimer final : public platform::Timer {
 public:
     EvenTimer(DesktopRunLoop& loop, platform::Seconds delay, platform::Task task)
-        : fireDate_(loop.now() + std::chrono::duration_cast<platform::Date::duration>(delay))
-        , alarm_(alarmAfter(delay))
-        , watch_(
-              loop.watch(alarm_.get(), EPOLLIN, [this, &loop, weak = std::weak_ptr(isKept_), task = std::move(task)] {
-                  // Those who are told of a wake may cancel what is due.
-                  loop.noticeSleep();
-                  if (weak.expired() || !isValid())
-                      return;
-                  auto const fired = task;
-                  cancel();
-                  fired();
-              }))
+        : loop_(loop)
+        , fireDate_(loop.now() + std::chrono::duration_cast<platform::Date::duration>(delay))
+        , place_(loop.evenTimers_.emplace(loop.uptime() + delay, this))
+        , task_(std::move(task))
     {
+        loop_.setEvenAlarm();
     }
+    ~EvenTimer() override { cancel(); }
 
     platform::Date fireDate() const override { return fireDate_; }
-    bool isValid() const override { return watch_ != nullptr; }
-    void cancel() override { watch_.reset(); }
+    bool isValid() const override { return valid_; }
+    void cancel() override
+    {
+        if (!std::exchange(valid_, false))
+            return;
+        loop_.evenTimers_.erase(place_);
+        loop_.setEvenAlarm();
+    }
+
+    // The task may take the timer away.
+    void fire()
+    {
+        auto const task = task_;
+        cancel();
+        task();
+    }
 
 private:
+    DesktopRunLoop& loop_;
     platform::Date fireDate_;
-    platform::Descriptor alarm_;
-    /// Goes with the timer.
-    std::shared_ptr<bool> isKept_ = std::make_shared<bool>();
-    std::unique_ptr<Watch> watch_;
+    EvenTimers::iterator place_;
+    platform::Task task_;
+    bool valid_ = true;
 };
 
 DesktopRunLoop::DesktopRunLoop()
@@ -139,6 +137,8 @@ DesktopRunLoop::DesktopRunLoop()
     , tasksWatch_(watch(tasksEvent_.get(), EPOLLIN, [this] { performNext(); }))
     , alarm_(::timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC))
     , alarmWatch_(watch(alarm_.get(), EPOLLIN, [this] { wallClockReached(); }))
+    , evenAlarm_(::timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC))
+    , evenAlarmWatch_(watch(evenAlarm_.get(), EPOLLIN, [this] { evenClockReached(); }))
     , sleepWatch_(read(CLOCK_BOOTTIME), read(CLOCK_MONOTONIC))
 {
     setAlarm();
@@ -285,6 +285,25 @@ void DesktopRunLoop::wallClockReached()
     for (auto* due = nextWallClockTimer(); due && due->fireDate() <= date; due = nextWallClockTimer())
         due->fire(date);
     setAlarm();
+}
+
+void DesktopRunLoop::setEvenAlarm()
+{
+    itimerspec alarm {};
+    // No time at all would switch it off, as none that is due does.
+    if (!evenTimers_.empty())
+        alarm.it_value
+            = toTimespec(std::max(std::chrono::ceil<std::chrono::nanoseconds>(evenTimers_.begin()->first), 1ns));
+    ::timerfd_settime(evenAlarm_.get(), TFD_TIMER_ABSTIME, &alarm, nullptr);
+}
+
+// One at a time, as everything that is due.
+void DesktopRunLoop::evenClockReached()
+{
+    // Those who are told of a wake may cancel what is due.
+    noticeSleep();
+    if (!evenTimers_.empty() && evenTimers_.begin()->first <= uptime())
+        evenTimers_.begin()->second->fire();
 }
 
 void DesktopRunLoop::noticeSleep()

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <deque>
 #include <list>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <unordered_map>
@@ -23,8 +24,8 @@ public:
     virtual void quit() = 0;
 };
 
-/// The main loop on epoll and Linux' clocks. One timerfd on the wall clock serves all wall-clock timers; the kernel
-/// also reports through it that the clock was set or that the computer woke. Idle, it never wakes.
+/// The main loop on epoll and Linux' clocks. One timerfd on each clock serves all its timers; through that of the wall
+/// clock the kernel also reports that the clock was set or that the computer woke. Idle, it never wakes.
 class DesktopRunLoop final : public platform::RunLoop {
 public:
     /// Follows a descriptor until it goes, which is before the descriptor is closed.
@@ -67,6 +68,8 @@ private:
     class DescriptorWatch;
     class WallClockTimer;
     class EvenTimer;
+    /// By the time since the computer started, sleep not counted. Not owned: a timer takes itself out when it goes.
+    using EvenTimers = std::multimap<platform::Seconds, EvenTimer*>;
 
     /// Waits so many milliseconds at most; for ever if that is negative.
     void runNext(int patience);
@@ -76,6 +79,8 @@ private:
     WallClockTimer* nextWallClockTimer() const;
     void setAlarm();
     void wallClockReached();
+    void setEvenAlarm();
+    void evenClockReached();
     void noticeSleep();
 
     platform::Descriptor epoll_;
@@ -89,11 +94,14 @@ private:
     std::unique_ptr<Watch> tasksWatch_;
     platform::Descriptor alarm_;
     std::unique_ptr<Watch> alarmWatch_;
+    platform::Descriptor evenAlarm_;
+    std::unique_ptr<Watch> evenAlarmWatch_;
     SleepWatch sleepWatch_;
     platform::Observers<> wakeObservers_;
     platform::Observers<> clockObservers_;
     /// Not owned: a timer takes itself out when it goes.
     std::vector<WallClockTimer*> wallClockTimers_;
+    EvenTimers evenTimers_;
     /// Those that nobody else keeps.
     std::list<std::unique_ptr<platform::Timer>> keptTimers_;
 };
