@@ -189,6 +189,7 @@ private:
 
     // Schedule
     void armUpdateInterval(std::optional<platform::Date> fireDate, platform::Seconds interval);
+    void noteLastUpdate();
     void showDates();
 
     // Presentation
@@ -247,7 +248,9 @@ private:
     IntervalChoice indexOfSelectedItemUpdateInterval_ = 0;
     std::unique_ptr<platform::Timer> updateInterval_;
     std::unique_ptr<platform::Timer> fixErrorTimer_;
-    /// The last update that the menu tells of; none while it shows no dates.
+    /// Until the menu tells of the refresh timer.
+    std::unique_ptr<platform::Timer> datesTimer_;
+    /// The last update that the menu tells of; none while it tells of none.
     std::optional<platform::Date> shownLastUpdate_;
     /// What the menu's dates were written for.
     struct WrittenDates {

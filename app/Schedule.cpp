@@ -6,6 +6,16 @@
 #include "platform/Platform.h"
 #include "storage/UsageReport.h"
 
+namespace {
+
+using namespace std::chrono_literals;
+
+// Writing dates takes its time, and the user is to see first that the program is at work. A report from the cache is
+// there by then, and has its dates written only once.
+constexpr platform::Seconds timeToShowWork = 10ms;
+
+}
+
 bool AppDelegate::updateTimer(std::optional<platform::Date> withFireDate, std::int64_t orWithInterval)
 {
     platform_.runLoop.perform([this, withFireDate, orWithInterval] {
@@ -23,10 +33,17 @@ void AppDelegate::armUpdateInterval(std::optional<platform::Date> fireDate, plat
         updateInterval_->cancel();
     if (plan)
         updateInterval_ = platform_.runLoop.repeat(plan->first, plan->period, [this] { updateUsageWithCacheTimer(); });
-    updateTitleBarDates();
+    noteLastUpdate();
+    datesTimer_ = platform_.runLoop.after(timeToShowWork, [this] { showDates(); });
 }
 
 void AppDelegate::updateTitleBarDates()
+{
+    noteLastUpdate();
+    showDates();
+}
+
+void AppDelegate::noteLastUpdate()
 {
     auto lastUpdate = platform_.runLoop.now();
     if (usageDictionary_ && usageDictionary_->contains(reportEntry::nextUpdate)) {
@@ -34,7 +51,6 @@ void AppDelegate::updateTitleBarDates()
             lastUpdate = *stored;
     }
     shownLastUpdate_ = lastUpdate;
-    showDates();
 }
 
 void AppDelegate::menuNeedsUpdate()
@@ -46,6 +62,7 @@ void AppDelegate::menuNeedsUpdate()
 // Writing dates takes its time, and a menu that opens must not wait for what it has already.
 void AppDelegate::showDates()
 {
+    datesTimer_.reset();
     bool const armed = updateInterval_ && updateInterval_->isValid();
     auto const nextUpdate = armed ? std::optional(updateInterval_->fireDate()) : std::nullopt;
     WrittenDates const dates { *shownLastUpdate_, nextUpdate, platform::dayMark(platform_.runLoop.now()) };

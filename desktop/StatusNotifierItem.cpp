@@ -9,7 +9,12 @@
 
 namespace {
 
+using namespace std::chrono_literals;
 using Item = StatusNotifierItem;
+
+// A title that gives way to the next at once, as that of the waiting state does to a report from the cache, is not
+// worth a helper, which would keep the next one's pictures waiting.
+constexpr auto timeOfTitle = 10ms;
 
 }
 
@@ -163,10 +168,13 @@ void StatusNotifierItem::draw()
     if (!host_)
         return;
     if (showsLabel()) {
+        drawing_.reset();
         pixmaps_.clear();
         return;
     }
-    drawer_.draw(title(), host_->look, [this](std::vector<StatusPixmap> pixmaps) { show(std::move(pixmaps)); });
+    drawing_ = bus_.loop().after(timeOfTitle, [this] {
+        drawer_.draw(title(), host_->look, [this](std::vector<StatusPixmap> pixmaps) { show(std::move(pixmaps)); });
+    });
 }
 
 void StatusNotifierItem::show(std::vector<StatusPixmap> pixmaps)

@@ -89,6 +89,8 @@ private:
     std::string guide_;
     /// The last ones that were drawn; none for a panel that shows the label.
     std::vector<StatusPixmap> pixmaps_;
+    /// Until a new title has stood for a moment.
+    std::unique_ptr<platform::Timer> drawing_;
     bool isRedrawn_ = false;
     Told told_;
     OncePerTurn update_;

@@ -11,6 +11,7 @@
 void AppDelegate::updateMenuBarLoading()
 {
     waiting_ = true;
+    datesTimer_.reset();
     shownLastUpdate_.reset();
     writtenDates_.reset();
     usageStatusItem_.title.set(text("PLEASE_WAIT"));
