@@ -19,3 +19,15 @@ endforeach()
 set(USAGE_METER_BUILT_BUNDLE ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_${full}DATADIR}/usage-meter)
 set(USAGE_METER_BUILT_PARTS ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_${full}LIBDIR}/usage-meter)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_${full}BINDIR})
+
+# A helper program, or a library that is loaded late.
+function(add_as_part target)
+    set_target_properties(${target} PROPERTIES
+        PREFIX ""
+        CXX_VISIBILITY_PRESET hidden
+        LIBRARY_OUTPUT_DIRECTORY ${USAGE_METER_BUILT_PARTS}
+        RUNTIME_OUTPUT_DIRECTORY ${USAGE_METER_BUILT_PARTS}
+    )
+    target_link_libraries(${target} PRIVATE usage_meter_warnings)
+    install(TARGETS ${target} DESTINATION ${CMAKE_INSTALL_LIBDIR}/usage-meter)
+endfunction()
