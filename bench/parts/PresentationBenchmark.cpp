@@ -8,14 +8,10 @@
 #include <unicode/numfmt.h>
 #include <unicode/timezone.h>
 
-#include <array>
-
 namespace {
 
-using namespace std::chrono_literals;
-
 // What a connection with a cap shows of a report: 9 numbers as tool tips in MB, the percentage at the level, 9 numbers
-// in the usage window, 5 in the menu and 1 as the status title. That makes 25.
+// in the usage window, 5 in the menu and 1 as the status title. That makes 25. The dates are there already.
 std::vector<double> shownNumbers()
 {
     CannedProvider provider;
@@ -36,13 +32,6 @@ std::vector<double> shownNumbers()
              figures.remaining, figures.overallTotal })
         numbers.push_back(number);
     return numbers;
-}
-
-// The menu's lines of the last and the next update share a formatter, which is made anew each time.
-std::array<platform::Date, 2> shownDates()
-{
-    auto const now = std::chrono::system_clock::now();
-    return { now, now + 2h };
 }
 
 std::unique_ptr<icu::NumberFormat> numberFormat()
@@ -82,14 +71,8 @@ std::string formatted(icu::DateFormat const& format, platform::Date date)
 void presentBare(benchmark::State& state)
 {
     auto const shown = shownNumbers();
-    auto const dates = shownDates();
     auto const numberFormatter = numberFormat();
     while (state.KeepRunning()) {
-        auto const dateFormatter = dateFormat();
-        for (auto const date : dates) {
-            auto text = formatted(*dateFormatter, date);
-            benchmark::DoNotOptimize(text);
-        }
         for (double const number : shown) {
             auto text = formatted(*numberFormatter, number);
             benchmark::DoNotOptimize(text);
