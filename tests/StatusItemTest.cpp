@@ -139,6 +139,8 @@ public:
                  { "/StatusMenu", "com.canonical.dbusmenu" } })
             bus.connect(
                 service, QLatin1String(path), QLatin1String(interface), QString(), this, SLOT(write(QDBusMessage)));
+        // Answered after the bus has the rules.
+        bus.call(QDBusMessage::createMethodCall("org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId"));
     }
 
     Q_SLOT void write(QDBusMessage const& message) { names.insert(message.member().toStdString()); }
