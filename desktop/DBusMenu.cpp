@@ -352,7 +352,7 @@ DBusMenu::Properties DBusMenu::properties(Line const& line, Names const& names) 
     if (line.hidden)
         set("visible", false);
     if (line.isChoice) {
-        set("toggle-type", "checkmark");
+        set("toggle-type", "radio");
         set("toggle-state", line.on ? 1 : 0);
     }
     if (line.submenu)

@@ -45,6 +45,8 @@ void MenuMirror::show(platform::MenuItem const& item, bool isChoice, QAction& ac
     action.setSeparator(item.isSeparator);
     action.setVisible(!item.hidden.get());
     action.setCheckable(isChoice && !item.isSeparator);
+    // Drawn as a choice of one.
+    action.setActionGroup(action.isCheckable() ? &choice_ : nullptr);
     action.setChecked(item.on.get());
     showSubmenu(item.submenu, action);
 }
@@ -61,9 +63,10 @@ void MenuMirror::showSubmenu(platform::Menu* submenu, QAction& action)
 
 void MenuMirror::click(QAction* action)
 {
-    auto const place = actions().indexOf(action);
-    auto const item = shown_.at(static_cast<std::size_t>(place));
+    auto const lines = actions();
+    auto const item = shown_.at(static_cast<std::size_t>(lines.indexOf(action)));
     // The toolkit has moved the mark by itself; where it stands is the model's to say.
-    action->setChecked(item->on.get());
+    for (std::size_t i = 0; i < shown_.size(); ++i)
+        lines[static_cast<qsizetype>(i)]->setChecked(shown_[i]->on.get());
     item->userClicked();
 }

@@ -4,6 +4,7 @@
 #include "desktop/OncePerTurn.h"
 #include "platform/Menu.h"
 
+#include <QActionGroup>
 #include <QMenu>
 
 /// A menu of our own windows that shows a model and passes on the user's clicks. It follows the model at the end of
@@ -24,6 +25,7 @@ private:
     platform::RunLoop& runLoop_;
     /// The lines as they are shown: a click is meant for what the user saw.
     platform::Menu::Items shown_;
+    QActionGroup choice_ { this };
     OncePerTurn update_;
     platform::Subscription changes_;
 };
