@@ -30,15 +30,16 @@ bool takesMnemonic(QWidget const* widget)
                  : qobject_cast<QPushButton const*>(widget) || qobject_cast<QCheckBox const*>(widget);
 }
 
-/// The place of the first letter that is not taken; -1 if there is none.
-qsizetype freeLetter(QString const& text, Letters letters, QSet<QChar> const& taken)
+/// The places of the letters that are not taken.
+QList<qsizetype> freeLetters(QString const& text, Letters letters, QSet<QChar> const& taken)
 {
+    QList<qsizetype> places;
     for (qsizetype at = 0; at < text.size(); ++at) {
         bool const isEligible = letters == Letters::All || at == 0 || text[at - 1].isSpace();
         if (isEligible && hasKey(text[at]) && !taken.contains(text[at].toLower()))
-            return at;
+            places.push_back(at);
     }
-    return -1;
+    return places;
 }
 
 }
@@ -49,13 +50,25 @@ void assignMnemonics(QWidget& window)
     left.removeIf(std::not_fn(takesMnemonic));
     QSet<QChar> taken;
     for (auto const letters : { Letters::OfWordBeginnings, Letters::All }) {
-        left.removeIf([letters, &taken](QWidget* widget) {
+        auto const choices = [letters, &taken](QWidget const* widget) {
+            return freeLetters(widget->property("text").toString(), letters, taken);
+        };
+        QWidgetList unmarked;
+        // Who has the least choice goes first.
+        while (!left.empty()) {
+            auto const next = std::ranges::min_element(
+                left, {}, [&choices](QWidget const* widget) { return choices(widget).size(); });
+            auto* const widget = *next;
+            auto const places = choices(widget);
+            left.erase(next);
+            if (places.empty()) {
+                unmarked.push_back(widget);
+                continue;
+            }
             auto text = widget->property("text").toString();
-            auto const at = freeLetter(text, letters, taken);
-            if (at < 0)
-                return false;
-            taken.insert(text[at].toLower());
-            return widget->setProperty("text", text.insert(at, QLatin1Char('&')));
-        });
+            taken.insert(text[places.front()].toLower());
+            widget->setProperty("text", text.insert(places.front(), QLatin1Char('&')));
+        }
+        left = unmarked;
     }
 }
