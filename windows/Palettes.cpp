@@ -11,6 +11,12 @@
 
 namespace {
 
+void setDisabledText(QPalette& palette, QColor const& color)
+{
+    for (auto const role : { QPalette::WindowText, QPalette::ButtonText, QPalette::Text })
+        palette.setColor(QPalette::Disabled, role, color);
+}
+
 QPalette darkPalette()
 {
     auto const colors = systemColors(platform::Appearance::Dark);
@@ -19,12 +25,10 @@ QPalette darkPalette()
     palette.setColor(QPalette::AlternateBase, QColor(0x2B, 0x2D, 0x30));
     palette.setColor(QPalette::Highlight, QColor(0x37, 0x85, 0x3F));
     palette.setColor(QPalette::Mid, QColor(0x80, 0x84, 0x8B));
-    palette.setColor(QPalette::PlaceholderText, QColor(0xA0, 0xA4, 0xAB));
+    palette.setColor(QPalette::PlaceholderText, QColor(0xB4, 0xB8, 0xBF));
     palette.setColor(QPalette::ToolTipBase, QColor(0x2B, 0x2D, 0x30));
     palette.setColor(QPalette::ToolTipText, Qt::white);
-    palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x8A, 0x8E, 0x95));
-    palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x8A, 0x8E, 0x95));
-    palette.setColor(QPalette::Disabled, QPalette::Text, QColor(0x8A, 0x8E, 0x95));
+    setDisabledText(palette, QColor(0xB4, 0xB8, 0xBF));
     return palette;
 }
 
@@ -33,7 +37,8 @@ QPalette lightPalette()
     auto const ground = toQt(systemColors(platform::Appearance::Light).windowBackground);
     QPalette palette(ground, ground);
     palette.setColor(QPalette::Highlight, QColor(0x2B, 0x7A, 0x33));
-    palette.setColor(QPalette::PlaceholderText, QColor(0x6A, 0x6A, 0x6A));
+    palette.setColor(QPalette::PlaceholderText, QColor(0x5E, 0x5E, 0x5E));
+    setDisabledText(palette, QColor(0x5E, 0x5E, 0x5E));
     return palette;
 }
 
@@ -50,8 +55,7 @@ QPalette highContrastPalette(platform::Appearance appearance, QColor const& disa
     palette.setColor(QPalette::PlaceholderText, disabled);
     palette.setColor(QPalette::ToolTipBase, ground);
     palette.setColor(QPalette::ToolTipText, text);
-    for (auto const role : { QPalette::WindowText, QPalette::ButtonText, QPalette::Text })
-        palette.setColor(QPalette::Disabled, role, disabled);
+    setDisabledText(palette, disabled);
     return palette;
 }
 
