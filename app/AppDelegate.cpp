@@ -25,6 +25,14 @@ IntervalChoice AppDelegate::intervalChoice() const
 
 std::string AppDelegate::text(std::string_view key) const { return platform_.bundle.localizedString(key); }
 
+std::string AppDelegate::text(std::string_view key, std::string_view argument) const
+{
+    constexpr std::string_view place = "%@";
+    auto format = text(key);
+    auto const position = format.find(place);
+    return position == std::string::npos ? format : format.replace(position, place.size(), argument);
+}
+
 std::string AppDelegate::labelled(std::string_view labelKey, std::string_view value) const
 {
     return text(labelKey).append(" ").append(value);

@@ -114,6 +114,9 @@ public:
     /// Confirms the selected connection with the cap as typed, closes the preferences window and refreshes. After a
     /// pick from the submenu it only refreshes.
     void useConnection();
+    /// Closes the preferences window. What was picked or typed there and not confirmed is confirmed with it, so that no
+    /// window shows one connection's name over another's figures.
+    void closePreferences();
     /// Opens the add-key sheet, and asks the provider for the key of this connection in silence.
     void addKeyButton();
     void cancelButton();
@@ -191,6 +194,8 @@ private:
     void armUpdateInterval(std::optional<platform::Date> fireDate, platform::Seconds interval);
     void noteLastUpdate();
     void showDates();
+    void tellDates(std::string_view lastUpdate, std::string_view nextUpdate);
+    void keepDatesRight(bool visible);
 
     // Presentation
     void presentReport();
@@ -207,6 +212,7 @@ private:
     void setLevelHidden(bool hidden);
 
     // Key management
+    void showKeyStatus();
     void acceptLookup(std::optional<std::string> const& key, bool showError);
     platform::Window& addKeyAlertWindow();
     void showLookupFailure();
@@ -217,6 +223,7 @@ private:
     void storeKeyEntries(std::vector<std::string> const& entries);
 
     // Preferences
+    void showCapReading();
     void showStartAtLogin();
     void fadeMessage(double opacity, platform::Seconds duration, platform::Task completion);
     void hideMessageLater();
@@ -228,6 +235,8 @@ private:
 
     IntervalChoice intervalChoice() const;
     std::string text(std::string_view key) const;
+    /// The text with an argument in place of its "%@".
+    std::string text(std::string_view key, std::string_view argument) const;
     /// A label and a value with a blank between.
     std::string labelled(std::string_view labelKey, std::string_view value) const;
     CacheData cacheData() const;
@@ -245,11 +254,15 @@ private:
     std::optional<std::string> reportKey_;
     /// The current usage key.
     std::string selectedKey_;
+    /// The entry that it comes from.
+    std::string confirmedEntry_;
     IntervalChoice indexOfSelectedItemUpdateInterval_ = 0;
     std::unique_ptr<platform::Timer> updateInterval_;
     std::unique_ptr<platform::Timer> fixErrorTimer_;
     /// Until the menu tells of the refresh timer.
     std::unique_ptr<platform::Timer> datesTimer_;
+    /// While the usage window is open.
+    std::unique_ptr<platform::Timer> datesCheck_;
     /// The last update that the menu tells of; none while it tells of none.
     std::optional<platform::Date> shownLastUpdate_;
     /// What the menu's dates were written for.

@@ -24,6 +24,7 @@ void AppDelegate::loadKeys()
         comboBox.text.set({});
     } else if (auto key = KeyEntry::parse(comboBox.text.get()).key) {
         selectedKey_ = *std::move(key);
+        confirmedEntry_ = comboBox.text.get();
     }
 
     bool const hasChoice = count >= 2;

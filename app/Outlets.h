@@ -32,6 +32,9 @@ struct Outlets {
 
     // The usage window
     platform::Window monitorWindow;
+    /// The status item's figure, and what it counts.
+    platform::TextField headline;
+    platform::TextField headlineCaption;
     platform::TextField downloadUsage;
     platform::TextField uploadUsage;
     platform::TextField totalUsage;
@@ -43,6 +46,12 @@ struct Outlets {
     platform::TextField usageRemainingText;
     platform::LevelIndicator usageBar;
     platform::TextField usageCapPercentageText;
+    /// What the last refresh came to, where its figures do not say it; in the preferences window too.
+    platform::TextField refreshStatus;
+    /// The menu's dates.
+    platform::TextField lastUpdateText;
+    platform::TextField nextUpdateText;
+    platform::Button setCapButton;
     platform::Button detailedUsageButton;
 
     // The preferences window
@@ -51,6 +60,8 @@ struct Outlets {
     platform::Button addKeyButton;
     platform::Button removeKeyButton;
     platform::TextField usageLimit;
+    /// What the cap counts as, where it does not look like that.
+    platform::TextField usageLimitReading;
     platform::PopUpButton updateIntervalPopupButton;
     platform::PopUpButton statusBarDropdown;
     platform::CheckBox usageCapToggle;
@@ -69,6 +80,8 @@ struct Outlets {
     platform::Window addKeyWindow;
     platform::TextField keyNewNickname;
     platform::TextField usageID;
+    /// What is wrong with the key, or how the lookup goes.
+    platform::TextField usageIDStatus;
     platform::Button autoRetrieveCodeButton;
     platform::Button getUsageCodeButton;
     platform::Button cancelButton;

@@ -36,6 +36,7 @@ std::string AppDelegate::capped(double volume, UsageFigures const& figures, std:
 void AppDelegate::showError()
 {
     waiting_ = false;
+    outlets_.refreshStatus.text.set(text("REFRESH_FAILED"));
     auto const failure = text("FAILURE_SHORT_RESPONSE");
     for (auto* const field : { &outlets_.totalUsage, &outlets_.downloadUsage, &outlets_.uploadUsage,
              &outlets_.uploadFreeUsage, &outlets_.downloadFreeUsage, &outlets_.totalFreeUsage,
@@ -53,10 +54,12 @@ void AppDelegate::presentReport()
     waiting_ = false;
     // A refresh that overlapped with this one may have failed and armed it.
     fixErrorTimer_.reset();
+    outlets_.refreshStatus.text.set({});
     updateTitleBarDates();
     auto figures = UsageFigures::fromReport(*usageDictionary_, outlets_.usageLimit.text.get());
     showToolTips(figures);
     showLevel(figures);
+    outlets_.setCapButton.hidden.set(figures.hasCap());
     auto const unit = figures.scaleToDisplayUnit();
     showFields(figures, unit);
     showWindowTitle();

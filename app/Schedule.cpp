@@ -59,6 +59,18 @@ void AppDelegate::menuNeedsUpdate()
         showDates();
 }
 
+// A window that stays open shows them too. The time zone may change, and no day begins within a quarter of an hour.
+void AppDelegate::keepDatesRight(bool visible)
+{
+    datesCheck_.reset();
+    if (!visible)
+        return;
+    menuNeedsUpdate();
+    auto const quarter
+        = std::chrono::floor<std::chrono::duration<std::int64_t, std::ratio<900>>>(platform_.runLoop.now());
+    datesCheck_ = platform_.runLoop.repeat(quarter + 15min, 15min, [this] { menuNeedsUpdate(); });
+}
+
 // Writing dates takes its time, and a menu that opens must not wait for what it has already.
 void AppDelegate::showDates()
 {
@@ -69,9 +81,15 @@ void AppDelegate::showDates()
     if (std::exchange(writtenDates_, dates) == dates)
         return;
     platform::DateFormatter const formatter(platform_.dateLocale);
-    outlets_.lastUpdateMenuItem->title.set(labelled("LAST_UPDATE", formatter.string(*shownLastUpdate_)));
-    outlets_.nextUpdateMenuItem->title.set(
-        labelled("NEXT_UPDATE", nextUpdate ? formatter.string(*nextUpdate) : text("NO_NEXT_UPDATE")));
+    tellDates(formatter.string(*shownLastUpdate_), nextUpdate ? formatter.string(*nextUpdate) : text("NO_NEXT_UPDATE"));
+}
+
+void AppDelegate::tellDates(std::string_view lastUpdate, std::string_view nextUpdate)
+{
+    outlets_.lastUpdateText.text.set(labelled("LAST_UPDATE", lastUpdate));
+    outlets_.nextUpdateText.text.set(labelled("NEXT_UPDATE", nextUpdate));
+    outlets_.lastUpdateMenuItem->title.set(outlets_.lastUpdateText.text.get());
+    outlets_.nextUpdateMenuItem->title.set(outlets_.nextUpdateText.text.get());
 }
 
 void AppDelegate::doChangeUpdateIntervalDropdown()

@@ -13,10 +13,10 @@ public:
     /// Until then nothing can be opened.
     void useWindows(LateWindows& windows) { windows_ = &windows; }
 
-    void open(std::string const& url) override
+    bool open(std::string const& url) override
     {
-        if (auto* const loaded = windows_ ? windows_->load() : nullptr)
-            loaded->open(url);
+        auto* const loaded = windows_ ? windows_->load() : nullptr;
+        return loaded && loaded->open(url);
     }
 
 private:

@@ -32,8 +32,8 @@ public:
     virtual bool showInOlderTray() = 0;
     /// Shows the status menu where the pointer is.
     virtual void popUpMenu() = 0;
-    /// Shows an address in the user's browser, where there is one.
-    virtual void open(std::string const& url) = 0;
+    /// Shows an address in the user's browser; false where that cannot be started.
+    virtual bool open(std::string const& url) = 0;
 };
 
 /// What the windows are made of. All of it outlives them.

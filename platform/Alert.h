@@ -20,6 +20,8 @@ struct Alert {
     /// The buttons' titles, the default button first. Empty: the desktop's single default button.
     std::vector<std::string> buttons {};
     Style style = Style::Warning;
+    /// The first button destroys something, so that the last one is the default button.
+    bool isDestructive = false;
 };
 
 }

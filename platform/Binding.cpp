@@ -24,6 +24,12 @@ void show(ComboBox& control, Value const* value)
     control.text.set(text ? *text : std::string());
 }
 
+void show(Window& window, Value const* value)
+{
+    if (auto const* const place = value ? value->as<std::string>() : nullptr)
+        window.place.set(*place);
+}
+
 template <typename T, typename Control>
 Subscription bindControl(UserDefaults& defaults, std::string const& key, Control& control)
 {
@@ -47,6 +53,11 @@ Subscription bindToSetting(UserDefaults& defaults, std::string const& key, PopUp
 Subscription bindToSetting(UserDefaults& defaults, std::string const& key, ComboBox& control)
 {
     return bindControl<std::string>(defaults, key, control);
+}
+
+Subscription bindToSetting(UserDefaults& defaults, std::string const& key, Window& window)
+{
+    return bindControl<std::string>(defaults, key, window);
 }
 
 }

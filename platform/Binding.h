@@ -4,6 +4,7 @@
 #include "platform/ComboBox.h"
 #include "platform/Controls.h"
 #include "platform/UserDefaults.h"
+#include "platform/Window.h"
 
 namespace platform {
 
@@ -13,5 +14,7 @@ namespace platform {
 Subscription bindToSetting(UserDefaults& defaults, std::string const& key, CheckBox& control);
 Subscription bindToSetting(UserDefaults& defaults, std::string const& key, PopUpButton& control);
 Subscription bindToSetting(UserDefaults& defaults, std::string const& key, ComboBox& control);
+/// The same for a window and its place.
+Subscription bindToSetting(UserDefaults& defaults, std::string const& key, Window& window);
 
 }

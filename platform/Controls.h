@@ -22,6 +22,7 @@ public:
     /// Nothing: the desktop's own button colour.
     Property<std::optional<Color>> bezelColor;
     Property<bool> hidden { false };
+    Property<bool> enabled { true };
     int tag = 0;
     Action action;
 

@@ -75,6 +75,13 @@ void Window::userClosed()
         orderOut();
 }
 
+void Window::userPlaced(std::string where)
+{
+    place.set(where);
+    if (store)
+        store(std::move(where));
+}
+
 void Window::attachNextSheet()
 {
     attachedSheet.set(sheets_.empty() ? Sheet() : sheets_.front().sheet);

@@ -36,6 +36,9 @@ public:
     Property<Sheet> attachedSheet;
     /// What the keyboard shows while the window is in front; nothing: no bar of its own.
     Property<std::shared_ptr<TouchBar>> touchBar;
+    /// Where the user left the window and how large, as the desktop writes it; empty: wherever the desktop puts it.
+    Property<std::string> place;
+    std::function<void(std::string)> store;
     /// What the user's closing of the window does; nothing: the window goes.
     std::function<void()> closeAction;
 
@@ -66,6 +69,8 @@ public:
     /// The user answered the attached alert.
     void userAnswered(int returnCode);
     void userClosed();
+    /// The user left the window there.
+    void userPlaced(std::string where);
 
 private:
     struct Begun {

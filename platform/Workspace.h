@@ -10,8 +10,8 @@ class Workspace {
 public:
     virtual ~Workspace() = default;
 
-    /// Shows an address in the user's browser, where there is one.
-    virtual void open(std::string const& url) = 0;
+    /// Shows an address in the user's browser; false where that cannot be started.
+    virtual bool open(std::string const& url) = 0;
 };
 
 }

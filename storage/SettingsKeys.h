@@ -20,6 +20,10 @@ inline constexpr char const* tarvoId = "tarvoId";
 inline constexpr char const* menuBarSelector = "menuBarSelector";
 /// Integer: the hours between automatic refreshes, 0 for none.
 inline constexpr char const* hourUpdateInterval = "hour_update_interval";
+/// Text, as are the next two: where a window was left.
+inline constexpr char const* preferencesWindowPlace = "preferences_window_place";
+inline constexpr char const* usageWindowPlace = "usage_window_place";
+inline constexpr char const* dailyUsageWindowPlace = "daily_usage_window_place";
 /// Boolean, as are all that follow.
 inline constexpr char const* showNotificationsMenu = "showNotificationsMenu";
 inline constexpr char const* showUsageCap = "show_usage_cap";

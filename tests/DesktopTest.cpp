@@ -123,7 +123,11 @@ TEST_F(MainWindowsTest, TheUsersHandReachesTheModelsAndTheSettings)
     QTest::mouseClick(&widgetOf<QPushButton>("useConnectionButton"), Qt::LeftButton);
     QTest::keyClick(&widgetOf<QCheckBox>("usageCapToggle"), Qt::Key_Space);
     auto& popUp = widgetOf<QComboBox>("updateIntervalPopupButton");
+    // A closed list opens first, so that what is only passed over is not picked.
     QTest::keyClick(&popUp, Qt::Key_Down);
+    EXPECT_EQ(actions, 1);
+    for (auto const key : { Qt::Key_Down, Qt::Key_Return })
+        QTest::keyClick(popUp.view(), key);
     QWheelEvent wheel({}, {}, {}, { 0, -120 }, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(&popUp, &wheel);
     EXPECT_EQ(outlets_.usageLimit.text.get(), "100.5");
@@ -197,10 +201,31 @@ TEST_F(MainWindowsTest, WhatTheProgramSetsIsShownAndNotTakenForTheUsers)
     model.addItems({ "Home - K1", "Cottage - K2" });
     EXPECT_EQ(box.currentIndex(), -1);
     EXPECT_EQ(box.placeholderText(), "Boat - K3");
-    QTest::keyClick(&box, Qt::Key_Down);
+    box.showPopup();
+    for (auto const key : { Qt::Key_Home, Qt::Key_Return })
+        QTest::keyClick(box.view(), key);
     EXPECT_EQ(*defaults_.get<std::string>(settings::tarvoKeySelected), "Home - K1");
     model.removeAllItems();
     EXPECT_EQ(box.placeholderText(), "Home - K1");
+}
+
+TEST_F(MainWindowsTest, AWindowComesBackAsTheUserLeftItAlsoAfterARestart)
+{
+    QRect const left(120, 90, 640, 500);
+    usageWindow().setGeometry(left);
+    for (bool const isRestart : { false, true }) {
+        outlets_.monitorWindow.userClosed();
+        if (isRestart)
+            windows_ = std::make_unique<MainWindows>(outlets_, bundle_, loop_, "");
+        outlets_.monitorWindow.makeKeyAndOrderFront();
+        EXPECT_EQ(usageWindow().geometry(), left);
+    }
+    // What no screen has room for is nobody's wish.
+    outlets_.monitorWindow.userClosed();
+    outlets_.monitorWindow.place.set("nonsense");
+    defaults_.set(settings::usageWindowPlace, "bm9uc2Vuc2U=");
+    outlets_.monitorWindow.makeKeyAndOrderFront();
+    EXPECT_TRUE(usageWindow().screen()->availableGeometry().contains(usageWindow().size().width(), 0));
 }
 
 TEST_F(MainWindowsTest, AnAbsurdFigureIsCutOffAndWholeInTheToolTip)

@@ -89,6 +89,45 @@ TEST_F(KeyManagementTest, ALookupSpeaksOnlyWhenAskedAndAnswersWheneverItComes)
     EXPECT_EQ(alertOn(outlets->window), "");
 }
 
+TEST_F(KeyManagementTest, TheSheetSaysHowTheLookupGoesAndWhatKeyCannotWork)
+{
+    launchWith({ home });
+    auto const& status = outlets->usageIDStatus.text;
+    outlets->addKeyButton.userClicked();
+    EXPECT_EQ(status.get(), textOf("LOOKUP_UNDER_WAY"));
+    settle();
+    EXPECT_EQ(status.get(), textOf("AUTO_FAILURE_TITLE"));
+    for (auto const& [key, remark] : { std::pair("K{2", "KEY_UNUSUAL"), { "K2", nullptr }, { "K%2", "KEY_UNUSUAL" } }) {
+        outlets->usageID.userTyped(key);
+        EXPECT_EQ(status.get(), remark ? textOf(remark) : "");
+    }
+    loader.replies[lookupAddress] = "<r><key>K2</key></r>";
+    outlets->autoRetrieveCodeButton.userClicked();
+    settle();
+    EXPECT_EQ(status.get(), textOf("LOOKUP_FOUND"));
+}
+
+TEST_F(KeyManagementTest, ClosingThePreferencesConfirmsWhatWasPickedOrTyped)
+{
+    launchWith({ home, cottage });
+    auto const close = [this] {
+        controller->showPreferences();
+        outlets->window.userClosed();
+        settle();
+        EXPECT_FALSE(outlets->window.visible.get());
+    };
+    close();
+    EXPECT_EQ(requests(), 1U) << "nothing was changed";
+    outlets->tarvoUsageKeysComboBox.userSelected(1);
+    close();
+    EXPECT_EQ(title(), "20GB");
+    outlets->usageLimit.userTyped("40");
+    close();
+    EXPECT_EQ(controller->usageCapForKey(cottage), "40");
+    EXPECT_EQ(outlets->usageCapMenuItem->title.get(), "Usage cap: 40GB");
+    EXPECT_EQ(requests(), 2U) << "the cache has it";
+}
+
 TEST_F(KeyManagementTest, RemovingSelectsTheFirstEntryAndForgetsTheRest)
 {
     launchWith({ home, cottage, office });
@@ -149,12 +188,12 @@ TEST_F(KeyManagementTest, RemovingTheLastEntryEndsWithAnEmptyListAndALateReportD
     EXPECT_EQ(stored(), platform::Array {});
     EXPECT_EQ(controller->getCurrentlySelectedKey(), std::nullopt);
     EXPECT_FALSE(defaults.contains(settings::tarvoKeySelected));
-    EXPECT_EQ(title(), "Please wait…");
+    EXPECT_EQ(title(), "…");
     EXPECT_TRUE(outlets->addKeyWindow.visible.get());
     EXPECT_EQ(outlets->usageLimit.text.get(), "");
     // The refresh that was under way has figures for nobody.
     settle();
-    EXPECT_EQ(title(), "Please wait…");
+    EXPECT_EQ(title(), "…");
     EXPECT_EQ(outlets->monitorWindow.title.get(), "Usage Meter");
     EXPECT_FALSE(std::filesystem::exists(cache().getCacheDirectory() / "K1"));
     outlets->removeKeyButton.userClicked();

@@ -59,7 +59,7 @@ TEST_F(PreferencesTest, TheTitleChoiceRewritesTheTitleOnlyOverAReport)
 {
     controller->updateButton();
     outlets->statusBarDropdown.userSelected(0);
-    EXPECT_EQ(title(), "Please wait…");
+    EXPECT_EQ(title(), "…");
     settle();
     EXPECT_EQ(title(), "6GB");
     Texts titles;
@@ -74,6 +74,17 @@ TEST_F(PreferencesTest, TheTitleChoiceRewritesTheTitleOnlyOverAReport)
     refresh();
     outlets->statusBarDropdown.userSelected(2);
     EXPECT_EQ(title(), "No data");
+}
+
+TEST_F(PreferencesTest, ACapThatIsNoPlainNumberSaysWhatItCountsAs)
+{
+    std::vector<std::pair<char const*, char const*>> const cases { { "", "" }, { "250", "" }, { "2.5", "" },
+        { "1,000", "counts as 1GB" }, { "62,5", "counts as 62GB" }, { "1e3", "counts as 1,000GB" },
+        { "abc", "counts as no cap" }, { "0", "counts as no cap" }, { "1.2.3", "counts as 1.2GB" } };
+    for (auto const& [typed, reading] : cases) {
+        outlets->usageLimit.userTyped(typed);
+        EXPECT_EQ(outlets->usageLimitReading.text.get(), reading) << typed;
+    }
 }
 
 TEST_F(PreferencesTest, TheSuccessMessageFadesInStaysAndGoesAfterEveryPress)

@@ -113,4 +113,13 @@ TEST_F(PresentationTest, AFailureLeavesTheLastGoodFiguresBesideItsTexts)
     EXPECT_EQ(volumes().at(7), "No data = 100,000MB");
     EXPECT_EQ(outlets->usageCapPercentageText.text.get(), "55.8%");
     EXPECT_EQ(outlets->monitorWindow.title.get(), "Usage Meter - Home");
+
+    // Why is said in words, until the next success.
+    auto const& status = outlets->refreshStatus.text;
+    EXPECT_EQ(status.get(), bundle.localizedString("REFRESH_FAILED"));
+    controller->updateButton();
+    EXPECT_EQ(status.get(), bundle.localizedString("REFRESH_WAITING"));
+    setReply("K1", 10);
+    settle();
+    EXPECT_EQ(status.get(), "");
 }

@@ -51,7 +51,7 @@ TEST_F(ProgramTest, ShowsWhateverIsInItsWayAndRecoversWithoutARestart)
         { ServerFault::none, { ok + "<html><body>Sign in to the network</body></html>" }, "No data" },
         { ServerFault::none, { ok + homeReport_.substr(0, homeReport_.size() - 10), Ending::cutOff }, "No data" },
         { ServerFault::none, { ok + "<usage><plan>Caf\xe9</plan></usage>" }, "No data" },
-        { ServerFault::none, { "", Ending::silent }, "Please wait…" },
+        { ServerFault::none, { "", Ending::silent }, "…" },
         { ServerFault::plain, { "", Ending::reset }, "No data" },
         { ServerFault::wrongHost, good, "No data" },
     };
@@ -111,7 +111,7 @@ TEST_F(ProgramTest, AnswersItsUserWhileTheProviderDoesNot)
     provider_->setReply("secretOne", { homeReport_, demo::Manner::Never });
     program_.startWith({ home, cottage });
     ASSERT_TRUE(provider_->waitForRequests("secretOne", 1, bound));
-    ASSERT_TRUE(waitForTitle("Please wait…"));
+    ASSERT_TRUE(waitForTitle("…"));
     EXPECT_TRUE(waitForLines({ "Downloaded: …" }));
     ASSERT_TRUE(click(cottage));
     EXPECT_TRUE(waitForTitle("5.2GB")) << "a load that waits holds up no other";

@@ -153,6 +153,19 @@ TEST_F(Schedule, AMenuThatIsOpenedHasItsDatesInTheTimeZoneOfTheMoment)
     EXPECT_EQ(lastLine(), "Last update: …");
 }
 
+TEST_F(Schedule, AWindowThatStaysOpenHasItsDatesOfTheDayAndTimeZone)
+{
+    outlets->updateIntervalPopupButton.userSelected(0);
+    settle();
+    controller->showUsageWindow();
+    ::setenv("TZ", "Asia/Tokyo", 1);
+    advance(15min);
+    EXPECT_EQ(outlets->lastUpdateText.text.get(), "Last update: " + dates.string(at(10, 0)));
+    ::unsetenv("TZ");
+    outlets->monitorWindow.orderOut();
+    EXPECT_EQ(runLoop.timers(), 0U) << "nobody sees them any more";
+}
+
 TEST_F(Schedule, AWeekOfUseLeavesNothingBehind)
 {
     outlets->updateIntervalPopupButton.userSelected(1);

@@ -25,7 +25,7 @@ TEST_F(StatusMenuTest, PickingAConnectionSwitchesToItAndLeavesCapsAndWindowAlone
     outlets->window.makeKeyAndOrderFront();
     outlets->usageLimit.userTyped("77");
     connection(1).userClicked();
-    EXPECT_EQ(title(), "Please wait…");
+    EXPECT_EQ(title(), "…");
     auto lines = linesOf(outlets->dropDownMenu);
     std::erase_if(lines, [](std::string const& line) { return !line.ends_with(" …"); });
     EXPECT_EQ(

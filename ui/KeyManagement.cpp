@@ -6,6 +6,7 @@
 #include "platform/Application.h"
 #include "platform/BackgroundQueues.h"
 #include "platform/Platform.h"
+#include "platform/UrlLoader.h"
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
 #include "services/RetrieveKey.h"
@@ -15,17 +16,6 @@
 
 #include <algorithm>
 #include <utility>
-
-namespace {
-
-std::string filled(std::string format, std::string_view text)
-{
-    constexpr std::string_view place = "%@";
-    std::size_t const position = format.find(place);
-    return position == std::string::npos ? format : format.replace(position, place.size(), text);
-}
-
-}
 
 void AppDelegate::useConnection()
 {
@@ -45,6 +35,17 @@ void AppDelegate::useConnection()
     }
     loadKeys();
     updateUsageWithCache(true);
+}
+
+void AppDelegate::closePreferences()
+{
+    auto const entry = getCurrentlySelectedKey();
+    bool const isConfirmed = !entry
+        || (*entry == confirmedEntry_ && outlets_.usageLimit.text.get() == usageCapForKey(*entry).value_or(""));
+    if (isConfirmed)
+        outlets_.window.orderOut();
+    else
+        useConnection();
 }
 
 void AppDelegate::addKeyButton()
@@ -96,6 +97,7 @@ void AppDelegate::autoRetrieveCodeButton() { checkCurrentKeyWithError(true); }
 
 void AppDelegate::checkCurrentKeyWithError(bool showError)
 {
+    outlets_.usageIDStatus.text.set(text("LOOKUP_UNDER_WAY"));
     bool const started = platform_.backgroundQueues.async("tarvobackground", [this, showError] {
         auto key = RetrieveKey(platform_.urlLoader, addresses()).keyForCurrentConnection();
         platform_.runLoop.perform([this, showError, found = std::move(key)] { acceptLookup(found, showError); });
@@ -111,6 +113,15 @@ void AppDelegate::acceptLookup(std::optional<std::string> const& key, bool showE
         outlets_.usageID.text.set(*key);
     else if (showError)
         showLookupFailure();
+    outlets_.usageIDStatus.text.set(text(key ? "LOOKUP_FOUND" : "AUTO_FAILURE_TITLE"));
+}
+
+// Such a key is accepted all the same, and leads to the error state.
+void AppDelegate::showKeyStatus()
+{
+    auto const& key = outlets_.usageID.text.get();
+    bool const isUsual = platform::isWellFormedUrl(addresses().usageReport(key));
+    outlets_.usageIDStatus.text.set(isUsual ? std::string() : text("KEY_UNUSUAL"));
 }
 
 // An alert that comes too late for its window goes to the one that the window stood on.
@@ -142,9 +153,9 @@ void AppDelegate::removeKeyButton()
         [this](std::string const&) { outlets_.window.endAlerts(text("REMOVE_KEY_CONFIRM_TITLE")); });
     outlets_.window.beginSheet(
         { .messageText = text("REMOVE_KEY_CONFIRM_TITLE"),
-            .informativeText
-            = filled(text("REMOVE_KEY_CONFIRM_INFORMATIVE_TEXT"), getCurrentlySelectedKey().value_or(std::string())),
-            .buttons = { text("REMOVE_KEY_CONFIRM_REMOVE_BUTTON"), text("REMOVE_KEY_CONFIRM_DONT_REMOVE_BUTTON") } },
+            .informativeText = text("REMOVE_KEY_CONFIRM_INFORMATIVE_TEXT", getCurrentlySelectedKey().value_or("")),
+            .buttons = { text("REMOVE_KEY_CONFIRM_REMOVE_BUTTON"), text("REMOVE_KEY_CONFIRM_DONT_REMOVE_BUTTON") },
+            .isDestructive = true },
         [this](int returnCode) { doRemoveKeyAndAlert(returnCode); });
 }
 
@@ -187,12 +198,19 @@ void AppDelegate::selectFirstKey()
     prefs_->set(settings::tarvoKeySelected, first);
     if (auto key = KeyEntry::parse(first).key)
         selectedKey_ = *std::move(key);
+    confirmedEntry_ = first;
     // The submenu was built before there was a selection for its check mark.
     if (comboBox.items.get().size() >= 2)
         doUpdateSubMenu();
 }
 
-void AppDelegate::getUsageCode() { platform_.workspace.open(addresses().helpPage()); }
+void AppDelegate::getUsageCode()
+{
+    auto const page = addresses().helpPage();
+    if (!platform_.workspace.open(page))
+        addKeyAlertWindow().beginSheet(
+            { .messageText = text("GET_KEY_FAILURE_TITLE"), .informativeText = text("GET_KEY_FAILURE_MESSAGE", page) });
+}
 
 // Updates come with the system's packages.
 void AppDelegate::checkUpdates() { }

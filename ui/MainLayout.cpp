@@ -66,6 +66,7 @@ MainLayout::MainLayout(Outlets& outlets, platform::Bundle const& bundle, platfor
     outlets.usageCapPercentageText.opacity.set(0.0);
     outlets.cacheClearedText.text.set(bundle.localizedString("CACHE_CLEARED"));
     outlets.cacheClearedText.hidden.set(true);
+    outlets.setCapButton.hidden.set(true);
     outlets.detailedUsageButton.tag = detailedUsageButtonTag;
 
     outlets.updateIntervalPopupButton.items.set(intervalTitles(bundle, numberLocale));
@@ -84,6 +85,9 @@ MainLayout::MainLayout(Outlets& outlets, platform::Bundle const& bundle, platfor
     keep(settings::showLastUpdate, outlets.lastUpdateToggle);
     keep(settings::showNextUpdate, outlets.nextUpdateToggle);
     keep(settings::showOnlyNicknames, outlets.onlyKeyNicknamesToggle);
+    keep(settings::preferencesWindowPlace, outlets.window);
+    keep(settings::usageWindowPlace, outlets.monitorWindow);
+    keep(settings::dailyUsageWindowPlace, outlets.detailedUsage.window);
 }
 
 void MainLayout::wire(AppDelegate& controller)
@@ -98,11 +102,13 @@ void MainLayout::wire(AppDelegate& controller)
     wireButton(outlets_.removeKeyButton, &AppDelegate::removeKeyButton);
     wireButton(outlets_.clearCacheButton, &AppDelegate::clearCacheButton);
     wireButton(outlets_.autoRetrieveCodeButton, &AppDelegate::autoRetrieveCodeButton);
+    wireButton(outlets_.setCapButton, &AppDelegate::showPreferences);
     wireButton(outlets_.getUsageCodeButton, &AppDelegate::getUsageCode);
     wireButton(outlets_.cancelButton, &AppDelegate::cancelButton);
     wireButton(outlets_.confirmKeyButton, &AppDelegate::addKeyAction);
     outlets_.detailedUsageButton.action
         = [&controller](platform::Sender sender) { controller.viewDailyUsageDataButton(sender); };
+    outlets_.window.closeAction = [&controller] { controller.closePreferences(); };
     outlets_.addKeyWindow.closeAction = [&controller] { controller.cancelButton(); };
     auto const showBy = [](platform::CheckBox& toggle, Outlets::MenuItem const& item) {
         toggle.action = [&toggle, item] { item->hidden.set(!toggle.on.get()); };

@@ -3,9 +3,12 @@
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
 #include "app/UsageFigures.h"
+#include "platform/LeadingNumber.h"
 #include "platform/LoginItem.h"
 #include "platform/Platform.h"
 #include "storage/CacheData.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -13,6 +16,14 @@ using namespace std::chrono_literals;
 
 constexpr platform::Seconds messageFade = 1500ms;
 constexpr platform::Seconds messageStay = 5s;
+
+// Digits and a point, which a user takes for the number that the program takes it for.
+bool readsAsItLooks(std::string_view cap)
+{
+    bool const isNumber
+        = cap.find_first_not_of("0123456789.") == std::string_view::npos && std::ranges::count(cap, '.') <= 1;
+    return cap.empty() || (isNumber && platform::leadingNumber(cap) != 0);
+}
 
 }
 
@@ -30,6 +41,19 @@ void AppDelegate::doUpdateUsageCapText()
     auto const entry = getCurrentlySelectedKey();
     auto const cap = entry ? usageCapForKey(*entry) : std::nullopt;
     outlets_.usageLimit.text.set(cap.value_or(std::string()));
+}
+
+void AppDelegate::showCapReading()
+{
+    auto const& typed = outlets_.usageLimit.text.get();
+    if (readsAsItLooks(typed)) {
+        outlets_.usageLimitReading.text.set({});
+        return;
+    }
+    double const cap = platform::leadingNumber(typed);
+    outlets_.usageLimitReading.text.set(cap == 0
+            ? text("USAGE_CAP_READING_NONE")
+            : text("USAGE_CAP_READING", formattedUsageStringWithUsageValue(cap, "GB")));
 }
 
 void AppDelegate::clearCache() { cacheData().clearCache(); }

@@ -15,12 +15,12 @@ void AppDelegate::updateMenuBarLoading()
     shownLastUpdate_.reset();
     writtenDates_.reset();
     usageStatusItem_.title.set(text("PLEASE_WAIT"));
+    outlets_.refreshStatus.text.set(text(getCurrentlySelectedKey() ? "REFRESH_WAITING" : "NO_CONNECTION_YET"));
     auto const placeholder = text("SELECT_KEY");
     outlets_.downloadedMenuItem->title.set(labelled("DOWNLOADED_QUOTA", placeholder));
     outlets_.freeDownloadedMenuItem->title.set(labelled("DOWNLOADED_GRACE", placeholder));
     outlets_.totalUsageMenuItem->title.set(labelled("TOTAL_USAGE", placeholder));
-    outlets_.lastUpdateMenuItem->title.set(labelled("LAST_UPDATE", placeholder));
-    outlets_.nextUpdateMenuItem->title.set(labelled("NEXT_UPDATE", placeholder));
+    tellDates(placeholder, placeholder);
 }
 
 void AppDelegate::clickMenuItem() { outlets_.window.makeKeyAndOrderFront(); }

@@ -7,10 +7,13 @@
 #include "windows/LevelBar.h"
 #include "windows/Text.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
 #include <QGraphicsOpacityEffect>
+#include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
@@ -35,10 +38,62 @@ void keepPlaceWhenHidden(QWidget& widget)
     widget.setSizePolicy(policy);
 }
 
+// An assistive program selects a line of the open list, and nothing else: the user's own ways make it the current one
+// first.
+void takeSelectionForPick(QComboBox& box)
+{
+    QObject::connect(
+        box.view()->selectionModel(), &QItemSelectionModel::selectionChanged, &box,
+        [&box](QItemSelection const& selected) {
+            auto const lines = selected.indexes();
+            if (lines.size() != 1 || lines.front() == box.view()->currentIndex())
+                return;
+            box.setCurrentIndex(lines.front().row());
+            box.hidePopup();
+        },
+        Qt::QueuedConnection);
 }
 
-bool WheelGuard::eventFilter(QObject* watched, QEvent* event)
+// A user's pick counts even if it changes nothing. An assistive program may only move the selection, which has become
+// the user's choice when the box still differs from its model at the end of the turn.
+template <typename ShowsModel, typename Pick> void passOnPicks(QComboBox& box, ShowsModel showsModel, Pick pick)
 {
+    takeSelectionForPick(box);
+    QObject::connect(&box, &QComboBox::activated, &box, pick);
+    QObject::connect(
+        &box, &QComboBox::currentIndexChanged, &box,
+        [&box, showsModel, pick] {
+            if (box.currentIndex() >= 0 && !showsModel())
+                pick(box.currentIndex());
+        },
+        Qt::QueuedConnection);
+}
+
+bool opensList(QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return false;
+    switch (static_cast<QKeyEvent*>(event)->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+    case Qt::Key_Home:
+    case Qt::Key_End:
+        return true;
+    default:
+        return false;
+    }
+}
+
+}
+
+bool PickGuard::eventFilter(QObject* watched, QEvent* event)
+{
+    if (opensList(event)) {
+        static_cast<QComboBox*>(watched)->showPopup();
+        return true;
+    }
     if (event->type() != QEvent::Wheel)
         return QObject::eventFilter(watched, event);
     event->ignore();
@@ -48,7 +103,7 @@ bool WheelGuard::eventFilter(QObject* watched, QEvent* event)
 QComboBox& Binder::comboBox(char const* outlet)
 {
     auto& box = widget<QComboBox>(outlet);
-    box.installEventFilter(&wheelGuard_);
+    box.installEventFilter(&pickGuard_);
     return box;
 }
 
@@ -76,6 +131,8 @@ void Binder::localizeTexts()
         if (!button->text().isEmpty())
             button->setText(asLabel(bundle_.localizedString(button->text().toStdString())));
     }
+    for (auto* const group : window_.findChildren<QGroupBox*>())
+        group->setTitle(asLabel(bundle_.localizedString(group->title().toStdString())));
     for (auto* const input : window_.findChildren<QLineEdit*>()) {
         if (!input->placeholderText().isEmpty())
             input->setPlaceholderText(localized(input->placeholderText()));
@@ -122,6 +179,7 @@ void Binder::bind(char const* outlet, platform::Button& model)
     auto& button = widget<QPushButton>(outlet);
     QObject::connect(&button, &QPushButton::clicked, &button, [&model] { model.userClicked(); });
     mirrorHidden(button, model.hidden);
+    keep(model.enabled.observe([&button](bool isEnabled) { button.setEnabled(isEnabled); }));
     keep(model.title.observe([&button](std::string const& title) {
         // Most titles come with the layout.
         if (!title.empty())
@@ -140,18 +198,23 @@ void Binder::bind(char const* outlet, platform::CheckBox& model)
             palette.setColor(QPalette::WindowText, toQt(*color));
         box.setPalette(palette);
     }));
-    // clicked, not toggled: a change made by the program must not come back as the user's.
-    QObject::connect(&box, &QCheckBox::clicked, &box, [&model](bool on) { model.userToggled(on); });
+    // toggled, not clicked: the user's hand may be an assistive program's. What the program sets, the model has
+    // already.
+    QObject::connect(&box, &QCheckBox::toggled, &box, [&model](bool on) {
+        if (on != model.on.get())
+            model.userToggled(on);
+    });
 }
 
 void Binder::bind(char const* outlet, platform::ComboBox& model)
 {
     auto& box = comboBox(outlet);
     // The text may be no item: then it shows in place of one.
-    auto const showText = [&box, &model] {
+    auto const showText = [&box, &model, noItem = localized(QStringLiteral("NO_CONNECTION"))] {
         auto const text = toQt(model.text.get());
         int const index = box.findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive);
-        box.setPlaceholderText(index < 0 ? text : QString());
+        box.setPlaceholderText(index >= 0 ? QString() : text.isEmpty() ? noItem : text);
+        box.setToolTip(text);
         box.setCurrentIndex(index);
     };
     keep(model.items.observe([&box, showText](std::vector<std::string> const& items) {
@@ -160,7 +223,8 @@ void Binder::bind(char const* outlet, platform::ComboBox& model)
         showText();
     }));
     keep(model.text.observeChanges([showText](std::string const&) { showText(); }));
-    QObject::connect(&box, &QComboBox::activated, &box,
+    passOnPicks(
+        box, [&box, &model] { return box.currentText() == toQt(model.text.get()); },
         [&model](int index) { model.userSelected(static_cast<std::size_t>(index)); });
 }
 
@@ -173,7 +237,9 @@ void Binder::bind(char const* outlet, platform::PopUpButton& model)
         box.setCurrentIndex(model.indexOfSelectedItem.get());
     }));
     keep(model.indexOfSelectedItem.observeChanges([&box](int index) { box.setCurrentIndex(index); }));
-    QObject::connect(&box, &QComboBox::activated, &box, [&model](int index) { model.userSelected(index); });
+    passOnPicks(
+        box, [&box, &model] { return box.currentIndex() == model.indexOfSelectedItem.get(); },
+        [&model](int index) { model.userSelected(index); });
 }
 
 void Binder::bindLabel(char const* outlet, platform::TextField& model)
@@ -183,6 +249,17 @@ void Binder::bindLabel(char const* outlet, platform::TextField& model)
     keep(model.text.observe([&label](std::string const& text) { label.setText(toQt(text)); }));
     mirrorHidden(label, model.hidden);
     mirrorOpacity(label, model.opacity);
+}
+
+void Binder::bindRemark(char const* outlet, platform::TextField& model)
+{
+    auto& label = widget<QLabel>(outlet);
+    label.setTextFormat(Qt::PlainText);
+    keepPlaceWhenHidden(label);
+    keep(model.text.observe([&label](std::string const& text) {
+        label.setText(toQt(text));
+        label.setVisible(!text.empty());
+    }));
 }
 
 void Binder::bindFigure(char const* outlet, platform::TextField& model)
@@ -215,7 +292,10 @@ void Binder::bindInput(char const* outlet, platform::TextField& model)
         if (auto const shown = toQt(text); shown != input.text())
             input.setText(shown);
     }));
-    QObject::connect(&input, &QLineEdit::textEdited, &input, [&input, &model](QString const& text) {
+    // textChanged, not textEdited, for the same reason as with a check box.
+    QObject::connect(&input, &QLineEdit::textChanged, &input, [&input, &model](QString const& text) {
+        if (text == toQt(model.text.get()))
+            return;
         auto const beforeCursor = text.left(input.cursorPosition()).toStdString();
         model.userTyped(text.toStdString());
         auto const kept = toQt(model.text.get());
@@ -276,7 +356,14 @@ void Binder::bind(char const* outlet, platform::DatePicker& model)
         if (!isHidden && *hadFocus)
             box.setFocus();
     }));
-    QObject::connect(&box, &QComboBox::activated, &box,
+    passOnPicks(
+        box,
+        [&box, &model, listed] {
+            auto const index = static_cast<std::size_t>(box.currentIndex());
+            return index < listed->size()
+                && platform::calendarMonth(listed->at(index), model.locale)
+                == platform::calendarMonth(model.dateValue.get(), model.locale);
+        },
         [&model, listed](int index) { model.userPicked(listed->at(static_cast<std::size_t>(index))); });
 }
 

@@ -19,8 +19,9 @@ namespace platform {
 class Bundle;
 }
 
-/// Keeps the mouse wheel from picking what the pointer only passes over.
-class WheelGuard final : public QObject {
+/// Keeps a closed pop-up from picking what the user only passes over: the mouse wheel goes on to the window, and the
+/// keys that move through the list open it first.
+class PickGuard final : public QObject {
     Q_OBJECT
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -39,6 +40,8 @@ public:
     void bind(char const* outlet, platform::PopUpButton& model);
     /// A text to read.
     void bindLabel(char const* outlet, platform::TextField& model);
+    /// A label for a remark, which shows only while there is something to remark.
+    void bindRemark(char const* outlet, platform::TextField& model);
     /// A label for a figure, which it cuts off with an ellipsis rather than widen the window. The tool tip has it
     /// whole.
     void bindFigure(char const* outlet, platform::TextField& model);
@@ -68,7 +71,7 @@ private:
     QWidget& window_;
     platform::Bundle const& bundle_;
     platform::RunLoop const& runLoop_;
-    WheelGuard wheelGuard_;
+    PickGuard pickGuard_;
     std::vector<std::unique_ptr<WebViewMirror>> webViews_;
     std::vector<platform::Subscription> subscriptions_;
 };

@@ -7,8 +7,9 @@
 #include <QDesktopServices>
 #include <QUrl>
 
-void openInBrowser(std::string const& url)
+bool openInBrowser(std::string const& url)
 {
-    QDesktopServices::openUrl(QUrl(toQt(url)));
+    bool const isOpened = QDesktopServices::openUrl(QUrl(toQt(url)));
     dropActivationToken();
+    return isOpened;
 }

@@ -3,5 +3,5 @@
 
 #include <string>
 
-/// Shows an address in the user's browser, where there is one. Main thread only.
-void openInBrowser(std::string const& url);
+/// Shows an address in the user's browser; false where that cannot be started. Main thread only.
+bool openInBrowser(std::string const& url);

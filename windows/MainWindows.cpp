@@ -42,6 +42,8 @@ void bindPreferences(Binder& binder, Outlets& outlets)
     binder.bind("addKeyButton", outlets.addKeyButton);
     binder.bind("removeKeyButton", outlets.removeKeyButton);
     binder.bindInput("usageLimit", outlets.usageLimit);
+    binder.bindRemark("usageLimitReading", outlets.usageLimitReading);
+    binder.bindRemark("preferencesStatus", outlets.refreshStatus);
     binder.bind("updateIntervalPopupButton", outlets.updateIntervalPopupButton);
     binder.bind("statusBarDropdown", outlets.statusBarDropdown);
     binder.bind("usageCapToggle", outlets.usageCapToggle);
@@ -60,6 +62,7 @@ void bindPreferences(Binder& binder, Outlets& outlets)
 void bindAddKey(Binder& binder, Outlets& outlets)
 {
     binder.bindInput("usageID", outlets.usageID);
+    binder.bindRemark("usageIDStatus", outlets.usageIDStatus);
     binder.bindInput("keyNewNickname", outlets.keyNewNickname);
     binder.bind("autoRetrieveCodeButton", outlets.autoRetrieveCodeButton);
     binder.bind("getUsageCodeButton", outlets.getUsageCodeButton);
@@ -69,6 +72,8 @@ void bindAddKey(Binder& binder, Outlets& outlets)
 
 void bindUsage(Binder& binder, Outlets& outlets)
 {
+    binder.bindLabel("headlineCaption", outlets.headlineCaption);
+    binder.bindFigure("headline", outlets.headline);
     binder.bindFigure("downloadUsage", outlets.downloadUsage);
     binder.bindFigure("uploadUsage", outlets.uploadUsage);
     binder.bindFigure("totalUsage", outlets.totalUsage);
@@ -76,10 +81,15 @@ void bindUsage(Binder& binder, Outlets& outlets)
     binder.bindFigure("uploadFreeUsage", outlets.uploadFreeUsage);
     binder.bindFigure("totalFreeUsage", outlets.totalFreeUsage);
     binder.bindFigure("finalTotalUsage", outlets.finalTotalUsage);
+    binder.bindFigure("levelUsed", outlets.totalUsage);
     binder.bindFigure("usageCapText", outlets.usageCapText);
     binder.bindFigure("usageRemainingText", outlets.usageRemainingText);
     binder.bind("usageBar", outlets.usageBar);
     binder.bindFigure("usageCapPercentageText", outlets.usageCapPercentageText);
+    binder.bindRemark("usageStatus", outlets.refreshStatus);
+    binder.bindLabel("lastUpdateText", outlets.lastUpdateText);
+    binder.bindLabel("nextUpdateText", outlets.nextUpdateText);
+    binder.bind("setCapButton", outlets.setCapButton);
     binder.bind("detailedUsageButton", outlets.detailedUsageButton);
 }
 
@@ -147,6 +157,12 @@ void MainWindows::leaveMenuToStatusArea()
     setMenuShown(false);
     if (std::exchange(isUninvited_, false))
         outlets_.monitorWindow.orderOut();
+}
+
+void MainWindows::notePlaces()
+{
+    for (auto* const window : { &preferences_, &usage_, &detailedUsage_ })
+        window->notePlace();
 }
 
 // The window grows and shrinks by the menu's height, so that its figures keep their room.

@@ -28,6 +28,8 @@ public:
     void showUsageWindowWithMenu(platform::Application& application);
     /// The status item has a place: the usage window is an ordinary one again, and goes if it came uninvited.
     void leaveMenuToStatusArea();
+    /// Tells the models where the open windows are, before the program ends.
+    void notePlaces();
 
 private:
     void setMenuShown(bool shown);

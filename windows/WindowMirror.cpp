@@ -11,9 +11,14 @@
 #include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLayout>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QShortcut>
+#include <QStyle>
+#include <QVBoxLayout>
 #include <QWindow>
 
 #include <ranges>
@@ -37,6 +42,19 @@ QMessageBox::Icon icon(platform::Alert::Style style)
     }
     return QMessageBox::Warning;
 }
+
+// For a title bar and borders, which are not known before the window is shown.
+constexpr QSize roomForFrame { 16, 48 };
+
+// The toolkit's own dialog puts itself into the middle of the screen each time. Desktops know better, and know their
+// panels.
+class PlacedByDesktop final : public QDialog {
+public:
+    using QDialog::QDialog;
+
+private:
+    void showEvent(QShowEvent* /*event*/) override { }
+};
 
 bool isOnWayland() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
 
@@ -73,11 +91,12 @@ QDialog& WindowMirror::widget()
 
 void WindowMirror::buildWidget()
 {
-    widget_ = std::make_unique<QDialog>(parent_ ? &parent_->widget() : nullptr);
-    if (parent_)
+    if (parent_) {
+        widget_ = std::make_unique<QDialog>(&parent_->widget());
         widget_->setWindowModality(Qt::WindowModal);
-    else
-        widget_->setWindowFlags(Qt::Window);
+    } else {
+        widget_ = std::make_unique<PlacedByDesktop>(nullptr, Qt::Window);
+    }
     // Only now: reading the desktop's icon theme would make up a seventh of the start.
     widget_->setWindowIcon(QIcon::fromTheme(toQt(bundle_.infoText("CFBundleIconFile"))));
     build_(*widget_);
@@ -102,13 +121,70 @@ void WindowMirror::buildWidget()
 void WindowMirror::setShown(bool shown)
 {
     if (shown) {
+        putInPlace();
         widget().show();
+        if (parent_)
+            focusFirstField();
         isNew_ = true;
         QMetaObject::invokeMethod(this, [this] { isNew_ = false; }, Qt::QueuedConnection);
     } else if (widget_) {
         widget_->hide();
     }
     showAlert();
+}
+
+// Where the user left it, as far as the screens are still there; else of its own size, if the screen has room for that.
+void WindowMirror::putInPlace()
+{
+    if (parent_ || widget().isVisible() || widget().restoreGeometry(QByteArray::fromBase64(model_.place.get().c_str())))
+        return;
+    auto const room = widget().screen()->availableSize() - roomForFrame;
+    auto wanted = widget().testAttribute(Qt::WA_Resized) ? widget().size() : widget().sizeHint();
+    if (auto const least = widget().minimumSizeHint(); least != least.boundedTo(room)) {
+        makeScrollable();
+        int const bar = widget().style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+        wanted += QSize(bar, bar);
+    }
+    widget().resize(wanted.boundedTo(room));
+}
+
+// For a screen that is too small for the window.
+void WindowMirror::makeScrollable()
+{
+    auto* const content = new QWidget;
+    content->setLayout(widget_->layout());
+    auto* const area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setWidget(content);
+    auto* const layout = new QVBoxLayout(widget_.get());
+    layout->setContentsMargins({});
+    layout->addWidget(area);
+    widget_->setMinimumSize({});
+}
+
+// A text that takes more lines than before would have the others squeezed.
+void WindowMirror::growToFit()
+{
+    auto const* const layout = widget_->layout();
+    int const needed = layout && layout->hasHeightForWidth() ? layout->totalHeightForWidth(widget_->width()) : 0;
+    if (needed > widget_->height())
+        widget_->resize(widget_->width(), needed);
+}
+
+void WindowMirror::notePlace()
+{
+    if (!parent_ && widget_ && !widget_->isFullScreen())
+        model_.userPlaced(widget_->saveGeometry().toBase64().toStdString());
+}
+
+// A sheet is filled in from its beginning each time.
+void WindowMirror::focusFirstField()
+{
+    if (auto* const field = widget_->findChild<QLineEdit*>()) {
+        field->setFocus();
+        field->selectAll();
+    }
 }
 
 // Whether the keyboard is in the window or in a sheet on it.
@@ -181,8 +257,12 @@ bool WindowMirror::eventFilter(QObject* watched, QEvent* event)
     bool const staysShown = isBeingShownAnew_ || (parent_ && parent_->isBeingShownAnew_);
     bool const isGoing
         = event->type() == QEvent::Hide && !event->spontaneous() && watched == widget_.get() && !staysShown;
+    if (isGoing)
+        notePlace();
     if (isGoing && model_.visible.get())
         model_.userClosed();
+    if (event->type() == QEvent::LayoutRequest && watched == widget_.get())
+        growToFit();
     if (event->type() == QEvent::WindowStateChange && watched == widget_.get())
         model_.fullScreen.set(widget_->isFullScreen());
     // In this order, for a sheet that is being destroyed still has events, and is no sheet any more.
@@ -219,10 +299,11 @@ void WindowMirror::showAlert()
     int returnCode = platform::Alert::firstButtonReturn;
     for (auto const& title : titles) {
         bool const isFirst = returnCode == platform::Alert::firstButtonReturn;
+        bool const isDefault = alert->isDestructive ? &title == &titles.back() : isFirst;
         auto* const button
             = sheet_->addButton(asLabel(title), isFirst ? QMessageBox::AcceptRole : QMessageBox::RejectRole);
         button->setProperty(returnCodeProperty, returnCode++);
-        if (isFirst)
+        if (isDefault)
             sheet_->setDefaultButton(button);
         sheet_->setEscapeButton(button);
     }

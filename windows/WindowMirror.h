@@ -31,10 +31,17 @@ public:
     /// The real window, built if it was not; for what only a desktop adds.
     QDialog& widget();
 
+    /// Tells the model where the window is, or was when it was closed.
+    void notePlace();
+
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void buildWidget();
     void setShown(bool shown);
+    void putInPlace();
+    void makeScrollable();
+    void growToFit();
+    void focusFirstField();
     bool isActive() const;
     bool staysWhereItIs() const;
     void bringToFront();

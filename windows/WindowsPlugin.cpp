@@ -21,7 +21,11 @@ public:
     {
     }
 
-    void run() override { QApplication::exec(); }
+    void run() override
+    {
+        QApplication::exec();
+        windows_.notePlaces();
+    }
     void quit() override { QCoreApplication::exit(); }
     void setAppearance(platform::Appearance appearance) override { applyAppearance(appearance); }
     void showUsageWindowWithMenu() override { windows_.showUsageWindowWithMenu(program_); }
@@ -32,7 +36,7 @@ public:
     }
     bool showInOlderTray() override { return tray_.show(); }
     void popUpMenu() override { tray_.popUpMenu(); }
-    void open(std::string const& url) override { openInBrowser(url); }
+    bool open(std::string const& url) override { return openInBrowser(url); }
 
 private:
     platform::Application& program_;

@@ -16,7 +16,7 @@
 
 /// A desktop without a browser.
 struct NoWorkspace final : platform::Workspace {
-    void open(std::string const& /*url*/) override { }
+    bool open(std::string const& /*url*/) override { return false; }
 };
 
 /// A program that nobody ends.

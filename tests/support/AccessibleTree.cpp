@@ -83,6 +83,11 @@ double AccessibleTree::number(Accessible const& accessible, char const* name) co
 
 void AccessibleTree::act(Accessible const& accessible) const { call(accessible.place, action, "DoAction", { 0 }); }
 
+void AccessibleTree::write(Accessible const& accessible, std::string const& text) const
+{
+    call(accessible.place, "org.a11y.atspi.EditableText", "SetTextContents", { QString::fromStdString(text) });
+}
+
 QVariant AccessibleTree::call(
     AccessiblePlace const& place, char const* interface, char const* method, QVariantList const& arguments) const
 {

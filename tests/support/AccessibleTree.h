@@ -42,6 +42,8 @@ public:
     double number(Accessible const& accessible, char const* property) const;
     /// Does what the object is there for.
     void act(Accessible const& accessible) const;
+    /// Puts a text into a field in place of what is there.
+    void write(Accessible const& accessible, std::string const& text) const;
 
 private:
     QVariant call(AccessiblePlace const& place, char const* interface, char const* method,

@@ -66,7 +66,11 @@ struct RecordedDesktop final : platform::Application,
                                platform::LoginItem {
     void activateIgnoringOtherApps() override { ++activations; }
     void terminate() override { ++terminations; }
-    void open(std::string const& url) override { opened.push_back(url); }
+    bool open(std::string const& url) override
+    {
+        opened.push_back(url);
+        return hasBrowser;
+    }
     void setDelegate(platform::NotificationCenterDelegate* newDelegate) override { delegate = newDelegate; }
     void deliver(platform::UserNotification const& notification) override
     {
@@ -90,6 +94,7 @@ struct RecordedDesktop final : platform::Application,
     platform::NotificationCenterDelegate* delegate = nullptr;
     bool startsAtLogin = false;
     bool isDiskFull = false;
+    bool hasBrowser = true;
 };
 
 /// The whole core on virtual time, from settings and cache files on disk to the models that a user would see.

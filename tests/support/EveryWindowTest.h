@@ -63,7 +63,17 @@ protected:
         outlets->confirmKeyButton.userClicked();
         lookAtAlertOf(outlets->addKeyWindow);
         outlets->autoRetrieveCodeButton.userClicked();
+        look();
         settle();
+        lookAtAlertOf(outlets->addKeyWindow);
+        loader.replies["https://www.tarvo.example/account/usage/api?request=key"] = "<r><key>22</key></r>";
+        outlets->autoRetrieveCodeButton.userClicked();
+        settle();
+        look();
+        outlets->usageID.userTyped("{");
+        look();
+        desktop.hasBrowser = false;
+        outlets->getUsageCodeButton.userClicked();
         lookAtAlertOf(outlets->addKeyWindow);
         setReply("11", 10);
         for (auto const* const nickname : { "1", "2", "2" }) {
@@ -98,6 +108,10 @@ protected:
     void showPreferences()
     {
         controller->showPreferences();
+        for (auto const* const cap : { "1,000", "." }) {
+            outlets->usageLimit.userTyped(cap);
+            look();
+        }
         outlets->clearCacheButton.userClicked();
         advance(2s);
         look();
