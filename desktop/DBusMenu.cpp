@@ -100,25 +100,29 @@ int send(BusMessage const& reply) { return sd_bus_message_send(reply.get()); }
 
 }
 
-sd_bus_vtable const DBusMenu::members[] = {
-    SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("GetLayout", "iias", "u(ia{sv}av)", (onCall<DBusMenu, &DBusMenu::getLayout>), 0),
-    SD_BUS_METHOD("GetGroupProperties", "aias", "a(ia{sv})", (onCall<DBusMenu, &DBusMenu::getGroupProperties>), 0),
-    SD_BUS_METHOD("GetProperty", "is", "v", (onCall<DBusMenu, &DBusMenu::getProperty>), 0),
-    SD_BUS_METHOD("Event", "isvu", "", (onCall<DBusMenu, &DBusMenu::event>), 0),
-    SD_BUS_METHOD("EventGroup", "a(isvu)", "ai", (onCall<DBusMenu, &DBusMenu::eventGroup>), 0),
-    SD_BUS_METHOD("AboutToShow", "i", "b", (onCall<DBusMenu, &DBusMenu::aboutToShow>), 0),
-    SD_BUS_METHOD("AboutToShowGroup", "ai", "aiai", (onCall<DBusMenu, &DBusMenu::aboutToShowGroup>), 0),
-    SD_BUS_PROPERTY("Version", "u", (onGet<DBusMenu, &DBusMenu::writeVersion>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_PROPERTY("Status", "s", (onGetText<DBusMenu, &DBusMenu::status>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_PROPERTY(
-        "TextDirection", "s", (onGetText<DBusMenu, &DBusMenu::textDirection>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_PROPERTY(
-        "IconThemePath", "as", (onGet<DBusMenu, &DBusMenu::writeIconThemePath>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_SIGNAL("ItemsPropertiesUpdated", "a(ia{sv})a(ias)", 0),
-    SD_BUS_SIGNAL("LayoutUpdated", "ui", 0),
-    SD_BUS_VTABLE_END,
-};
+sd_bus_vtable const* DBusMenu::members()
+{
+    static auto const table = std::to_array<sd_bus_vtable>({
+        SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_METHOD("GetLayout", "iias", "u(ia{sv}av)", (onCall<DBusMenu, &DBusMenu::getLayout>), 0),
+        SD_BUS_METHOD("GetGroupProperties", "aias", "a(ia{sv})", (onCall<DBusMenu, &DBusMenu::getGroupProperties>), 0),
+        SD_BUS_METHOD("GetProperty", "is", "v", (onCall<DBusMenu, &DBusMenu::getProperty>), 0),
+        SD_BUS_METHOD("Event", "isvu", "", (onCall<DBusMenu, &DBusMenu::event>), 0),
+        SD_BUS_METHOD("EventGroup", "a(isvu)", "ai", (onCall<DBusMenu, &DBusMenu::eventGroup>), 0),
+        SD_BUS_METHOD("AboutToShow", "i", "b", (onCall<DBusMenu, &DBusMenu::aboutToShow>), 0),
+        SD_BUS_METHOD("AboutToShowGroup", "ai", "aiai", (onCall<DBusMenu, &DBusMenu::aboutToShowGroup>), 0),
+        SD_BUS_PROPERTY("Version", "u", (onGet<DBusMenu, &DBusMenu::writeVersion>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+        SD_BUS_PROPERTY("Status", "s", (onGetText<DBusMenu, &DBusMenu::status>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+        SD_BUS_PROPERTY(
+            "TextDirection", "s", (onGetText<DBusMenu, &DBusMenu::textDirection>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+        SD_BUS_PROPERTY(
+            "IconThemePath", "as", (onGet<DBusMenu, &DBusMenu::writeIconThemePath>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+        SD_BUS_SIGNAL("ItemsPropertiesUpdated", "a(ia{sv})a(ias)", 0),
+        SD_BUS_SIGNAL("LayoutUpdated", "ui", 0),
+        SD_BUS_VTABLE_END,
+    });
+    return table.data();
+}
 
 DBusMenu::Properties const DBusMenu::defaults {
     { "type", "standard" },
@@ -135,7 +139,7 @@ DBusMenu::DBusMenu(platform::Menu& menu, char const* path, TextDirection directi
     , path_(path)
     , direction_(direction)
     , update_(bus.loop(), [this] { update(); })
-    , object_(bus.addObject(path, interface, members, this))
+    , object_(bus.addObject(path, interface, members(), this))
 {
     Line root;
     root.submenu = &menu;

@@ -65,7 +65,7 @@ private:
         std::vector<int> layouts;
     };
 
-    static sd_bus_vtable const members[];
+    static sd_bus_vtable const* members();
     /// What the protocol says of a line that does not carry the property.
     static Properties const defaults;
 

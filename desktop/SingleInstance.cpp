@@ -6,6 +6,7 @@
 #include "platform/Utf8.h"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 namespace {
@@ -45,13 +46,17 @@ std::string tokenIn(sd_bus_message* call)
 
 }
 
-sd_bus_vtable const SingleInstance::members[] = {
-    SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("Activate", "a{sv}", "", (onCall<SingleInstance, &SingleInstance::activate>), 0),
-    SD_BUS_METHOD("Open", "asa{sv}", "", (onCall<SingleInstance, &SingleInstance::open>), 0),
-    SD_BUS_METHOD("ActivateAction", "sava{sv}", "", (onCall<SingleInstance, &SingleInstance::activateAction>), 0),
-    SD_BUS_VTABLE_END,
-};
+sd_bus_vtable const* SingleInstance::members()
+{
+    static auto const table = std::to_array<sd_bus_vtable>({
+        SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_METHOD("Activate", "a{sv}", "", (onCall<SingleInstance, &SingleInstance::activate>), 0),
+        SD_BUS_METHOD("Open", "asa{sv}", "", (onCall<SingleInstance, &SingleInstance::open>), 0),
+        SD_BUS_METHOD("ActivateAction", "sava{sv}", "", (onCall<SingleInstance, &SingleInstance::activateAction>), 0),
+        SD_BUS_VTABLE_END,
+    });
+    return table.data();
+}
 
 SingleInstance::SingleInstance(std::string identifier, Bus& bus)
     : identifier_(std::move(identifier))
@@ -71,7 +76,7 @@ SingleInstance::Outcome SingleInstance::start()
     if (!bus_.isConnected())
         return Outcome::IsFirst;
     // The object stands before the name, so that whoever sees the name can call it.
-    object_ = bus_.addObject(path_.c_str(), interface, members, this);
+    object_ = bus_.addObject(path_.c_str(), interface, members(), this);
     if (becomeFirst())
         return Outcome::IsFirst;
     if (activateFirst())

@@ -27,7 +27,7 @@ public:
     void whenActivated(platform::Task activated) { activated_ = std::move(activated); }
 
 private:
-    static sd_bus_vtable const members[];
+    static sd_bus_vtable const* members();
 
     bool becomeFirst();
     bool activateFirst();

@@ -5,6 +5,7 @@
 #include "platform/Menu.h"
 #include "platform/Utf8.h"
 
+#include <array>
 #include <utility>
 
 namespace {
@@ -18,33 +19,37 @@ constexpr auto timeOfTitle = 10ms;
 
 }
 
-sd_bus_vtable const StatusNotifierItem::members[] = {
-    SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("Activate", "ii", "", (onCall<Item, &Item::requestMenu>), 0),
-    SD_BUS_METHOD("SecondaryActivate", "ii", "", (onCall<Item, &Item::requestMenu>), 0),
-    SD_BUS_METHOD("ContextMenu", "ii", "", (onCall<Item, &Item::requestMenu>), 0),
-    SD_BUS_METHOD("Scroll", "is", "", (onCall<Item, &Item::scroll>), 0),
-    SD_BUS_METHOD("ProvideXdgActivationToken", "s", "", (onCall<Item, &Item::provideActivationToken>), 0),
-    SD_BUS_PROPERTY("Id", "s", (onGetText<Item, &Item::id>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_PROPERTY("Category", "s", (onGetText<Item, &Item::category>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_PROPERTY("Status", "s", (onGetText<Item, &Item::status>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_PROPERTY("Title", "s", (onGetText<Item, &Item::title>), 0, 0),
-    SD_BUS_PROPERTY("XAyatanaLabel", "s", (onGetText<Item, &Item::title>), 0, 0),
-    SD_BUS_PROPERTY("XAyatanaLabelGuide", "s", (onGetText<Item, &Item::guide>), 0, 0),
-    SD_BUS_PROPERTY("IconName", "s", (onGetText<Item, &Item::iconName>), 0, 0),
-    SD_BUS_PROPERTY("IconThemePath", "s", (onGetText<Item, &Item::iconThemePath>), 0, 0),
-    SD_BUS_PROPERTY("IconPixmap", "a(iiay)", (onGet<Item, &Item::writePixmaps>), 0, 0),
-    SD_BUS_PROPERTY("IconAccessibleDesc", "s", (onGetText<Item, &Item::accessibleDescription>), 0, 0),
-    SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", (onGet<Item, &Item::writeToolTip>), 0, 0),
-    SD_BUS_PROPERTY("ItemIsMenu", "b", (onGet<Item, &Item::writeItemIsMenu>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_PROPERTY("Menu", "o", (onGet<Item, &Item::writeMenuPath>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_SIGNAL("NewTitle", "", 0),
-    SD_BUS_SIGNAL("NewIcon", "", 0),
-    SD_BUS_SIGNAL("NewIconThemePath", "s", 0),
-    SD_BUS_SIGNAL("NewToolTip", "", 0),
-    SD_BUS_SIGNAL("XAyatanaNewLabel", "ss", 0),
-    SD_BUS_VTABLE_END,
-};
+sd_bus_vtable const* StatusNotifierItem::members()
+{
+    static auto const table = std::to_array<sd_bus_vtable>({
+        SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_METHOD("Activate", "ii", "", (onCall<Item, &Item::requestMenu>), 0),
+        SD_BUS_METHOD("SecondaryActivate", "ii", "", (onCall<Item, &Item::requestMenu>), 0),
+        SD_BUS_METHOD("ContextMenu", "ii", "", (onCall<Item, &Item::requestMenu>), 0),
+        SD_BUS_METHOD("Scroll", "is", "", (onCall<Item, &Item::scroll>), 0),
+        SD_BUS_METHOD("ProvideXdgActivationToken", "s", "", (onCall<Item, &Item::provideActivationToken>), 0),
+        SD_BUS_PROPERTY("Id", "s", (onGetText<Item, &Item::id>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+        SD_BUS_PROPERTY("Category", "s", (onGetText<Item, &Item::category>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+        SD_BUS_PROPERTY("Status", "s", (onGetText<Item, &Item::status>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+        SD_BUS_PROPERTY("Title", "s", (onGetText<Item, &Item::title>), 0, 0),
+        SD_BUS_PROPERTY("XAyatanaLabel", "s", (onGetText<Item, &Item::title>), 0, 0),
+        SD_BUS_PROPERTY("XAyatanaLabelGuide", "s", (onGetText<Item, &Item::guide>), 0, 0),
+        SD_BUS_PROPERTY("IconName", "s", (onGetText<Item, &Item::iconName>), 0, 0),
+        SD_BUS_PROPERTY("IconThemePath", "s", (onGetText<Item, &Item::iconThemePath>), 0, 0),
+        SD_BUS_PROPERTY("IconPixmap", "a(iiay)", (onGet<Item, &Item::writePixmaps>), 0, 0),
+        SD_BUS_PROPERTY("IconAccessibleDesc", "s", (onGetText<Item, &Item::accessibleDescription>), 0, 0),
+        SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", (onGet<Item, &Item::writeToolTip>), 0, 0),
+        SD_BUS_PROPERTY("ItemIsMenu", "b", (onGet<Item, &Item::writeItemIsMenu>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+        SD_BUS_PROPERTY("Menu", "o", (onGet<Item, &Item::writeMenuPath>), 0, SD_BUS_VTABLE_PROPERTY_CONST),
+        SD_BUS_SIGNAL("NewTitle", "", 0),
+        SD_BUS_SIGNAL("NewIcon", "", 0),
+        SD_BUS_SIGNAL("NewIconThemePath", "s", 0),
+        SD_BUS_SIGNAL("NewToolTip", "", 0),
+        SD_BUS_SIGNAL("XAyatanaNewLabel", "ss", 0),
+        SD_BUS_VTABLE_END,
+    });
+    return table.data();
+}
 
 StatusNotifierItem::StatusNotifierItem(
     platform::StatusItem& item, Look look, IconDrawer& drawer, Bus& bus, Handlers handlers)
@@ -58,7 +63,7 @@ StatusNotifierItem::StatusNotifierItem(
     , update_(bus.loop(), [this] { update(); })
     , titleChanges_(item.title.observeChanges([this](std::string const&) { update_.request(); }))
     , menuChanges_(item.menu().observeChanges([this] { update_.request(); }))
-    , object_(bus.addObject(path, interface, members, this))
+    , object_(bus.addObject(path, interface, members(), this))
 {
 }
 

@@ -50,7 +50,7 @@ private:
         std::string iconName;
     };
 
-    static sd_bus_vtable const members[];
+    static sd_bus_vtable const* members();
 
     std::string id() const { return "usage-meter"; }
     std::string category() const { return "ApplicationStatus"; }

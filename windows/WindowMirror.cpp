@@ -21,7 +21,7 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
-#include <ranges>
+#include <algorithm>
 
 namespace {
 
@@ -227,8 +227,7 @@ void WindowMirror::showAnew()
             windows.push_back(sheet);
     }
     isBeingShownAnew_ = true;
-    for (auto* const window : windows | std::views::reverse)
-        window->hide();
+    std::for_each(windows.rbegin(), windows.rend(), [](QWidget* window) { window->hide(); });
     for (auto* const window : windows) {
         bool const wasResized = window->testAttribute(Qt::WA_Resized);
         window->setAttribute(Qt::WA_Resized);
