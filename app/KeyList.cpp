@@ -22,9 +22,10 @@ void AppDelegate::loadKeys()
     if (count == 0) {
         addKeyButton();
         comboBox.text.set({});
-    } else if (auto key = KeyEntry::parse(comboBox.text.get()).key) {
-        selectedKey_ = *std::move(key);
+    } else {
         confirmedEntry_ = comboBox.text.get();
+        if (auto key = KeyEntry::parse(confirmedEntry_).key)
+            selectedKey_ = *std::move(key);
     }
 
     bool const hasChoice = count >= 2;

@@ -90,6 +90,9 @@ void AppDelegate::upgradeMeter()
     loadKeys();
     outlets_.tarvoUsageKeysComboBox.selectItemAtIndex(0);
 
+    // Closing the preferences confirms it.
+    confirmedEntry_.clear();
+    outlets_.refreshStatus.text.set({});
     showPreferences();
     outlets_.window.beginSheet(
         { .messageText = text("CONVERSION_COMPLETE"), .style = platform::Alert::Style::Informational });

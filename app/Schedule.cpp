@@ -59,7 +59,8 @@ void AppDelegate::menuNeedsUpdate()
         showDates();
 }
 
-// A window that stays open shows them too. The time zone may change, and no day begins within a quarter of an hour.
+// A window that stays open shows them too. The time zone may change, and a day begins on a quarter of an hour in all of
+// them.
 void AppDelegate::keepDatesRight(bool visible)
 {
     datesCheck_.reset();

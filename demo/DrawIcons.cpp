@@ -18,8 +18,7 @@ QStringList titles()
     return { QStringLiteral("57.3GB"), QStringLiteral("1.05TB"), QStringLiteral("999.9MB"), QStringLiteral("0GB"),
         QStringLiteral("-12.5GB"), QStringLiteral("57%"), QStringLiteral("57,3\u00A0Go"),
         QStringLiteral("1\u202F234,5\u00A0Go"), QStringLiteral("No data"), QStringLiteral("Unlimited"),
-        QStringLiteral("Pas de données"), QStringLiteral("Illimité"), QStringLiteral("…"),
-        QStringLiteral("Error") };
+        QStringLiteral("Pas de données"), QStringLiteral("Illimité"), QStringLiteral("…"), QStringLiteral("Error") };
 }
 
 // One row of icons, one size beside the other; the picture is as high as the largest.

@@ -290,7 +290,7 @@ void DesktopRunLoop::wallClockReached()
 void DesktopRunLoop::setEvenAlarm()
 {
     itimerspec alarm {};
-    // No time at all would switch it off, as none that is due does.
+    // A time of zero disarms it, which is wanted only when no timer waits.
     if (!evenTimers_.empty())
         alarm.it_value
             = toTimespec(std::max(std::chrono::ceil<std::chrono::nanoseconds>(evenTimers_.begin()->first), 1ns));

@@ -128,6 +128,7 @@ TEST_F(MainWindowsTest, TheUsersHandReachesTheModelsAndTheSettings)
     EXPECT_EQ(actions, 1);
     for (auto const key : { Qt::Key_Down, Qt::Key_Return })
         QTest::keyClick(popUp.view(), key);
+    QCoreApplication::sendPostedEvents(&popUp, QEvent::MetaCall);
     QWheelEvent wheel({}, {}, {}, { 0, -120 }, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(&popUp, &wheel);
     EXPECT_EQ(outlets_.usageLimit.text.get(), "100.5");
@@ -213,19 +214,32 @@ TEST_F(MainWindowsTest, AWindowComesBackAsTheUserLeftItAlsoAfterARestart)
 {
     QRect const left(120, 90, 640, 500);
     usageWindow().setGeometry(left);
-    for (bool const isRestart : { false, true }) {
-        outlets_.monitorWindow.userClosed();
-        if (isRestart)
-            windows_ = std::make_unique<MainWindows>(outlets_, bundle_, loop_, "");
-        outlets_.monitorWindow.makeKeyAndOrderFront();
-        EXPECT_EQ(usageWindow().geometry(), left);
-    }
-    // What no screen has room for is nobody's wish.
     outlets_.monitorWindow.userClosed();
-    outlets_.monitorWindow.place.set("nonsense");
-    defaults_.set(settings::usageWindowPlace, "bm9uc2Vuc2U=");
     outlets_.monitorWindow.makeKeyAndOrderFront();
-    EXPECT_TRUE(usageWindow().screen()->availableGeometry().contains(usageWindow().size().width(), 0));
+    EXPECT_EQ(usageWindow().geometry(), left);
+    windows_.reset();
+    defaults_.flush();
+
+    platform::UserDefaults stored(folder_.path() / "preferences.plist", loop_);
+    Outlets outlets;
+    MainLayout const layout(outlets, bundle_, stored);
+    MainWindows const windows(outlets, bundle_, loop_, "");
+    outlets.monitorWindow.makeKeyAndOrderFront();
+    EXPECT_EQ(usageWindow().geometry(), left);
+}
+
+TEST_F(MainWindowsTest, AWindowThatIsTooLargeForItsScreenScrollsEachTimeItIsOpened)
+{
+    auto const usual = QApplication::font();
+    QApplication::setFont(QFont(usual.family(), 40));
+    for (int openings = 0; openings < 2; ++openings) {
+        windows_ = std::make_unique<MainWindows>(outlets_, bundle_, loop_, "");
+        EXPECT_NE(window().findChild<QScrollArea*>(), nullptr);
+        EXPECT_LT(window().height(), window().screen()->availableGeometry().height());
+        outlets_.window.userClosed();
+        outlets_.window.visible.set(true);
+    }
+    QApplication::setFont(usual);
 }
 
 TEST_F(MainWindowsTest, AnAbsurdFigureIsCutOffAndWholeInTheToolTip)

@@ -18,8 +18,8 @@ platform::Dictionary readTable(std::filesystem::path const& folder, std::string 
 /// What a user of a screen can read at a widget, or hear.
 QStringList textsOf(QWidget const& widget)
 {
-    QStringList texts { widget.windowTitle(), widget.toolTip(), widget.accessibleName(),
-        widget.accessibleDescription() };
+    QStringList texts { widget.windowTitle(), QTextDocumentFragment::fromHtml(widget.toolTip()).toPlainText(),
+        widget.accessibleName(), widget.accessibleDescription() };
     if (auto const* const label = qobject_cast<QLabel const*>(&widget))
         texts << label->text();
     if (auto const* const button = qobject_cast<QAbstractButton const*>(&widget))

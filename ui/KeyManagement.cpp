@@ -40,7 +40,7 @@ void AppDelegate::useConnection()
 void AppDelegate::closePreferences()
 {
     auto const entry = getCurrentlySelectedKey();
-    bool const isConfirmed = !entry
+    bool const isConfirmed = !entry || outlets_.tarvoUsageKeysComboBox.items.get().empty()
         || (*entry == confirmedEntry_ && outlets_.usageLimit.text.get() == usageCapForKey(*entry).value_or(""));
     if (isConfirmed)
         outlets_.window.orderOut();
@@ -113,7 +113,10 @@ void AppDelegate::acceptLookup(std::optional<std::string> const& key, bool showE
         outlets_.usageID.text.set(*key);
     else if (showError)
         showLookupFailure();
-    outlets_.usageIDStatus.text.set(text(key ? "LOOKUP_FOUND" : "AUTO_FAILURE_TITLE"));
+    // A remark on the key itself is worth more.
+    showKeyStatus();
+    if (outlets_.usageIDStatus.text.get().empty())
+        outlets_.usageIDStatus.text.set(text(key ? "LOOKUP_FOUND" : "AUTO_FAILURE_TITLE"));
 }
 
 // Such a key is accepted all the same, and leads to the error state.

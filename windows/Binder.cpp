@@ -10,6 +10,7 @@
 #include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QEvent>
 #include <QGraphicsOpacityEffect>
 #include <QGroupBox>
@@ -46,7 +47,8 @@ void takeSelectionForPick(QComboBox& box)
         box.view()->selectionModel(), &QItemSelectionModel::selectionChanged, &box,
         [&box](QItemSelection const& selected) {
             auto const lines = selected.indexes();
-            if (lines.size() != 1 || lines.front() == box.view()->currentIndex())
+            bool const isStill = lines.size() == 1 && box.view()->selectionModel()->isSelected(lines.front());
+            if (!isStill || lines.front() == box.view()->currentIndex())
                 return;
             box.setCurrentIndex(lines.front().row());
             box.hidePopup();
@@ -69,11 +71,15 @@ template <typename ShowsModel, typename Pick> void passOnPicks(QComboBox& box, S
         Qt::QueuedConnection);
 }
 
-bool opensList(QEvent* event)
+bool isLetter(QKeyEvent const& event)
 {
-    if (event->type() != QEvent::KeyPress)
-        return false;
-    switch (static_cast<QKeyEvent*>(event)->key()) {
+    bool const isCommand = (event.modifiers() & (Qt::AltModifier | Qt::ControlModifier | Qt::MetaModifier)) != 0;
+    return !isCommand && !event.text().isEmpty() && event.text().front().isLetterOrNumber();
+}
+
+bool movesThroughList(QKeyEvent const& event)
+{
+    switch (event.key()) {
     case Qt::Key_Up:
     case Qt::Key_Down:
     case Qt::Key_PageUp:
@@ -82,7 +88,7 @@ bool opensList(QEvent* event)
     case Qt::Key_End:
         return true;
     default:
-        return false;
+        return isLetter(event);
     }
 }
 
@@ -90,8 +96,12 @@ bool opensList(QEvent* event)
 
 bool PickGuard::eventFilter(QObject* watched, QEvent* event)
 {
-    if (opensList(event)) {
-        static_cast<QComboBox*>(watched)->showPopup();
+    if (event->type() == QEvent::KeyPress && movesThroughList(*static_cast<QKeyEvent*>(event))) {
+        auto& box = *static_cast<QComboBox*>(watched);
+        box.showPopup();
+        // A letter finds its line there.
+        if (isLetter(*static_cast<QKeyEvent*>(event)))
+            QCoreApplication::sendEvent(box.view(), event);
         return true;
     }
     if (event->type() != QEvent::Wheel)
@@ -214,7 +224,7 @@ void Binder::bind(char const* outlet, platform::ComboBox& model)
         auto const text = toQt(model.text.get());
         int const index = box.findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive);
         box.setPlaceholderText(index >= 0 ? QString() : text.isEmpty() ? noItem : text);
-        box.setToolTip(text);
+        box.setToolTip(text.isEmpty() ? text : Qt::convertFromPlainText(inLines(text)));
         box.setCurrentIndex(index);
     };
     keep(model.items.observe([&box, showText](std::vector<std::string> const& items) {

@@ -80,7 +80,12 @@ WindowMirror::WindowMirror(platform::Window& model, platform::Bundle const& bund
     subscriptions_.push_back(model.observeFrontRequests([this] { bringToFront(); }));
 }
 
-WindowMirror::~WindowMirror() = default;
+WindowMirror::~WindowMirror()
+{
+    // A window that goes with the program is not one that the user closes.
+    if (widget_)
+        widget_->removeEventFilter(this);
+}
 
 QDialog& WindowMirror::widget()
 {
@@ -121,8 +126,10 @@ void WindowMirror::buildWidget()
 void WindowMirror::setShown(bool shown)
 {
     if (shown) {
+        auto& window = widget();
         putInPlace();
-        widget().show();
+        growToFit();
+        window.show();
         if (parent_)
             focusFirstField();
         isNew_ = true;
@@ -136,17 +143,19 @@ void WindowMirror::setShown(bool shown)
 // Where the user left it, as far as the screens are still there; else of its own size, if the screen has room for that.
 void WindowMirror::putInPlace()
 {
-    if (parent_ || widget().isVisible() || widget().restoreGeometry(QByteArray::fromBase64(model_.place.get().c_str())))
+    if (parent_ || widget_->isVisible())
         return;
-    auto const room = widget().screen()->availableSize() - roomForFrame;
-    auto wanted = widget().testAttribute(Qt::WA_Resized) ? widget().size() : widget().sizeHint();
-    if (auto const least = widget().minimumSizeHint(); least != least.boundedTo(room)) {
+    auto wanted = widget_->testAttribute(Qt::WA_Resized) ? widget_->size() : widget_->sizeHint();
+    if (auto const least = widget_->minimumSizeHint(); least != least.boundedTo(roomOnScreen())) {
         makeScrollable();
-        int const bar = widget().style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+        int const bar = widget_->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
         wanted += QSize(bar, bar);
     }
-    widget().resize(wanted.boundedTo(room));
+    if (!widget_->restoreGeometry(QByteArray::fromBase64(model_.place.get().c_str())))
+        widget_->resize(wanted.boundedTo(roomOnScreen()));
 }
+
+QSize WindowMirror::roomOnScreen() const { return widget_->screen()->availableSize() - roomForFrame; }
 
 // For a screen that is too small for the window.
 void WindowMirror::makeScrollable()
@@ -160,7 +169,7 @@ void WindowMirror::makeScrollable()
     auto* const layout = new QVBoxLayout(widget_.get());
     layout->setContentsMargins({});
     layout->addWidget(area);
-    widget_->setMinimumSize({});
+    widget_->setMinimumSize(0, 0);
 }
 
 // A text that takes more lines than before would have the others squeezed.
@@ -168,8 +177,9 @@ void WindowMirror::growToFit()
 {
     auto const* const layout = widget_->layout();
     int const needed = layout && layout->hasHeightForWidth() ? layout->totalHeightForWidth(widget_->width()) : 0;
-    if (needed > widget_->height())
-        widget_->resize(widget_->width(), needed);
+    int const height = std::min(needed, roomOnScreen().height());
+    if (height > widget_->height())
+        widget_->resize(widget_->width(), height);
 }
 
 void WindowMirror::notePlace()

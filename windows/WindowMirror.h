@@ -39,6 +39,7 @@ private:
     void buildWidget();
     void setShown(bool shown);
     void putInPlace();
+    QSize roomOnScreen() const;
     void makeScrollable();
     void growToFit();
     void focusFirstField();

@@ -20,8 +20,11 @@ constexpr int focused = 12;
 constexpr int showing = 25;
 
 // The session's bus starts nothing, whatever the machine has.
-QDBusConnection startBus(QProcess& launcher)
+QDBusConnection startBus(QProcess& launcher, std::filesystem::path const& runtime)
 {
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), QString::fromStdString(runtime.string()));
+    launcher.setProcessEnvironment(environment);
     launcher.start(QStringLiteral("/usr/libexec/at-spi-bus-launcher"), { "--launch-immediately" });
     auto const* const services = QDBusConnection::sessionBus().interface();
     auto const isUp = [services] { return services->isServiceRegistered(QStringLiteral("org.a11y.Bus")).value(); };
@@ -51,7 +54,7 @@ QDBusArgument const& operator>>(QDBusArgument const& argument, AccessiblePlace& 
 }
 
 AccessibleTree::AccessibleTree()
-    : bus_(startBus(launcher_))
+    : bus_(startBus(launcher_, runtime_.path()))
 {
     qDBusRegisterMetaType<AccessiblePlace>();
 }

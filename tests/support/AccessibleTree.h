@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/TemporaryFolder.h"
+
 #include <QDBusConnection>
 #include <QDBusObjectPath>
 #include <QProcess>
@@ -53,6 +55,8 @@ private:
     Accessible read(AccessiblePlace const& place) const;
     void addShowing(std::vector<Accessible>& found, AccessiblePlace const& place) const;
 
+    /// Of this tree's bus, beside those of other tests.
+    TemporaryFolder runtime_;
     QProcess launcher_;
     QDBusConnection bus_;
 };
