@@ -120,10 +120,11 @@ void DetailedUsageViewController::doBeginLoadUsageWithDate(std::optional<platfor
     closeTimer_.reset();
     layout_.window.endAlerts();
     didAlreadySetInformativeTitle_ = false;
-    bool const started = platform_.backgroundQueues.async("detailedusage_background", [this, date] {
-        auto const now = platform_.runLoop.now();
-        auto const month = platform::calendarMonth(date.value_or(now), platform_.dateLocale);
-        bool const isCurrentMonth = month == platform::calendarMonth(now, platform_.dateLocale);
+    // Calendars are for the main thread only.
+    auto const now = platform_.runLoop.now();
+    auto const month = platform::calendarMonth(date.value_or(now), platform_.dateLocale);
+    bool const isCurrentMonth = month == platform::calendarMonth(now, platform_.dateLocale);
+    bool const started = platform_.backgroundQueues.async("detailedusage_background", [this, month, isCurrentMonth] {
         platform_.runLoop.perform([this, isCurrentMonth, url = addresses().usagePage(month.year, month.month)] {
             selectedMonthIsCurrentMonth_ = isCurrentMonth;
             // An earlier load may have ended meanwhile.
