@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/ColorScheme.h"
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <utility>
 
 namespace {
@@ -11,32 +14,47 @@ constexpr char const* interface = "org.freedesktop.portal.Settings";
 constexpr char const* appearanceSpace = "org.freedesktop.appearance";
 constexpr char const* gnomeSpace = "org.gnome.desktop.a11y.interface";
 
-// The number or truth of a variant that may hold another one; 0 for anything else. Moves past it.
-std::uint32_t readNumber(sd_bus_message* message)
+// Of the portal's red, green and blue, from 0 to 1; anything beyond means that no colour is chosen.
+std::optional<platform::Color> colorOf(std::array<double, 3> const& parts)
+{
+    if (!std::ranges::all_of(parts, [](double part) { return part >= 0 && part <= 1; }))
+        return std::nullopt;
+    auto const toByte = [](double part) { return static_cast<std::uint8_t>(std::lround(part * 255)); };
+    return platform::Color { toByte(parts[0]), toByte(parts[1]), toByte(parts[2]) };
+}
+
+}
+
+// Of a variant that may hold another one; moves past it.
+ColorScheme::Setting ColorScheme::readSetting(sd_bus_message* message)
 {
     char type = 0;
     char const* contents = nullptr;
     sd_bus_message_peek_type(message, &type, &contents);
     std::string_view const held = type == SD_BUS_TYPE_VARIANT ? contents : "";
-    std::uint32_t number = 0;
-    int truth = 0;
+    Setting setting;
     if (held == "u") {
-        sd_bus_message_read(message, "v", "u", &number);
+        sd_bus_message_read(message, "v", "u", &setting.emplace<std::uint32_t>());
     } else if (held == "b") {
+        int truth = 0;
         sd_bus_message_read(message, "v", "b", &truth);
+        setting = static_cast<std::uint32_t>(truth);
+    } else if (held == "(ddd)") {
+        std::array<double, 3> parts {};
+        sd_bus_message_read(message, "v", "(ddd)", &parts[0], &parts[1], &parts[2]);
+        if (auto const color = colorOf(parts))
+            setting = *color;
     } else if (held == "v") {
         sd_bus_message_enter_container(message, SD_BUS_TYPE_VARIANT, "v");
-        number = readNumber(message);
+        setting = readSetting(message);
         sd_bus_message_exit_container(message);
     } else {
         sd_bus_message_skip(message, "v");
     }
-    return number + static_cast<std::uint32_t>(truth);
+    return setting;
 }
 
-}
-
-ColorScheme::ColorScheme(Bus& bus, std::function<void(platform::Appearance)> observer)
+ColorScheme::ColorScheme(Bus& bus, std::function<void(Look const&)> observer)
     : bus_(bus)
     , observer_(std::move(observer))
     , changes_(bus.listen(
@@ -70,7 +88,7 @@ void ColorScheme::acceptAll(sd_bus_message* reply)
         while (sd_bus_message_enter_container(reply, SD_BUS_TYPE_DICT_ENTRY, "sv") > 0) {
             char const* key = "";
             sd_bus_message_read(reply, "s", &key);
-            accept(space, key, readNumber(reply));
+            accept(space, key, readSetting(reply));
             sd_bus_message_exit_container(reply);
         }
         sd_bus_message_exit_container(reply);
@@ -85,31 +103,35 @@ void ColorScheme::settingChanged(sd_bus_message* signal)
     char const* key = nullptr;
     if (sd_bus_message_has_signature(signal, "ssv") <= 0 || sd_bus_message_read(signal, "ss", &space, &key) < 0)
         return;
-    accept(space, key, readNumber(signal));
+    accept(space, key, readSetting(signal));
     tell();
 }
 
 // The portal's numbers: a scheme of 1 prefers dark, 2 light; a contrast of 1 prefers a high one; 0 has no preference.
-void ColorScheme::accept(std::string_view space, std::string_view key, std::uint32_t value)
+void ColorScheme::accept(std::string_view space, std::string_view key, Setting const& value)
 {
+    bool const isOne = value == Setting(std::uint32_t { 1 });
     if (space == appearanceSpace && key == "color-scheme")
-        isDark_ = value == 1;
+        isDark_ = isOne;
     if (space == appearanceSpace && key == "contrast")
-        isHighContrast_ = value == 1;
+        isHighContrast_ = isOne;
     if (space == gnomeSpace && key == "high-contrast")
-        isHighContrastInGnome_ = value == 1;
+        isHighContrastInGnome_ = isOne;
+    auto const* const color = std::get_if<platform::Color>(&value);
+    if (space == appearanceSpace && key == "accent-color")
+        accent_ = color ? std::optional(*color) : std::nullopt;
 }
 
 void ColorScheme::tell()
 {
-    auto const now = appearance();
+    auto const now = look();
     if (std::exchange(told_, now) != now)
         observer_(now);
 }
 
-platform::Appearance ColorScheme::appearance() const
+Look ColorScheme::look() const
 {
     if (isHighContrast_.value_or(isHighContrastInGnome_))
-        return isDark_ ? platform::Appearance::HighContrastDark : platform::Appearance::HighContrastLight;
-    return isDark_ ? platform::Appearance::Dark : platform::Appearance::Light;
+        return { isDark_ ? platform::Appearance::HighContrastDark : platform::Appearance::HighContrastLight, accent_ };
+    return { isDark_ ? platform::Appearance::Dark : platform::Appearance::Light, accent_ };
 }

@@ -49,16 +49,16 @@ Windows* LateWindows::load()
         return nullptr;
     wishes_.clear();
     make(context_, windows_);
-    windows_->setAppearance(appearance_);
+    windows_->setLook(look_);
     context_.runLoop.setOuter(*windows_);
     return windows_.get();
 }
 
-void LateWindows::setAppearance(platform::Appearance appearance)
+void LateWindows::setLook(Look const& look)
 {
-    appearance_ = appearance;
+    look_ = look;
     for (auto* const window : windowsOf(context_.outlets))
-        window->effectiveAppearance.set(appearance);
+        window->effectiveAppearance.set(look.appearance);
     if (windows_)
-        windows_->setAppearance(appearance);
+        windows_->setLook(look);
 }

@@ -25,14 +25,14 @@ public:
     Windows* loaded() const { return windows_.get(); }
 
     /// Of the windows, also of those that come later.
-    void setAppearance(platform::Appearance appearance);
+    void setLook(Look const& look);
 
 private:
     void loadFor(platform::Window& window);
 
     WindowsContext context_;
     LateLibrary library_;
-    platform::Appearance appearance_ = platform::Appearance::Light;
+    Look look_;
     std::unique_ptr<Windows> windows_;
     std::vector<platform::Subscription> wishes_;
 };

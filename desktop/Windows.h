@@ -2,7 +2,7 @@
 #pragma once
 
 #include "desktop/DesktopRunLoop.h"
-#include "platform/Color.h"
+#include "desktop/Look.h"
 
 #include <filesystem>
 #include <functional>
@@ -20,7 +20,7 @@ struct Outlets;
 /// around the main loop. In a library of its own that is loaded when the first of it is wanted. Main thread only.
 class Windows : public OuterLoop {
 public:
-    virtual void setAppearance(platform::Appearance appearance) = 0;
+    virtual void setLook(Look const& look) = 0;
 
     /// Shows the usage window with the status menu in it, for a desktop that has no place for a status item. Without
     /// one the window is the program: closing it is its end.

@@ -243,8 +243,7 @@ int run(Arguments arguments, platform::Bundle const& bundle, DesktopRunLoop& run
     instance.whenActivated([&controller] { controller.showPreferences(); });
     StatusArea const statusArea(controller.usageStatusItem(), lookOf(bundle), textDirectionOf(bundle), iconDrawer, bus,
         placesFor(windows, display, runLoop, hasPlace));
-    ColorScheme const colorScheme(
-        bus, [&windows](platform::Appearance appearance) { windows.setAppearance(appearance); });
+    ColorScheme const colorScheme(bus, [&windows](Look const& look) { windows.setLook(look); });
     // A refresh needs much memory for a moment, and the next one is hours away.
     auto const trimming = controller.usageStatusItem().title.observeChanges(
         [&runLoop](std::string const&) { runLoop.performAfter(1s, [] { malloc_trim(0); }); });

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Whether every text can be read: its contrast with its ground, measured on the pixels of every window in every look.
+#include "windows/Contrast.h"
 #include "draw/StatusIcon.h"
 #include "tests/support/EveryWindowTest.h"
 #include "windows/MenuMirror.h"
-
-#include <cmath>
 
 namespace {
 
@@ -15,19 +14,6 @@ constexpr double enough = 4.5;
 constexpr double high = 7;
 // Letters are drawn so much larger that their strokes have pixels of their colour alone.
 constexpr int magnification = 2;
-
-double luminance(QColor const& color)
-{
-    auto const linear
-        = [](double part) { return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4); };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
-}
-
-double contrast(QColor const& one, QColor const& other)
-{
-    auto const [darker, lighter] = std::minmax({ luminance(one), luminance(other) });
-    return (lighter + 0.05) / (darker + 0.05);
-}
 
 QImage pictureOf(QWidget& window)
 {
@@ -247,6 +233,22 @@ TEST_F(ContrastTest, EveryTextCanBeReadInLight) { measure(Appearance::Light, eno
 TEST_F(ContrastTest, EveryTextCanBeReadInDark) { measure(Appearance::Dark, enough); }
 TEST_F(ContrastTest, EveryTextStandsOutInHighContrast) { measure(Appearance::HighContrastLight, high); }
 TEST_F(ContrastTest, EveryTextStandsOutInDarkHighContrast) { measure(Appearance::HighContrastDark, high); }
+
+TEST_F(ContrastTest, AnyAccentColorIsReadable)
+{
+    for (auto const appearance : { Appearance::Light, Appearance::Dark }) {
+        for (auto const color : { Qt::white, Qt::black, Qt::yellow, Qt::blue, Qt::red, Qt::gray }) {
+            QColor const accent(color);
+            auto const part = [](int value) { return static_cast<std::uint8_t>(value); };
+            applyLook(
+                { appearance, platform::Color { part(accent.red()), part(accent.green()), part(accent.blue()) } });
+            auto const palette = QApplication::palette();
+            EXPECT_GE(contrast(palette.highlight().color(), palette.highlightedText().color()), enough) << color;
+            // A shade for both leaves rounding no room.
+            EXPECT_GE(contrast(palette.highlight().color(), palette.window().color()), 2.9) << color;
+        }
+    }
+}
 
 TEST(StatusIconContrast, LettersCanBeReadOnAnyPanel)
 {

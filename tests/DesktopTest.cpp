@@ -370,14 +370,23 @@ public:
     QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));
 };
 
-TEST(ColorScheme, TellsThePreferencesOfAPortalThatComesAndEveryLaterOne)
+QVariant colorSetting(double red, double green, double blue)
+{
+    QDBusArgument parts;
+    parts.beginStructure();
+    parts << red << green << blue;
+    parts.endStructure();
+    return QVariant::fromValue(parts);
+}
+
+TEST(ColorScheme, TellsThePreferencesOfAPortalAndEveryLaterOne)
 {
     using enum platform::Appearance;
-    std::vector<platform::Appearance> told;
+    std::vector<Look> told;
     DesktopRunLoop loop;
     ToolkitLoop const around(loop);
     Bus bus(loop);
-    ColorScheme const scheme(bus, [&told](platform::Appearance appearance) { told.push_back(appearance); });
+    ColorScheme const scheme(bus, [&told](Look const& look) { told.push_back(look); });
     SettingsPortal portal;
     ASSERT_TRUE(QTest::qWaitFor([&told] { return told.size() == 1; }));
     auto const freedesktop = QStringLiteral("org.freedesktop.appearance");
@@ -388,9 +397,13 @@ TEST(ColorScheme, TellsThePreferencesOfAPortalThatComesAndEveryLaterOne)
     Q_EMIT portal.SettingChanged(freedesktop, "contrast", QDBusVariant(0U));
     Q_EMIT portal.SettingChanged(gnome, "high-contrast", QDBusVariant(true));
     Q_EMIT portal.SettingChanged(freedesktop, "contrast", QDBusVariant(1U));
-    ASSERT_TRUE(QTest::qWaitFor([&told] { return told.size() == 4; }));
-    EXPECT_EQ(told, (std::vector { HighContrastDark, Dark, Light, HighContrastLight }))
-        << "the portal's own word on contrast goes before GNOME's";
+    for (double const green : { 0.4, -1.0 })
+        Q_EMIT portal.SettingChanged(freedesktop, "accent-color", QDBusVariant(colorSetting(1, green, 0)));
+    ASSERT_TRUE(QTest::qWaitFor([&told] { return told.size() == 6; }));
+    platform::Color const orange { 255, 102, 0 };
+    std::vector<Look> const expected { { HighContrastDark, {} }, { Dark, {} }, { Light, {} }, { HighContrastLight, {} },
+        { HighContrastLight, orange }, { HighContrastLight, {} } };
+    EXPECT_TRUE(told == expected) << "the portal's own word on contrast goes before GNOME's";
 }
 
 /// Only writes down what it is asked for.

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "windows/Palettes.h"
 
+#include "desktop/Environment.h"
 #include "desktop/SystemColors.h"
+#include "windows/Contrast.h"
 #include "windows/HighContrastStyle.h"
 #include "windows/RoomyStyle.h"
 #include "windows/Text.h"
 
 #include <QApplication>
 #include <QPalette>
+#include <QStyleFactory>
+
+#include <algorithm>
 
 namespace {
 
@@ -74,6 +79,30 @@ QPalette palette(platform::Appearance appearance)
     return lightPalette();
 }
 
+// The nearest shade of a colour that has a contrast with another one.
+QColor withContrast(QColor color, QColor const& other, double wanted)
+{
+    float const step = other.lightnessF() < 0.5F ? 0.01F : -0.01F;
+    auto lightness = color.lightnessF() + step;
+    for (; contrast(color, other) < wanted && lightness > 0 && lightness < 1; lightness += step)
+        color = QColor::fromHslF(std::max(color.hslHueF(), 0.0F), color.hslSaturationF(), lightness);
+    return color;
+}
+
+// In the user's colour, as far as it stands out from the windows and a selected text can be read on it.
+QColor highlight(QColor const& accent, QPalette const& palette)
+{
+    return withContrast(
+        withContrast(accent, palette.color(QPalette::Window), 3), palette.color(QPalette::HighlightedText), 4.5);
+}
+
+// Where the toolkit has Plasma's style it has Plasma's colours and fonts too, and keeps up with them.
+bool followsPlasma()
+{
+    auto const desktops = QString::fromStdString(environmentText("XDG_CURRENT_DESKTOP")).split(QLatin1Char(':'));
+    return desktops.contains(QLatin1String("KDE")) && QStyleFactory::keys().contains(QLatin1String("Breeze"));
+}
+
 bool isHighContrast(platform::Appearance appearance)
 {
     return appearance == platform::Appearance::HighContrastLight
@@ -82,12 +111,17 @@ bool isHighContrast(platform::Appearance appearance)
 
 }
 
-void applyAppearance(platform::Appearance appearance)
+void applyLook(Look const& look)
 {
+    if (followsPlasma())
+        return;
     // Styles that take their colours from the palette, so that these can change at any time.
-    if (isHighContrast(appearance))
+    if (isHighContrast(look.appearance))
         QApplication::setStyle(new HighContrastStyle);
     else
         QApplication::setStyle(new RoomyStyle);
-    QApplication::setPalette(palette(appearance));
+    auto colors = palette(look.appearance);
+    if (look.accent && !isHighContrast(look.appearance))
+        colors.setColor(QPalette::Highlight, highlight(toQt(*look.accent), colors));
+    QApplication::setPalette(colors);
 }

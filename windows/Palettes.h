@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/Color.h"
+#include "desktop/Look.h"
 
-/// Gives all windows the palette and the style of an appearance. Main thread only.
-void applyAppearance(platform::Appearance appearance);
+/// Gives all windows the palette and the style of a look. On Plasma, whose own style and colours the toolkit follows by
+/// itself, it changes nothing. Main thread only.
+void applyLook(Look const& look);

@@ -77,7 +77,7 @@ Toolkit::Toolkit(int& argumentCount, char** arguments, platform::Bundle const& b
     QApplication::setQuitOnLastWindowClosed(false);
     // Where our icons are, should the desktop's own theme not be installed.
     QIcon::setFallbackThemeName(QStringLiteral("hicolor"));
-    applyAppearance(platform::Appearance::Light);
+    applyLook({});
     // Whether it starts at login is the user's choice, not the session's memory.
     QObject::connect(&application_, &QGuiApplication::saveStateRequest,
         [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });

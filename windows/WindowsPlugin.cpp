@@ -27,7 +27,7 @@ public:
         windows_.notePlaces();
     }
     void quit() override { QCoreApplication::exit(); }
-    void setAppearance(platform::Appearance appearance) override { applyAppearance(appearance); }
+    void setLook(Look const& look) override { applyLook(look); }
     void showUsageWindowWithMenu() override { windows_.showUsageWindowWithMenu(program_); }
     void leaveMenuToStatusArea() override
     {

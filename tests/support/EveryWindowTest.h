@@ -29,7 +29,7 @@ protected:
 
     void showAll()
     {
-        applyAppearance(appearance_);
+        applyLook({ appearance_, std::nullopt });
         // With numbers for keys and nicknames, and dates in another script, only a text of ours has Latin letters.
         platform.dateLocale = "ja_JP";
         showFirstStart();
