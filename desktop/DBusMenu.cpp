@@ -332,14 +332,14 @@ bool DBusMenu::isChoice(platform::MenuItem const& item, bool hasMark) { return h
 
 DBusMenu::Line DBusMenu::lineOf(platform::MenuItem const& item, bool hasMark)
 {
-    return { item.title.get(), item.hidden.get(), item.on.get(), item.isSeparator, isChoice(item, hasMark),
+    return { item.shownTitle(), item.hidden.get(), item.on.get(), item.isSeparator, isChoice(item, hasMark),
         item.submenu };
 }
 
-// What else a line that goes on under its id can have changed.
+// Compares what may change while a line keeps its id.
 bool DBusMenu::isUnchanged(Line const& told, platform::MenuItem const& item)
 {
-    return told.title == item.title.get() && told.hidden == item.hidden.get() && told.on == item.on.get();
+    return told.title == item.shownTitle() && told.hidden == item.hidden.get() && told.on == item.on.get();
 }
 
 DBusMenu::Properties DBusMenu::properties(Line const& line, Names const& names) const
@@ -368,7 +368,7 @@ DBusMenu::Properties DBusMenu::properties(Line const& line, Names const& names) 
 // then still meets the text that the user saw, and an open menu is not rebuilt under the pointer.
 bool DBusMenu::isSameLine(Node const& node, std::shared_ptr<platform::MenuItem> const& item, bool hasMark)
 {
-    return (node.item == item || node.line.title == item->title.get()) && node.line.isSeparator == item->isSeparator
+    return (node.item == item || node.line.title == item->shownTitle()) && node.line.isSeparator == item->isSeparator
         && node.line.isChoice == isChoice(*item, hasMark) && node.line.submenu == item->submenu;
 }
 

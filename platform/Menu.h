@@ -52,9 +52,13 @@ public:
 
     int tag = 0;
     bool isSeparator = false;
+    /// What a user sees in place of an empty title.
+    std::string placeholder;
     Action action;
     /// Not owned; nothing for a line without a submenu.
     Menu* submenu = nullptr;
+
+    std::string const& shownTitle() const { return title.get().empty() ? placeholder : title.get(); }
 
     void userClicked() { send(action, this); }
 

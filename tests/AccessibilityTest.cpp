@@ -157,6 +157,10 @@ TEST_F(AccessibilityTest, AnAssistiveProgramsHandIsAppliedAndStored)
         EXPECT_TRUE(stored(key, isOnAfterwards)) << name;
     }
     tree_.act(findIn(preferences, "check box", "Usage cap"));
+    tree_.act(findIn(preferences, "check box", "Start at login"));
+    auto const loginItem = program_.settingsFile.parent_path().parent_path() / "autostart"
+        / (std::string(program_.identifier) + ".desktop");
+    EXPECT_TRUE(waitFor([&loginItem] { return std::filesystem::exists(loginItem); }));
 
     auto const pick = [&](char const* shown, char const* wanted) {
         tree_.act(findIn(preferences, "combo box", shown));
@@ -181,7 +185,9 @@ TEST_F(AccessibilityTest, AnAssistiveProgramsHandIsAppliedAndStored)
     tree_.act(findIn(read("Usage Meter Preferences", false), "push button", "Add…"));
     auto const sheet = readSheet();
     tree_.write(findIn(sheet, "text", "Usage key:"), "secretOne");
-    tree_.write(findIn(sheet, "text", "Nickname:"), "Boat");
     tree_.act(findIn(sheet, "push button", "Add"));
-    EXPECT_TRUE(stored(settings::tarvoKeySelected, std::string("Boat - secretOne")));
+    EXPECT_TRUE(stored(settings::tarvoKeySelected, std::string(" - secretOne")));
+    EXPECT_TRUE(waitFor([this] { return std::ranges::count(lines(), "  * Connection 3") == 1; }));
+    ASSERT_TRUE(click("Usage Window"));
+    read("Usage Meter");
 }

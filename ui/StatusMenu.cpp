@@ -48,6 +48,7 @@ void AppDelegate::doUpdateSubMenu()
         auto item = std::make_shared<platform::MenuItem>();
         item->title.set(onlyNicknames ? KeyEntry::parse(entry).nickname : entry);
         item->tag = static_cast<int>(items.size());
+        item->placeholder = text("UNNAMED_CONNECTION", std::to_string(items.size() + 1));
         item->on.set(entry == selected);
         item->action = [this](platform::Sender sender) { doSelectSubMenuWithMenuItem(sender); };
         items.push_back(std::move(item));

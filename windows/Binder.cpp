@@ -299,8 +299,13 @@ void Binder::bindInput(char const* outlet, platform::TextField& model)
     auto& input = widget<QLineEdit>(outlet);
     keep(model.text.observe([&input](std::string const& text) {
         // Setting the text moves the cursor, which the user's own typing must not.
-        if (auto const shown = toQt(text); shown != input.text())
-            input.setText(shown);
+        auto const shown = toQt(text);
+        if (shown == input.text())
+            return;
+        input.setText(shown);
+        // What the program fills in is typed over.
+        if (input.hasFocus())
+            input.selectAll();
     }));
     // textChanged, not textEdited, for the same reason as with a check box.
     QObject::connect(&input, &QLineEdit::textChanged, &input, [&input, &model](QString const& text) {

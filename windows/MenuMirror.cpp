@@ -41,7 +41,7 @@ void MenuMirror::synchronize()
 
 void MenuMirror::show(platform::MenuItem const& item, bool isChoice, QAction& action)
 {
-    action.setText(asLabel(asMenuLine(item.title.get())));
+    action.setText(asLabel(asMenuLine(item.shownTitle())));
     action.setSeparator(item.isSeparator);
     action.setVisible(!item.hidden.get());
     action.setCheckable(isChoice && !item.isSeparator);

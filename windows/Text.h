@@ -37,8 +37,12 @@ inline QString inLines(QString text)
     return text;
 }
 
-/// A text for a window's title, where Qt would take "[*]" for the mark of a change.
+/// A text for a window's title, where Qt would take "[*]" for the mark of a change. What the title says of a connection
+/// without a nickname is left out.
 inline QString asWindowTitle(std::string_view text)
 {
+    constexpr std::string_view nothing = " - ";
+    if (text.ends_with(nothing))
+        text.remove_suffix(nothing.size());
     return toQt(text).replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
 }

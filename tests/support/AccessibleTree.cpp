@@ -14,6 +14,7 @@ namespace {
 
 constexpr char const* object = "org.a11y.atspi.Accessible";
 constexpr char const* action = "org.a11y.atspi.Action";
+constexpr QLatin1String connection("accessibility");
 // The bits of the protocol's states.
 constexpr int focusable = 11;
 constexpr int focused = 12;
@@ -32,7 +33,7 @@ QDBusConnection startBus(QProcess& launcher, std::filesystem::path const& runtim
     auto const address
         = QDBusConnection::sessionBus().call(QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"),
             QStringLiteral("/org/a11y/bus"), QStringLiteral("org.a11y.Bus"), QStringLiteral("GetAddress")));
-    return QDBusConnection::connectToBus(QDBusReply<QString>(address), QStringLiteral("accessibility"));
+    return QDBusConnection::connectToBus(QDBusReply<QString>(address), connection);
 }
 
 }
@@ -61,6 +62,7 @@ AccessibleTree::AccessibleTree()
 
 AccessibleTree::~AccessibleTree()
 {
+    QDBusConnection::disconnectFromBus(connection);
     launcher_.terminate();
     launcher_.waitForFinished();
 }
