@@ -93,17 +93,17 @@ private:
     bool valid_ = true;
 };
 
-class DesktopRunLoop::EvenTimer final : public platform::Timer {
+class DesktopRunLoop::MonotonicTimer final : public platform::Timer {
 public:
-    EvenTimer(DesktopRunLoop& loop, platform::Seconds delay, platform::Task task)
+    MonotonicTimer(DesktopRunLoop& loop, platform::Seconds delay, platform::Task task)
         : loop_(loop)
         , fireDate_(loop.now() + std::chrono::duration_cast<platform::Date::duration>(delay))
-        , place_(loop.evenTimers_.emplace(loop.uptime() + delay, this))
+        , place_(loop.monotonicTimers_.emplace(loop.uptime() + delay, this))
         , task_(std::move(task))
     {
         loop_.setEvenAlarm();
     }
-    ~EvenTimer() override { cancel(); }
+    ~MonotonicTimer() override { cancel(); }
 
     platform::Date fireDate() const override { return fireDate_; }
     bool isValid() const override { return valid_; }
@@ -111,7 +111,7 @@ public:
     {
         if (!std::exchange(valid_, false))
             return;
-        loop_.evenTimers_.erase(place_);
+        loop_.monotonicTimers_.erase(place_);
         loop_.setEvenAlarm();
     }
 
@@ -126,7 +126,7 @@ public:
 private:
     DesktopRunLoop& loop_;
     platform::Date fireDate_;
-    EvenTimers::iterator place_;
+    MonotonicTimers::iterator place_;
     platform::Task task_;
     bool valid_ = true;
 };
@@ -220,7 +220,7 @@ std::unique_ptr<platform::Timer> DesktopRunLoop::repeat(
 
 std::unique_ptr<platform::Timer> DesktopRunLoop::after(platform::Seconds delay, platform::Task task)
 {
-    return std::make_unique<EvenTimer>(*this, delay, std::move(task));
+    return std::make_unique<MonotonicTimer>(*this, delay, std::move(task));
 }
 
 void DesktopRunLoop::performAfter(platform::Seconds delay, platform::Task task)
@@ -291,9 +291,9 @@ void DesktopRunLoop::setEvenAlarm()
 {
     itimerspec alarm {};
     // A time of zero disarms it, which is wanted only when no timer waits.
-    if (!evenTimers_.empty())
+    if (!monotonicTimers_.empty())
         alarm.it_value
-            = toTimespec(std::max(std::chrono::ceil<std::chrono::nanoseconds>(evenTimers_.begin()->first), 1ns));
+            = toTimespec(std::max(std::chrono::ceil<std::chrono::nanoseconds>(monotonicTimers_.begin()->first), 1ns));
     ::timerfd_settime(evenAlarm_.get(), TFD_TIMER_ABSTIME, &alarm, nullptr);
 }
 
@@ -302,8 +302,8 @@ void DesktopRunLoop::evenClockReached()
 {
     // Those who are told of a wake may cancel what is due.
     noticeSleep();
-    if (!evenTimers_.empty() && evenTimers_.begin()->first <= uptime())
-        evenTimers_.begin()->second->fire();
+    if (!monotonicTimers_.empty() && monotonicTimers_.begin()->first <= uptime())
+        monotonicTimers_.begin()->second->fire();
 }
 
 void DesktopRunLoop::noticeSleep()

@@ -67,9 +67,9 @@ public:
 private:
     class DescriptorWatch;
     class WallClockTimer;
-    class EvenTimer;
+    class MonotonicTimer;
     /// By the time since the computer started, sleep not counted. Not owned: a timer takes itself out when it goes.
-    using EvenTimers = std::multimap<platform::Seconds, EvenTimer*>;
+    using MonotonicTimers = std::multimap<platform::Seconds, MonotonicTimer*>;
 
     /// Waits so many milliseconds at most; for ever if that is negative.
     void runNext(int patience);
@@ -101,7 +101,7 @@ private:
     platform::Observers<> clockObservers_;
     /// Not owned: a timer takes itself out when it goes.
     std::vector<WallClockTimer*> wallClockTimers_;
-    EvenTimers evenTimers_;
+    MonotonicTimers monotonicTimers_;
     /// Those that nobody else keeps.
     std::list<std::unique_ptr<platform::Timer>> keptTimers_;
 };

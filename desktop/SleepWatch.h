@@ -3,7 +3,7 @@
 
 #include "platform/RunLoop.h"
 
-/// Notices that the computer slept: time since boot counts sleep, the even clock does not.
+/// Notices that the computer slept: time since boot counts sleep, the monotonic clock does not.
 class SleepWatch {
 public:
     SleepWatch(platform::Seconds sinceBoot, platform::Seconds uptime)

@@ -41,7 +41,7 @@ namespace {
 using namespace std::chrono_literals;
 
 // What has not ended by then is left to the end of the process.
-constexpr platform::Seconds patienceAtExit = 50ms;
+constexpr platform::Seconds exitTimeout = 50ms;
 // What XDG calls the folder of entries that start at login.
 constexpr char const* autostart = "autostart";
 
@@ -59,7 +59,7 @@ void openStandardStreams()
 
 // A program that ignores the end of its children leaves that to those that it starts, and a helper's outcome would be
 // lost.
-void heedChildren() { std::signal(SIGCHLD, SIG_DFL); }
+void resetSigchld() { std::signal(SIGCHLD, SIG_DFL); }
 
 // The toolkit's own options say where its windows come up.
 void heedDisplayOptions(int count, char** arguments)
@@ -253,7 +253,7 @@ int run(Arguments arguments, platform::Bundle const& bundle, DesktopRunLoop& run
     userDefaults.flush();
     urlLoader.cancel();
     iconDrawer.cancel();
-    if (!queues.waitUntilIdle(patienceAtExit))
+    if (!queues.waitUntilIdle(exitTimeout))
         _exit(status);
     return status;
 }
@@ -264,7 +264,7 @@ int main(int argc, char** argv)
 {
     ExitSignals::endProcess();
     openStandardStreams();
-    heedChildren();
+    resetSigchld();
     DesktopRunLoop runLoop;
     LateLocale const locale(runLoop, fromProgram(USAGE_METER_PARTS "/usage-meter-locale.so"));
     heedDisplayOptions(argc, argv);

@@ -16,7 +16,7 @@ namespace {
 constexpr std::array usualSizes { 16, 22, 24, 32, 44, 48, 64 };
 constexpr int wideHeight = 48;
 // A word of more letters than this is broken.
-constexpr qsizetype longestWord = 6;
+constexpr qsizetype maximumWordLength = 6;
 // The share of the height that a figure takes from its unit.
 constexpr double figureShare = 0.56;
 // How far letters are squeezed to stand taller.
@@ -58,7 +58,7 @@ QStringList wrapped(QString const& text)
     }
     if (best >= 0)
         return halves(text, best, best);
-    if (text.size() <= longestWord)
+    if (text.size() <= maximumWordLength)
         return { text };
     return halves(text, (text.size() + 1) / 2, (text.size() + 1) / 2);
 }

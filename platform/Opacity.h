@@ -8,7 +8,7 @@
 
 namespace platform {
 
-/// A straight line from one opacity to another, on the even clock. Nothing ticks: it is worked out when asked.
+/// A straight line from one opacity to another, on the monotonic clock. Nothing ticks: it is worked out when asked.
 struct Fade {
     double from = 1.0;
     double to = 1.0;

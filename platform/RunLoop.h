@@ -40,7 +40,7 @@ public:
     /// A repeating timer on the wall clock: it is due when the clock says so, however long the computer slept and
     /// however the clock was set. A first date that is over fires at once. The period must be positive.
     virtual std::unique_ptr<Timer> repeat(Date first, Seconds period, Task task) = 0;
-    /// A one-shot timer on the even clock.
+    /// A one-shot timer on the monotonic clock.
     virtual std::unique_ptr<Timer> after(Seconds delay, Task task) = 0;
     /// The same, kept by the loop: it cannot be cancelled.
     virtual void performAfter(Seconds delay, Task task) = 0;

@@ -39,13 +39,13 @@ UserDefaults::UserDefaults(std::filesystem::path file, RunLoop& runLoop)
     // A file that cannot be opened may be sound. It stays where it is until something is to be written in its place.
     std::optional<std::string> const bytes = readFile(file_);
     if (!bytes) {
-        inTheWay_ = !isAbsent(file_);
+        blockedByUnreadableFile_ = !isAbsent(file_);
         return;
     }
     if (std::optional<Dictionary> stored = readPropertyList(*bytes))
         values_ = std::move(*stored);
     else
-        inTheWay_ = !moveAside(file_);
+        blockedByUnreadableFile_ = !moveAside(file_);
 }
 
 void UserDefaults::set(std::string const& key, Value value)
@@ -75,9 +75,9 @@ void UserDefaults::flush()
 {
     if (!unwritten_)
         return;
-    if (inTheWay_)
-        inTheWay_ = !isAbsent(file_) && !moveAside(file_);
-    unwritten_ = inTheWay_ || !makePrivateFolder(file_.parent_path())
+    if (blockedByUnreadableFile_)
+        blockedByUnreadableFile_ = !isAbsent(file_) && !moveAside(file_);
+    unwritten_ = blockedByUnreadableFile_ || !makePrivateFolder(file_.parent_path())
         || !writeFileAtomically(file_, writePropertyList(values_));
 }
 

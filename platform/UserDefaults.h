@@ -49,7 +49,7 @@ private:
     RunLoop& runLoop_;
     Dictionary values_;
     std::map<std::string, Observers<Value const*>> observers_;
-    bool inTheWay_ = false;
+    bool blockedByUnreadableFile_ = false;
     bool unwritten_ = false;
     bool writeQueued_ = false;
 };

@@ -15,9 +15,9 @@ namespace platform {
 namespace {
 
 // What all names of a document may take, in bytes.
-constexpr std::size_t roomForNames = 65'536;
+constexpr std::size_t maximumNamesLength = 65'536;
 // Expat goes through all attributes that a document declares for an element each time that it has one.
-constexpr int mostDeclaredAttributes = 1'024;
+constexpr int maximumDeclaredAttributes = 1'024;
 constexpr int greatestDepth = 256;
 
 std::string_view view(char const* text, int length) { return { text, static_cast<std::size_t>(length) }; }
@@ -136,18 +136,18 @@ private:
     void declare(char const* attribute)
     {
         count(attribute);
-        if (++declaredAttributes_ > mostDeclaredAttributes)
+        if (++declaredAttributes_ > maximumDeclaredAttributes)
             refuse();
     }
 
     void count(std::string_view name)
     {
-        bool const isAlwaysRoom = document_.size() <= roomForNames;
+        bool const isAlwaysRoom = document_.size() <= maximumNamesLength;
         if (isAlwaysRoom || names_.contains(name))
             return;
         names_.emplace(name);
         lengthOfNames_ += name.size();
-        if (lengthOfNames_ > roomForNames)
+        if (lengthOfNames_ > maximumNamesLength)
             refuse();
     }
 

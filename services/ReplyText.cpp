@@ -52,7 +52,7 @@ std::string_view trimmed(std::string_view text, Predicate shouldGo)
 bool parseReply(std::string_view body, platform::XmlParserDelegate& delegate)
 {
     auto const document = trimmedReply(body);
-    if (document.size() <= largestReply)
+    if (document.size() <= maximumReplySize)
         return platform::parseXml(document, delegate);
     delegate.parseErrorOccurred();
     return false;

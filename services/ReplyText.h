@@ -6,7 +6,7 @@
 #include <string_view>
 
 /// In bytes. Replies have some hundred; the texts of one are kept several times over while it is read.
-inline constexpr std::size_t largestReply = 1'048'576;
+inline constexpr std::size_t maximumReplySize = 1'048'576;
 
 /// Reads the XML of a reply's body. One that is larger, without what stands around it, counts as not well-formed.
 bool parseReply(std::string_view body, platform::XmlParserDelegate& delegate);

@@ -87,7 +87,7 @@ TEST_F(AccessibilityTest, EveryWindowSaysWhatItShowsAndHowToReachIt)
             "text: Usage cap in GB:", "label: A number with a point, such as 250 or 2.5. Empty for no cap.",
             "push button: Use This Connection", "panel: Settings", "label: Update:", "combo box: Every 2 hours",
             "label: Status area shows:", "combo box: All traffic", "label: Show in the menu:", "check box: Usage cap",
-            "check box: Remaining volume", "check box: Last update", "check box: Next update",
+            "check box: Remaining", "check box: Last update", "check box: Next update",
             "check box: Show nicknames only", "label: Program:", "check box: Start at login",
             "push button: Delete Saved Reports", "label: Version 1.0.0" }));
     expectKeys(preferences);
@@ -102,7 +102,8 @@ TEST_F(AccessibilityTest, EveryWindowSaysWhatItShowsAndHowToReachIt)
     auto const sheet = readSheet();
     EXPECT_EQ(said(sheet),
         (Texts { "dialog: Add a Connection",
-            "label: A usage key comes from your provider: you find it in the account section of the provider’s site.",
+            "label: Your provider gives you a usage key. You can find it in the account section of the provider’s "
+            "site.",
             "label: Usage key:", "text: Usage key:", "push button: Look It Up",
             "label: This is the key for your current connection.", "label: Nickname:", "text: Nickname:",
             "push button: How to Get a Key", "push button: Cancel", "push button: Add" }));
@@ -150,7 +151,7 @@ TEST_F(AccessibilityTest, AnAssistiveProgramsHandIsAppliedAndStored)
         });
     };
     for (auto const& [name, key] : { std::pair("Usage cap", settings::showUsageCap),
-             { "Remaining volume", settings::showRemainingUsage }, { "Last update", settings::showLastUpdate },
+             { "Remaining", settings::showRemainingUsage }, { "Last update", settings::showLastUpdate },
              { "Next update", settings::showNextUpdate }, { "Show nicknames only", settings::showOnlyNicknames } }) {
         bool const isOnAfterwards = name == std::string_view("Show nicknames only");
         tree_.act(findIn(preferences, "check box", name));
@@ -173,7 +174,7 @@ TEST_F(AccessibilityTest, AnAssistiveProgramsHandIsAppliedAndStored)
     };
     pick("Every 2 hours", "Every 4 hours");
     EXPECT_TRUE(stored(settings::hourUpdateInterval, std::int64_t { 4 }));
-    pick("All traffic", "Free usage");
+    pick("All traffic", "Free of charge");
     EXPECT_TRUE(waitForTitle("1.5GB"));
     pick("Home - secretOne", "Cottage - secretTwo");
     EXPECT_TRUE(stored(settings::tarvoKeySelected, std::string("Cottage - secretTwo")));

@@ -181,7 +181,7 @@ TEST_F(MainWindowsTest, WhatTheProgramSetsIsShownAndNotTakenForTheUsers)
     QCoreApplication::processEvents();
     EXPECT_EQ(window().sizeHint().width(), width) << "overlong texts do not break the layout";
     EXPECT_TRUE(widgetOf<QCheckBox>("showNotificationsToggle").isChecked());
-    EXPECT_EQ(widgetOf<QComboBox>("statusBarDropdown").currentText(), "Remaining volume");
+    EXPECT_EQ(widgetOf<QComboBox>("statusBarDropdown").currentText(), "Remaining");
     EXPECT_EQ(widgetOf<QLabel>("usageCapText").text(), "<b>1</b> & more");
     EXPECT_EQ(widgetOf<QLabel>("usageCapText").textFormat(), Qt::PlainText);
     EXPECT_EQ(widgetOf<LevelBar>("usageBar").percentage(), 110);

@@ -224,7 +224,7 @@ TEST_F(DetailedUsageTest, AFailedLoadAsksWhetherToTryAgain)
     events().didStartProvisionalLoadForFrame();
     events().didFailProvisionalLoadWithError(LoadError::CertificateNotTrusted);
     auto const alert = *std::get_if<std::shared_ptr<platform::Alert const>>(&detailed().window.attachedSheet.get());
-    EXPECT_EQ(alert->informativeText, "The page of your provider did not load. The site’s certificate is not trusted.");
+    EXPECT_EQ(alert->informativeText, "Your provider’s page did not load. The site’s certificate is not trusted.");
     EXPECT_EQ(alert->buttons, (Texts { "Try Again", "Cancel" }));
     EXPECT_EQ(state(), "loading");
 

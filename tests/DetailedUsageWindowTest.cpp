@@ -219,7 +219,7 @@ TEST_F(DetailedUsageWindowTest, WhatCannotBeShownAsksWhetherToTryAgainAndTheRest
         controller_.doReload();
         if (*outcome) {
             EXPECT_EQ(waitForAlert(),
-                "The daily usage cannot be shown. The page of your provider did not load. "
+                "The daily usage cannot be shown. Your provider’s page did not load. "
                     + bundle_.localizedString(outcome));
             EXPECT_TRUE(detailed().usageWebView.hidden.get());
         } else {

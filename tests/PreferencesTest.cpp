@@ -127,7 +127,7 @@ TEST_F(PreferencesTest, StartingAtLoginShowsWhatStandsOnDisk)
     desktop.isDiskFull = true;
     toggle.userToggled(true);
     EXPECT_FALSE(toggle.on.get());
-    EXPECT_EQ(alertOn(outlets->window), "Starting at login could not be changed.");
+    EXPECT_EQ(alertOn(outlets->window), "The start-at-login setting could not be changed.");
     platform.loginItem = nullptr;
     launchAndSettle();
     EXPECT_TRUE(outlets->startAtLoginToggle.hidden.get());

@@ -106,7 +106,7 @@ TEST_F(PresentationTest, AFailureLeavesTheLastGoodFiguresBesideItsTexts)
     auto lines = linesOf(outlets->dropDownMenu);
     lines.resize(6);
     EXPECT_EQ(lines,
-        (Texts { "Downloaded: Error", "Downloaded free: Error", "All traffic: Error", "Usage cap: 100GB",
+        (Texts { "Downloaded: Error", "Downloaded free of charge: Error", "All traffic: Error", "Usage cap: 100GB",
             "Remaining: 44.2GB", lastUpdate(at(10, 0)) }));
     for (auto const& volume : volumes())
         EXPECT_TRUE(volume.starts_with("No data = ")) << volume;

@@ -28,7 +28,7 @@ TEST_F(ProgramTest, ShowsTheProvidersFiguresTheWayItsUserReadsThem)
 {
     std::vector<std::tuple<char const*, char const*, char const*, Texts>> const examples {
         { "en_US.UTF-8", "100", "57.3GB",
-            { "Downloaded: 52.35GB", "Downloaded free: 1.2GB", "All traffic: 57.3GB", "Remaining: 44.2GB" } },
+            { "Downloaded: 52.35GB", "Downloaded free of charge: 1.2GB", "All traffic: 57.3GB", "Remaining: 44.2GB" } },
         { "en_US.UTF-8", "", "57.3GB", { "Usage cap: Unlimited", "Remaining: Unlimited" } },
         { "fr_FR.UTF-8", "", "57,3GB", { "Téléchargé\u00A0: 52,35GB", "Actualiser maintenant", "Quitter" } },
     };

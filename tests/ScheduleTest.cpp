@@ -52,7 +52,7 @@ TEST_F(Schedule, ACachedReportWithoutADueTimeArmsNoTimer)
 {
     cache().saveCacheFile({ { "total:download", "1" }, { reportEntry::updateInterval, 0 } }, "K1");
     launchAndSettle();
-    EXPECT_EQ(nextLine(), "Next update: none");
+    EXPECT_EQ(nextLine(), "Next update: never");
     advance(10h);
     EXPECT_EQ(requests(), 1U);
 }
@@ -90,7 +90,7 @@ TEST_F(Schedule, ChangingTheIntervalEmptiesTheCacheAndRefreshes)
 
     outlets->updateIntervalPopupButton.userSelected(0);
     settle();
-    EXPECT_EQ(nextLine(), "Next update: none");
+    EXPECT_EQ(nextLine(), "Next update: never");
     auto const saved = *cache().retrieveCachedFileWithName("K1");
     EXPECT_FALSE(saved.contains(reportEntry::nextUpdate));
     EXPECT_EQ(*platform::entry<std::int64_t>(saved, reportEntry::updateInterval), 0);

@@ -28,8 +28,9 @@ TEST_F(StatusMenuTest, PickingAConnectionSwitchesToItAndLeavesCapsAndWindowAlone
     EXPECT_EQ(title(), "…");
     auto lines = linesOf(outlets->dropDownMenu);
     std::erase_if(lines, [](std::string const& line) { return !line.ends_with(" …"); });
-    EXPECT_EQ(
-        lines, (Texts { "Downloaded: …", "Downloaded free: …", "All traffic: …", "Last update: …", "Next update: …" }));
+    EXPECT_EQ(lines,
+        (Texts {
+            "Downloaded: …", "Downloaded free of charge: …", "All traffic: …", "Last update: …", "Next update: …" }));
     settle();
     EXPECT_EQ(title(), "20GB");
     EXPECT_EQ(outlets->usageCapText.text.get(), "40GB");

@@ -12,7 +12,7 @@
 namespace {
 
 // In hours.
-constexpr int longestInterval = 24;
+constexpr int maximumInterval = 24;
 // Where a text takes its number.
 constexpr std::string_view numberPlace = "%i";
 
@@ -27,7 +27,7 @@ std::vector<std::string> intervalTitles(platform::Bundle const& bundle, std::str
     std::vector<std::string> titles { bundle.localizedString("INTERVAL_NEVER"),
         bundle.localizedString("INTERVAL_HOUR") };
     platform::NumberFormatter const numbers(numberLocale);
-    for (int hours = 2; hours <= longestInterval; ++hours)
+    for (int hours = 2; hours <= maximumInterval; ++hours)
         titles.push_back(filled(bundle.localizedString("INTERVAL_HOURS", hours), numbers.string(hours)));
     return titles;
 }

@@ -14,7 +14,7 @@
 namespace {
 
 // The bar has no room for more connections.
-constexpr std::size_t mostConnections = 10;
+constexpr std::size_t maximumConnections = 10;
 constexpr platform::Color green { 133, 200, 75 };
 constexpr platform::Color slate { 50, 50, 75 };
 
@@ -84,7 +84,7 @@ std::vector<std::string> AppDelegate::touchBarConnections() const
     auto const& entries = outlets_.tarvoUsageKeysComboBox.items.get();
     auto const selected = getCurrentlySelectedKey();
     std::vector<std::string> identifiers;
-    for (std::size_t position = 0; position < std::min(entries.size(), mostConnections); ++position) {
+    for (std::size_t position = 0; position < std::min(entries.size(), maximumConnections); ++position) {
         auto const& entry = entries[position];
         identifiers.push_back(
             touchBarIdentifier(static_cast<int>(position), KeyEntry::parse(entry).nickname, entry == selected));

@@ -13,6 +13,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QGraphicsOpacityEffect>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -112,7 +113,7 @@ bool PickGuard::eventFilter(QObject* watched, QEvent* event)
 
 QComboBox& Binder::comboBox(char const* outlet)
 {
-    auto& box = widget<QComboBox>(outlet);
+    auto& box = child<QComboBox>(outlet);
     box.installEventFilter(&pickGuard_);
     return box;
 }
@@ -186,7 +187,7 @@ void Binder::mirrorOpacity(QWidget& widget, platform::Opacity& opacity)
 
 void Binder::bind(char const* outlet, platform::Button& model)
 {
-    auto& button = widget<QPushButton>(outlet);
+    auto& button = child<QPushButton>(outlet);
     QObject::connect(&button, &QPushButton::clicked, &button, [&model] { model.userClicked(); });
     mirrorHidden(button, model.hidden);
     keep(model.enabled.observe([&button](bool isEnabled) { button.setEnabled(isEnabled); }));
@@ -199,7 +200,7 @@ void Binder::bind(char const* outlet, platform::Button& model)
 
 void Binder::bind(char const* outlet, platform::CheckBox& model)
 {
-    auto& box = widget<QCheckBox>(outlet);
+    auto& box = child<QCheckBox>(outlet);
     keep(model.on.observe([&box](bool on) { box.setChecked(on); }));
     mirrorHidden(box, model.hidden);
     keep(model.titleColor.observe([&box](std::optional<platform::Color> const& color) {
@@ -254,7 +255,7 @@ void Binder::bind(char const* outlet, platform::PopUpButton& model)
 
 void Binder::bindLabel(char const* outlet, platform::TextField& model)
 {
-    auto& label = widget<QLabel>(outlet);
+    auto& label = child<QLabel>(outlet);
     label.setTextFormat(Qt::PlainText);
     keep(model.text.observe([&label](std::string const& text) { label.setText(toQt(text)); }));
     mirrorHidden(label, model.hidden);
@@ -263,7 +264,7 @@ void Binder::bindLabel(char const* outlet, platform::TextField& model)
 
 void Binder::bindRemark(char const* outlet, platform::TextField& model)
 {
-    auto& label = widget<QLabel>(outlet);
+    auto& label = child<QLabel>(outlet);
     label.setTextFormat(Qt::PlainText);
     keepPlaceWhenHidden(label);
     keep(model.text.observe([&label](std::string const& text) {
@@ -277,7 +278,7 @@ void Binder::bindFigure(char const* outlet, platform::TextField& model)
     // In letters of average width. Every figure of a real connection is shorter.
     constexpr int maximumWidth = 24;
     bindLabel(outlet, model);
-    auto& label = widget<QLabel>(outlet);
+    auto& label = child<QLabel>(outlet);
     auto const show = [&label, &model, spoken = label.accessibleName()](std::string const&) {
         auto const whole = toQt(model.text.get());
         auto const& metrics = label.fontMetrics();
@@ -296,7 +297,7 @@ void Binder::bindFigure(char const* outlet, platform::TextField& model)
 
 void Binder::bindInput(char const* outlet, platform::TextField& model)
 {
-    auto& input = widget<QLineEdit>(outlet);
+    auto& input = child<QLineEdit>(outlet);
     keep(model.text.observe([&input](std::string const& text) {
         // Setting the text moves the cursor, which the user's own typing must not.
         auto const shown = toQt(text);
@@ -323,7 +324,7 @@ void Binder::bindInput(char const* outlet, platform::TextField& model)
 
 void Binder::bind(char const* outlet, platform::LevelIndicator& model)
 {
-    auto& bar = widget<LevelBar>(outlet);
+    auto& bar = child<LevelBar>(outlet);
     bar.setDescriptions({ localized(QStringLiteral("LEVEL_NORMAL")), localized(QStringLiteral("LEVEL_WARNING")),
         localized(QStringLiteral("LEVEL_CRITICAL")) });
     keep(model.maxValue.observe([&bar](double value) { bar.setMaximum(value); }));
@@ -336,7 +337,7 @@ void Binder::bind(char const* outlet, platform::LevelIndicator& model)
 
 void Binder::bind(char const* outlet, platform::ProgressIndicator& model)
 {
-    auto& bar = widget<QProgressBar>(outlet);
+    auto& bar = child<QProgressBar>(outlet);
     // A bar from 0 to 0 is on the move.
     keep(model.spinning.observe([&bar](bool spinning) { bar.setRange(0, spinning ? 0 : 1); }));
     mirrorHidden(bar, model.hidden);
@@ -382,9 +383,23 @@ void Binder::bind(char const* outlet, platform::DatePicker& model)
         [&model, listed](int index) { model.userPicked(listed->at(static_cast<std::size_t>(index))); });
 }
 
+void Binder::alignLabels(std::initializer_list<char const*> grids)
+{
+    int width = 0;
+    for (auto const* const grid : grids) {
+        auto const& cells = child<QGridLayout>(grid);
+        for (int row = 0; row < cells.rowCount(); ++row) {
+            if (auto* const label = cells.itemAtPosition(row, 0))
+                width = std::max(width, label->sizeHint().width());
+        }
+    }
+    for (auto const* const grid : grids)
+        child<QGridLayout>(grid).setColumnMinimumWidth(0, width);
+}
+
 void Binder::bind(char const* outlet, platform::WebView& model, WebPluginLoader& loader)
 {
-    auto& place = widget<QWidget>(outlet);
+    auto& place = child<QWidget>(outlet);
     mirrorHidden(place, model.hidden);
     webViews_.push_back(std::make_unique<WebViewMirror>(model, place, loader));
 }

@@ -51,11 +51,13 @@ public:
     void bind(char const* outlet, platform::ProgressIndicator& model);
     void bind(char const* outlet, platform::DatePicker& model);
     void bind(char const* outlet, platform::WebView& model, WebPluginLoader& loader);
+    /// Gives the labels of grids that stand one above the other a column of one width.
+    void alignLabels(std::initializer_list<char const*> grids);
 
 private:
-    template <typename Widget> Widget& widget(char const* outlet)
+    template <typename Child> Child& child(char const* outlet)
     {
-        if (auto* const found = window_.findChild<Widget*>(QLatin1String(outlet)))
+        if (auto* const found = window_.findChild<Child*>(QLatin1String(outlet)))
             return *found;
         throw std::logic_error(std::string("the layout has no such outlet: ") + outlet);
     }

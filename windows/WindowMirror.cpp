@@ -28,7 +28,7 @@ namespace {
 constexpr char const* returnCodeProperty = "returnCode";
 constexpr char const* dismissedProperty = "dismissed";
 // In pixels: whatever an alert has to say, its buttons stay on the screen.
-constexpr int longestDetails = 240;
+constexpr int maximumDetailsHeight = 240;
 
 QMessageBox::Icon icon(platform::Alert::Style style)
 {
@@ -301,7 +301,7 @@ void WindowMirror::showAlert()
     for (auto* const label : sheet_->findChildren<QLabel*>())
         label->setTextFormat(Qt::PlainText);
     if (auto* const details = sheet_->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel")))
-        details->setMaximumHeight(longestDetails);
+        details->setMaximumHeight(maximumDetailsHeight);
     auto titles = alert->buttons;
     if (titles.empty())
         titles.push_back(bundle_.localizedString("OK"));

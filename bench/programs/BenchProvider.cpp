@@ -58,7 +58,7 @@ void setWorstReports(demo::Provider& provider, std::string const& prefix, std::s
 void setWorstReplies(demo::Provider& provider)
 {
     setWorstReports(provider, "large", platform::maximumBodySize);
-    setWorstReports(provider, "read", largestReply);
+    setWorstReports(provider, "read", maximumReplySize);
     provider.setReport("largest", filling("<a/>", 2 * platform::maximumBodySize));
     provider.setReply("headers", manyHeaders());
 }

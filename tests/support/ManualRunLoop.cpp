@@ -7,7 +7,7 @@ using platform::Date;
 using platform::Seconds;
 using platform::Task;
 
-// Without a period it is a one-shot on the even clock, whose date moves along when the computer sleeps.
+// Without a period it is a one-shot on the monotonic clock, whose date moves along when the computer sleeps.
 struct ManualRunLoop::Scheduled {
     Date date;
     Seconds period;
