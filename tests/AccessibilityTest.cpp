@@ -82,10 +82,10 @@ TEST_F(AccessibilityTest, EveryWindowSaysWhatItShowsAndHowToReachIt)
     ASSERT_TRUE(click("Preferences…"));
     auto const preferences = read("Usage Meter Preferences");
     EXPECT_EQ(said(preferences),
-        (Texts { "dialog: Usage Meter Preferences", "panel: Connection and cap", "label: Connection:",
+        (Texts { "dialog: Usage Meter Preferences", "label: Connection and cap", "label: Connection:",
             "combo box: Home - secretOne", "push button: Add…", "push button: Remove…", "label: Usage cap in GB:",
             "text: Usage cap in GB:", "label: A number with a point, such as 250 or 2.5. Empty for no cap.",
-            "push button: Use This Connection", "panel: Settings", "label: Update:", "combo box: Every 2 hours",
+            "push button: Use This Connection", "label: Settings", "label: Update:", "combo box: Every 2 hours",
             "label: Status area shows:", "combo box: All traffic", "label: Show in the menu:", "check box: Usage cap",
             "check box: Remaining", "check box: Last update", "check box: Next update",
             "check box: Show nicknames only", "label: Program:", "check box: Start at login",

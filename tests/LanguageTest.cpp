@@ -24,8 +24,6 @@ QStringList textsOf(QWidget const& widget)
         texts << label->text();
     if (auto const* const button = qobject_cast<QAbstractButton const*>(&widget))
         texts << button->text();
-    if (auto const* const group = qobject_cast<QGroupBox const*>(&widget))
-        texts << group->title();
     if (auto const* const input = qobject_cast<QLineEdit const*>(&widget))
         texts << input->text() << input->placeholderText();
     if (auto const* const box = qobject_cast<QComboBox const*>(&widget)) {

@@ -13,8 +13,6 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QGraphicsOpacityEffect>
-#include <QGridLayout>
-#include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -142,8 +140,6 @@ void Binder::localizeTexts()
         if (!button->text().isEmpty())
             button->setText(asLabel(bundle_.localizedString(button->text().toStdString())));
     }
-    for (auto* const group : window_.findChildren<QGroupBox*>())
-        group->setTitle(asLabel(bundle_.localizedString(group->title().toStdString())));
     for (auto* const input : window_.findChildren<QLineEdit*>()) {
         if (!input->placeholderText().isEmpty())
             input->setPlaceholderText(localized(input->placeholderText()));
@@ -381,20 +377,6 @@ void Binder::bind(char const* outlet, platform::DatePicker& model)
                 == platform::calendarMonth(model.dateValue.get(), model.locale);
         },
         [&model, listed](int index) { model.userPicked(listed->at(static_cast<std::size_t>(index))); });
-}
-
-void Binder::alignLabels(std::initializer_list<char const*> grids)
-{
-    int width = 0;
-    for (auto const* const grid : grids) {
-        auto const& cells = child<QGridLayout>(grid);
-        for (int row = 0; row < cells.rowCount(); ++row) {
-            if (auto* const label = cells.itemAtPosition(row, 0))
-                width = std::max(width, label->sizeHint().width());
-        }
-    }
-    for (auto const* const grid : grids)
-        child<QGridLayout>(grid).setColumnMinimumWidth(0, width);
 }
 
 void Binder::bind(char const* outlet, platform::WebView& model, WebPluginLoader& loader)

@@ -51,8 +51,6 @@ public:
     void bind(char const* outlet, platform::ProgressIndicator& model);
     void bind(char const* outlet, platform::DatePicker& model);
     void bind(char const* outlet, platform::WebView& model, WebPluginLoader& loader);
-    /// Gives the labels of grids that stand one above the other a column of one width.
-    void alignLabels(std::initializer_list<char const*> grids);
 
 private:
     template <typename Child> Child& child(char const* outlet)

@@ -57,7 +57,6 @@ void bindPreferences(Binder& binder, Outlets& outlets)
     binder.bind("clearCacheButton", outlets.clearCacheButton);
     binder.bindLabel("cacheClearedText", outlets.cacheClearedText);
     binder.bind("useConnectionButton", outlets.useConnectionButton);
-    binder.alignLabels({ "connectionGrid", "settingsGrid" });
 }
 
 void bindAddKey(Binder& binder, Outlets& outlets)

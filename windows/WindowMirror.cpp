@@ -252,12 +252,18 @@ void WindowMirror::setBackground(std::optional<platform::Color> const& color)
     auto palette = QPalette();
     if (color) {
         palette.setColor(QPalette::Window, toQt(*color));
-        palette.setColor(QPalette::WindowText, Qt::white);
         // What has the focus, or is picked, stands out from the ground and from a field alike.
         palette.setColor(QPalette::Highlight, QColor(0xFF, 0xC1, 0x07));
         palette.setColor(QPalette::HighlightedText, Qt::black);
     }
     widget_->setPalette(palette);
+    // The window would pass this on to controls that draw on a ground of their own, and to its sheets.
+    if (color)
+        palette.setColor(QPalette::WindowText, Qt::white);
+    for (auto* const label : widget_->findChildren<QLabel*>()) {
+        if (label->window() == widget_.get())
+            label->setPalette(palette);
+    }
 }
 
 // Closed by the title bar or by Escape: the model has to know.

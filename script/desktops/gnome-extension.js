@@ -51,7 +51,8 @@ function item() {
 const linesIn = menu => menu?._getMenuItems().filter(line => line.visible) ?? [];
 
 function describe(line, indent) {
-    const mark = line._ornament === PopupMenu.Ornament.CHECK ? '* ' : '';
+    const {CHECK, DOT} = PopupMenu.Ornament;
+    const mark = [CHECK, DOT].includes(line._ornament) ? '* ' : '';
     const text = line instanceof PopupMenu.PopupSeparatorMenuItem ? '--------' : mark + line.label.text;
     return [indent + text, ...linesIn(line.menu).flatMap(child => describe(child, `${indent}    `))];
 }
