@@ -97,7 +97,7 @@ QDialog& WindowMirror::widget()
 void WindowMirror::buildWidget()
 {
     if (parent_) {
-        widget_ = std::make_unique<QDialog>(&parent_->widget());
+        widget_ = std::make_unique<PlacedByDesktop>(&parent_->widget());
         widget_->setWindowModality(Qt::WindowModal);
     } else {
         widget_ = std::make_unique<PlacedByDesktop>(nullptr, Qt::Window);
