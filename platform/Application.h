@@ -8,7 +8,7 @@ class Application {
 public:
     virtual ~Application() = default;
 
-    /// Brings the program's key window before other programs' windows.
+    /// Brings the program's key window in front of other programs' windows.
     virtual void activateIgnoringOtherApps() = 0;
     /// Ends the program at once.
     virtual void terminate() = 0;

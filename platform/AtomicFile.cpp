@@ -33,10 +33,11 @@ bool writeAll(int descriptor, std::string_view content)
 }
 
 // The unfinished file is its own lock. Other users could open and lock the folder, but not a file that only its owner
-// may open. A locked one belongs to another process that is saving. An unlocked one was left by a killed process; it is
-// removed while this process holds its lock, so that a new save's file is never removed in its place. The name may have
-// come to mean another file before the lock was taken, so it is checked then, and again before the renaming. Links and
-// files of other users are removed without being opened. A file system that has no locks is written to without one.
+// can open. A locked file belongs to another process that is saving. An unlocked one was left by a killed process; it
+// is removed while this process holds its lock, so that a new save's file is never removed by mistake. The name may
+// come to mean another file before the lock is taken, so it is checked after locking, and again before renaming. Links
+// and other users' files are removed without being opened. On a file system without locks, files are written without
+// one.
 bool tryToLock(int file) { return ::flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
 
 bool isInPlace(int folder, int file)
@@ -53,7 +54,8 @@ bool belongsToTheUserAlone(struct stat const& file)
     return file.st_mode == privateFile && file.st_uid == ::geteuid() && file.st_nlink == 1;
 }
 
-// False if there is something that cannot be removed. What another process writes to stays, and goes by itself.
+// Returns false if something cannot be removed. A file that another process is writing is left for that process to
+// remove.
 bool removeLeftover(int folder)
 {
     struct stat status {};
@@ -75,12 +77,12 @@ bool finish(int folder, int file, std::filesystem::path const& name, std::string
         ::unlinkat(folder, unfinishedFileName, 0);
         return false;
     }
-    // Should this fail, a power cut may bring back the old file, whole.
+    // If this fails, a power cut may bring back the old file, but not a damaged one.
     ::fsync(folder);
     return true;
 }
 
-// Whether the file was replaced; nothing if another process was in the way.
+// Returns whether the file was replaced, or nothing if another process interfered.
 std::optional<bool> tryToReplace(int folder, std::filesystem::path const& name, std::string_view content)
 {
     Descriptor const file(
@@ -90,7 +92,7 @@ std::optional<bool> tryToReplace(int folder, std::filesystem::path const& name, 
     if (!tryToLock(file.get()) || !isInPlace(folder, file.get()))
         return std::nullopt;
     bool const isReplaced = finish(folder, file.get(), name, content);
-    // Closing does not do it: a process that is being started has a copy of the descriptor for a moment.
+    // Closing is not enough, since a child process that is just being started briefly has a copy of the descriptor.
     ::flock(file.get(), LOCK_UN);
     return isReplaced;
 }
@@ -101,14 +103,14 @@ bool writeFileAtomically(std::filesystem::path const& file, std::string_view con
 {
     if (content.size() > maximumFileSize)
         return false;
-    // Threads wait for each other as long as it takes.
+    // Threads of this process wait for each other without a time limit.
     static std::mutex mutex;
     std::scoped_lock const lock(mutex);
     std::filesystem::path const parent = file.has_parent_path() ? file.parent_path() : ".";
     Descriptor const folder(::open(parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder.isOpen())
         return false;
-    // Another process is there for the moment of a save. One that takes longer than a person would wait is left alone.
+    // Another process holds the lock only while saving. If it takes longer than a user would wait, give up.
     for (int tries = 0; tries < 80; ++tries) {
         if (auto const isReplaced = tryToReplace(folder.get(), file.filename(), content))
             return *isReplaced;
@@ -119,7 +121,7 @@ bool writeFileAtomically(std::filesystem::path const& file, std::string_view con
 
 std::optional<std::string> readFile(std::filesystem::path const& file)
 {
-    // Opening a fifo would otherwise wait for its writer.
+    // Without O_NONBLOCK, opening a FIFO would wait for a writer.
     Descriptor const opened(::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!opened.isOpen() || ::fstat(opened.get(), &status) != 0 || !S_ISREG(status.st_mode))
@@ -141,7 +143,7 @@ std::optional<std::string> readFile(std::filesystem::path const& file)
 
 bool makeFolder(std::filesystem::path const& folder)
 {
-    // std::filesystem would make them open to everybody first.
+    // std::filesystem would create the folders with access for everybody.
     std::filesystem::path made;
     for (std::filesystem::path const& part : folder) {
         made /= part;

@@ -12,8 +12,8 @@ class BackgroundQueues {
 public:
     virtual ~BackgroundQueues() = default;
 
-    /// Runs the task on a new serial queue of its own under that label, and returns at once. False when the computer
-    /// has no room for another; the task never runs then. Main thread only.
+    /// Runs the task on a new serial queue with that label, and returns at once. Returns false, and never runs the
+    /// task, if the system cannot create another queue. Main thread only.
     [[nodiscard]] virtual bool async(std::string const& label, Task task) = 0;
 };
 

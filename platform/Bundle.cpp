@@ -26,7 +26,7 @@ std::string textOf(Dictionary const& dictionary, std::string_view key)
     return text ? *text : std::string();
 }
 
-// Behind a key. The plain key is the form of all other counts.
+// The suffixes of keys. All other plural forms use the plain key.
 constexpr std::array<std::string_view, 5> pluralForms { "_ZERO", "_ONE", "_TWO", "_FEW", "_MANY" };
 
 bool isPluralForm(std::string_view key)
@@ -53,7 +53,7 @@ char const* variantOf(Appearance appearance)
     return "highContrast";
 }
 
-// "#RRGGBB"
+// Parses "#RRGGBB".
 std::optional<Color> parseColor(std::string_view text)
 {
     if (text.size() != 7 || text.front() != '#')

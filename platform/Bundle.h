@@ -12,31 +12,29 @@
 
 namespace platform {
 
-/// The program's own resources: what it is, its texts and its colours. Read once; never changes.
+/// The program's own resources: its identity, texts and colours. They are read once and never change.
 class Bundle {
 public:
-    /// Reads the folder's Info.plist and the string table of the first of these languages that it has, else the
-    /// English one. Nothing when Info.plist is missing or lacks the identifier, the version or the provider's host.
+    /// Reads the folder's Info.plist and the string table of the first language available, or the English one. Returns
+    /// nothing if Info.plist is missing or lacks the identifier, the version or the provider's host.
     static std::optional<Bundle> open(std::filesystem::path const& folder, std::vector<std::string> const& languages);
 
-    /// The text of a key of Info.plist; empty when there is none.
+    /// Returns the text of a key of Info.plist, or an empty text.
     std::string infoText(std::string_view key) const;
     std::string identifier() const { return infoText("CFBundleIdentifier"); }
     std::string shortVersion() const { return infoText("CFBundleShortVersionString"); }
     std::string providerHost() const { return infoText("ProviderHost"); }
 
-    /// The text of a localized-string key; a key without a text shows itself.
+    /// Returns the text of a localized-string key, or the key itself if it has no text.
     std::string localizedString(std::string_view key) const;
 
-    /// The text of a key for a count: that of the key with the plural form, which the rules of the texts' language give
-    /// the count, behind it ("_ONE", "_FEW", ...); that of the key itself where the table has no such form. Main thread
-    /// only.
+    /// Returns the text of a key for a count. The plural form that the language's rules give for the count is appended
+    /// to the key ("_ONE", "_FEW", ...); without an entry for that form, the key's own text is used. Main thread only.
     std::string localizedString(std::string_view key, int count) const;
 
-    /// The language of the texts.
     std::string const& language() const { return language_; }
 
-    /// A named colour's variant for an appearance, from Colors.plist; both of high contrast share one.
+    /// Returns a named colour from Colors.plist for an appearance; both high-contrast appearances share one variant.
     std::optional<Color> namedColor(std::string_view name, Appearance appearance) const;
 
     std::filesystem::path const& folder() const { return folder_; }
@@ -48,7 +46,7 @@ private:
     Dictionary info_;
     Dictionary strings_;
     std::string language_;
-    /// A table without plural forms needs no rules, which take time to read.
+    /// Avoids loading the plural rules, which is slow, for a table without plural forms.
     bool hasPluralForms_ = false;
     Dictionary colors_;
 };

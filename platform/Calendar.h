@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-// Months, in the computer's present time zone. A locale is named as ICU does, and an unknown one counts as English.
-// Main thread only.
+// Functions on months in the computer's current time zone. Locales have ICU names, and an unknown locale is treated as
+// English. Main thread only.
 namespace platform {
 
-/// A month of a calendar; 1 is the year's first one.
+/// A month of a calendar; months count from 1.
 struct CalendarMonth {
     int year = 0;
     int month = 0;
@@ -18,19 +18,20 @@ struct CalendarMonth {
     bool operator==(CalendarMonth const&) const = default;
 };
 
-/// The month that a date lies in, in the calendar of the locale.
+/// Returns the month that contains the date in the locale's calendar.
 CalendarMonth calendarMonth(Date date, std::string const& locale);
 
-/// The same day and time in another month of the Gregorian calendar, or that month's last day where it is shorter.
+/// Returns the same day and time in another month of the Gregorian calendar, or that month's last day if it is shorter.
 Date addingMonths(Date date, int months);
 
-/// A date in each month between two dates, the latest first: the latest date itself, and those a month apart from it.
+/// Returns a date in each month between two dates, the latest first: the latest date itself, then dates one month
+/// apart.
 std::vector<Date> monthsBetween(Date earliest, Date latest, std::string const& locale);
 
-/// A text that is another one once the local day or the time zone may be another one, at little cost.
+/// Returns a text that changes whenever the local day or the time zone may have changed. Cheap enough to poll.
 std::string dayMark(Date now);
 
-/// A month with its year, as the locale writes it: "November 2026".
+/// Returns a month with its year as the locale writes it, such as "November 2026".
 std::string monthTitle(Date date, std::string const& locale);
 
 }

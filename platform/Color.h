@@ -14,10 +14,10 @@ struct Color {
     bool operator==(Color const&) const = default;
 };
 
-/// High contrast is an appearance like the others, so that whatever follows one follows all.
+/// High contrast is an appearance like the others, so that code that follows the appearance follows contrast too.
 enum class Appearance { Light, Dark, HighContrastLight, HighContrastDark };
 
-/// The desktop's own colours of a window, a text, and the ground of what holds content.
+/// The desktop's own colours for a window, for text, and for the background of content such as lists and fields.
 struct SystemColors {
     Color windowBackground { 255, 255, 255 };
     Color text {};

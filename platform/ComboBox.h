@@ -12,33 +12,32 @@ namespace platform {
 class ComboBoxDelegate {
 public:
     virtual ~ComboBoxDelegate() = default;
-    /// The selected item is another one now. Not told when the selection goes with its items.
+    /// The selection changed. Not called when the selection is cleared because its items were removed.
     virtual void comboBoxSelectionDidChange() = 0;
 };
 
-/// A text with a list of items to pick it from. The text and the selection are apart: a text may show that is no item.
+/// A text with a list of items to pick it from. Text and selection are independent: the text may match no item.
 class ComboBox {
 public:
-    /// Observed for mirroring; changed through the operations below.
+    /// Only for observing; use the operations below to change it.
     Property<std::vector<std::string>> items;
-    /// The selected item's index.
     Property<std::optional<std::size_t>> selection;
-    /// Setting the text leaves the selection alone.
+    /// Setting the text does not change the selection.
     Property<std::string> text;
 
-    /// Not owned; told of changes of the selection, where there is one.
+    /// Not owned; may be null. Told when the selection changes.
     ComboBoxDelegate* delegate = nullptr;
     std::function<void(std::string const&)> store;
 
-    /// Keeps the text, leaves no item selected and tells nobody.
+    /// Clears the selection as well, but keeps the text and does not call the delegate.
     void removeAllItems();
     void addItems(std::vector<std::string> added);
-    /// Selects an item and shows its text; an index out of range does nothing.
+    /// Selects an item and shows its text. Ignores an index that is out of range.
     void selectItemAtIndex(std::size_t index);
-    /// The selected item's text, where one is selected.
+    /// Returns the selected item's text, if an item is selected.
     std::optional<std::string> objectValueOfSelectedItem() const;
 
-    /// The user picked an item: it is selected and its text stored.
+    /// Handles the user's pick: selects the item and stores its text.
     void userSelected(std::size_t index);
 
 private:

@@ -14,12 +14,11 @@
 
 namespace platform {
 
-/// A push button.
 class Button {
 public:
     Property<std::string> title;
     Property<bool> highlighted { false };
-    /// Nothing: the desktop's own button colour.
+    /// Empty means the desktop's own button colour.
     Property<std::optional<Color>> bezelColor;
     Property<bool> hidden { false };
     Property<bool> enabled { true };
@@ -29,13 +28,14 @@ public:
     void userClicked() { send(action, this); }
 };
 
-/// A two-state button. What the program sets is shown only; what the user does is also stored and acted on.
+/// A two-state button. A state set by the program is only shown; one set by the user is also stored and triggers the
+/// action.
 class CheckBox {
 public:
     Property<bool> on { false };
     Property<bool> hidden { false };
     Property<std::string> title;
-    /// Nothing: the desktop's own text colour.
+    /// Empty means the desktop's own text colour.
     Property<std::optional<Color>> titleColor;
 
     std::function<void(bool)> store;
@@ -53,11 +53,11 @@ public:
     std::function<void(int)> store;
     std::function<void()> action;
 
-    /// The action is sent for a pick of the same item too.
+    /// Sends the action even if the same item is picked again.
     void userSelected(int index);
 };
 
-/// A line of text, to read or to type into.
+/// A line of text, read-only or editable.
 class TextField {
 public:
     Property<std::string> text;
@@ -65,17 +65,17 @@ public:
     Property<bool> hidden { false };
     Opacity opacity { 1.0 };
 
-    /// The whole text as the user edited it. Line breaks, tabs and other control characters are removed.
+    /// Takes the whole text as edited by the user. Line breaks, tabs and other control characters are removed.
     void userTyped(std::string_view typed);
 };
 
-/// Lets the user pick a month between two dates. It holds a whole date, of which only the month is shown.
+/// Lets the user pick a month between two dates. It holds a whole date but shows only the month.
 class DatePicker {
 public:
     Property<Date> minDate {};
     Property<Date> maxDate {};
     Property<Date> dateValue {};
-    /// The locale, as ICU names it, whose calendar and words the months are shown in.
+    /// The ICU name of the locale whose calendar and words are used.
     std::string locale = "en_US";
     Property<bool> hidden { false };
 
@@ -84,7 +84,7 @@ public:
     void userPicked(Date date);
 };
 
-/// Shows that something is under way, without telling how far it is.
+/// Shows that something is in progress, without showing how far it has got.
 class ProgressIndicator {
 public:
     Property<bool> spinning { false };

@@ -5,7 +5,7 @@
 
 namespace platform {
 
-/// A moment on the wall clock. Property lists keep it in whole seconds of UTC.
+/// A moment on the wall clock. Property lists store it in whole seconds of UTC.
 using Date = std::chrono::system_clock::time_point;
 
 }

@@ -7,8 +7,8 @@
 
 namespace platform {
 
-/// Writes moments in a locale's short date and time styles, with words such as "today" in place of the date where the
-/// locale has them, in the time zone of the moment. Main thread only.
+/// Formats dates in a locale's short date and time styles, in the time zone current at the time of the call. If the
+/// locale has words such as "today", they replace the date. Main thread only.
 class DateFormatter {
 public:
     explicit DateFormatter(std::string locale)

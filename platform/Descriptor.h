@@ -6,7 +6,7 @@
 
 namespace platform {
 
-/// A file descriptor that is closed when it goes. Negative: none.
+/// An owned file descriptor, closed on destruction. A negative value means no descriptor.
 class Descriptor {
 public:
     explicit Descriptor(int descriptor)

@@ -42,7 +42,7 @@ bool sendAll(int channel, std::string_view text, Clock::time_point end)
     while (!text.empty()) {
         if (!isReadyInTime(channel, POLLOUT, end))
             return false;
-        // No signal from a helper that died, and no waiting for one that does not read.
+        // The flags prevent a signal if the helper has died, and blocking if it does not read.
         auto const sent = ::send(channel, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
         if (sent < 0 && errno != EINTR && errno != EAGAIN)
             return false;
@@ -106,7 +106,7 @@ std::optional<std::string> HelperProcess::answerTo(
     return endedWell(process) ? std::optional(std::move(answer)) : std::nullopt;
 }
 
-// Within the lock, so that a cancellation finds the helper or keeps it from being started.
+// Holds the lock, so that cancel() either finds the helper or prevents its start.
 bool HelperProcess::start(int channel, pid_t& process)
 {
     std::scoped_lock const lock(mutex_);
@@ -116,7 +116,7 @@ bool HelperProcess::start(int channel, pid_t& process)
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, channel, STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, channel, STDOUT_FILENO);
-    // The program's libraries have descriptors that a started process would inherit.
+    // The program's libraries have descriptors that the child would inherit.
     posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
     auto path = program_.string();
     std::array<char*, 2> const arguments { path.data(), nullptr };

@@ -12,18 +12,18 @@
 
 namespace platform {
 
-/// A program of our own that reads a text from its standard input and writes its answer to its standard output. It runs
-/// anew for each answer, and is gone afterwards with all that the work needs.
+/// A program of ours that reads a text from standard input and writes its answer to standard output. A new process is
+/// started for each answer, so that everything the work needs is freed when it exits.
 class HelperProcess {
 public:
     explicit HelperProcess(std::filesystem::path program);
 
-    /// Runs the program and waits for its end. Nothing when it cannot be started, fails, or writes more bytes than the
-    /// maximum; one that has not ended within the limit is killed. Any thread, and any number of them at a time.
+    /// Runs the program and waits for it to exit. Returns nothing if it cannot be started, fails, or writes more bytes
+    /// than the maximum. It is killed if it has not exited within the limit. Thread-safe; several may run at once.
     std::optional<std::string> answerTo(
         std::string_view text, std::size_t maximumSize, std::chrono::milliseconds limit);
 
-    /// Ends the running ones with nothing, and every later one too. Any thread.
+    /// Kills the running processes and makes all later calls return nothing. Thread-safe.
     void cancel();
 
 private:
@@ -31,10 +31,10 @@ private:
     void finished(pid_t process);
 
     std::filesystem::path program_;
-    /// Ours when this was made: it may change while the program is being started.
+    /// A copy taken on construction, since our own environment may change while the program is being started.
     std::vector<std::string> environment_;
     std::mutex mutex_;
-    /// Those that run now; one that is waited for is not among them.
+    /// The processes that can still be killed; one that is being reaped is not among them.
     std::vector<pid_t> running_;
     bool cancelled_ = false;
 };

@@ -23,7 +23,7 @@ std::size_t countDigits(std::string_view text)
     return count;
 }
 
-// "e", an optional sign and at least one digit; anything less is not part of the number.
+// Requires "e", an optional sign and at least one digit; anything less is not part of the number.
 std::size_t lengthOfExponent(std::string_view text)
 {
     if (!startsWithAnyOf(text, "eE"))
@@ -42,7 +42,7 @@ std::size_t lengthOfMantissa(std::string_view text)
     return whole + fraction == 0 ? 0 : whole + 1 + fraction;
 }
 
-// Whether a number that is out of a double's range is next to zero, and not next to infinity.
+// Whether a number outside the range of a double is too small rather than too large.
 bool isTiny(std::string_view mantissa, std::string_view exponent)
 {
     auto const point = static_cast<double>(std::min(mantissa.find('.'), mantissa.size()));

@@ -13,7 +13,7 @@ namespace {
 
 std::string_view environment(char const* name)
 {
-    // Read before any other thread starts.
+    // This is safe because it runs before any other thread starts.
     char const* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe)
     return value ? value : "";
 }

@@ -6,14 +6,15 @@
 
 namespace platform {
 
-/// The user's locale for a POSIX category such as "LC_NUMERIC": LC_ALL, then the category, then LANG, as ICU names it.
-/// "en_US" where none is set, the C locale is, or nobody knows the language. Main thread only.
+/// Returns the ICU name of the user's locale for a POSIX category such as "LC_NUMERIC", from LC_ALL, the category
+/// itself or LANG. Returns "en_US" if none is set, if it is the C locale, or if the language is unknown. Main thread
+/// only.
 std::string userLocale(char const* category);
 
-/// The languages that the user reads, the preferred one first: LANGUAGE where it is set, then the locale of messages.
+/// Returns the user's languages, the preferred one first: those of LANGUAGE if it is set, then that of LC_MESSAGES.
 std::vector<std::string> userLanguages();
 
-/// Whether a language is written from the right to the left.
+/// Whether a language is written from right to left.
 bool isRightToLeft(std::string const& language);
 
 }

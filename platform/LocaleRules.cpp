@@ -5,7 +5,7 @@ namespace platform {
 
 namespace {
 
-/// Better than nothing: figures that can be read, and no dates.
+/// A fallback with readable figures and no dates.
 class PlainRules final : public LocaleRules {
 public:
     bool isKnown(std::string const& /*locale*/) const override { return false; }
@@ -22,7 +22,7 @@ public:
     std::string monthTitle(Date /*date*/, std::string const& /*locale*/) const override { return {}; }
 };
 
-// Set before main() in some programs, whatever is initialized first.
+// A local static, because some programs set it before main(), in any order of initialization.
 MakeLocaleRules& maker()
 {
     static MakeLocaleRules make;

@@ -11,21 +11,21 @@
 
 namespace platform {
 
-/// What locales and languages have rules for. A locale is named as ICU does, and an unknown one counts as English. Main
-/// thread only.
+/// The rules of locales and languages. Locales have ICU names, and an unknown locale is treated as English. Main thread
+/// only.
 class LocaleRules {
 public:
     virtual ~LocaleRules() = default;
 
     virtual bool isKnown(std::string const& locale) const = 0;
     virtual bool isRightToLeft(std::string const& language) const = 0;
-    /// The plural form that a language has for a count, as Unicode names it: "one", "few", "other".
+    /// Returns a language's plural form for a count by its Unicode name, such as "one", "few" or "other".
     virtual std::string pluralForm(int count, std::string const& language) const = 0;
-    /// As NumberFormatter writes it.
+    /// See NumberFormatter.
     virtual std::string number(double number, std::string const& locale) = 0;
-    /// As DateFormatter writes it.
+    /// See DateFormatter.
     virtual std::string date(Date date, std::string const& locale) const = 0;
-    // As in Calendar.h.
+    // See Calendar.h.
     virtual CalendarMonth calendarMonth(Date date, std::string const& locale) const = 0;
     virtual Date addingMonths(Date date, int months) const = 0;
     virtual std::vector<Date> monthsBetween(Date earliest, Date latest, std::string const& locale) const = 0;
@@ -34,11 +34,11 @@ public:
 
 using MakeLocaleRules = std::function<std::unique_ptr<LocaleRules>()>;
 
-/// Says how the rules are made. Called before the first of them is needed.
+/// Sets the factory for the rules. Call it before the rules are first needed.
 void setLocaleRules(MakeLocaleRules make);
-/// The rules, made if there are none; without any to be had, plain ones that know no locale.
+/// Returns the rules, making them if needed. If they cannot be made, returns plain ones that know no locale.
 LocaleRules& localeRules();
-/// Takes the rules away until they are needed again.
+/// Releases the rules; they are made again when next needed.
 std::unique_ptr<LocaleRules> takeLocaleRules();
 
 }

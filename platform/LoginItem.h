@@ -3,14 +3,14 @@
 
 namespace platform {
 
-/// Whether the desktop starts the program when its user logs in. Main thread only.
+/// Whether the desktop starts the program when the user logs in. Main thread only.
 class LoginItem {
 public:
     virtual ~LoginItem() = default;
 
-    /// What stands on disk at this moment, whoever has put it there.
+    /// Reads the current state from disk, whoever set it.
     virtual bool isEnabled() const = 0;
-    /// False, with nothing changed, when it cannot be stored.
+    /// Returns false, with nothing changed, if it cannot be stored.
     virtual bool setEnabled(bool enabled) = 0;
 };
 

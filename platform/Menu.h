@@ -13,11 +13,11 @@ namespace platform {
 
 class Menu;
 
-/// One line of a menu: a command, a text, a separator or the way into a submenu. A line without an action and without
-/// a submenu only shows something. It stands in one menu at a time, the last one that took it.
+/// One line of a menu: a command, a text, a separator or a submenu. A line with neither an action nor a submenu is only
+/// shown. It belongs to one menu at a time, the last one that took it.
 class MenuItem {
 public:
-    /// A value whose changes the line's menu tells of. Setting an equal value tells nobody.
+    /// A value whose changes are reported to the menu's observers. Setting an equal value has no effect.
     template <typename T> class Field {
     public:
         explicit Field(MenuItem const& line)
@@ -47,15 +47,15 @@ public:
 
     Field<std::string> title { *this };
     Field<bool> hidden { *this };
-    /// Shown as a check mark.
+    /// Whether the line has a check mark.
     Field<bool> on { *this };
 
     int tag = 0;
     bool isSeparator = false;
-    /// What a user sees in place of an empty title.
+    /// Shown in place of an empty title.
     std::string placeholder;
     Action action;
-    /// Not owned; nothing for a line without a submenu.
+    /// Not owned; null for a line without a submenu.
     Menu* submenu = nullptr;
 
     std::string const& shownTitle() const { return title.get().empty() ? placeholder : title.get(); }
@@ -65,11 +65,11 @@ public:
 private:
     friend class Menu;
 
-    /// Nothing while it stands in no menu.
+    /// Null while the line belongs to no menu.
     Observers<> const* menuChanges_ = nullptr;
 };
 
-/// An ordered list of lines. Its items are told about as one change, however many they are.
+/// An ordered list of lines. Replacing its items counts as one change, however many they are.
 class Menu {
 public:
     using Items = std::vector<std::shared_ptr<MenuItem>>;
@@ -79,7 +79,7 @@ public:
     Menu& operator=(Menu const&) = delete;
     ~Menu() { leaveItems(); }
 
-    /// Called before the menu is shown, where it has lines whose text depends on the moment.
+    /// Called before the menu is shown, if it has lines whose text depends on the time.
     std::function<void()> needsUpdate;
 
     Items const& items() const { return items_; }
@@ -88,13 +88,13 @@ public:
     {
         leaveItems();
         items_ = std::move(items);
-        // One list of observers for all lines, since a menu can have thousands.
+        // All lines share one list of observers, since a menu can have thousands.
         for (auto const& item : items_)
             item->menuChanges_ = &changes_;
         changes_.tell();
     }
 
-    /// Tells of every new list of items, and of every change to what one of them shows; not of its submenu's.
+    /// Reports every new list of items and every visible change to one of them, but not changes in submenus.
     Subscription observeChanges(std::function<void()> observer) { return changes_.add(std::move(observer)); }
 
     void willShow() const
@@ -104,7 +104,7 @@ public:
     }
 
 private:
-    // But for those that have gone into another menu.
+    // Skips items that another menu has taken.
     void leaveItems() const
     {
         for (auto const& item : items_) {

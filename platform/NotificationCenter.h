@@ -17,11 +17,11 @@ using NotificationId = std::uint32_t;
 class NotificationCenterDelegate {
 public:
     virtual ~NotificationCenterDelegate() = default;
-    /// The user clicked a notification that this program delivered.
+    /// The user clicked a notification of this program.
     virtual void didActivateNotification(NotificationId id) = 0;
 };
 
-/// The desktop's notifications. Main thread only; what fails is dropped in silence.
+/// The desktop's notifications. Errors are ignored. Main thread only.
 class NotificationCenter {
 public:
     virtual ~NotificationCenter() = default;

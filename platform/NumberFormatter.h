@@ -5,7 +5,8 @@
 
 namespace platform {
 
-/// Writes numbers in a locale's decimal style: grouped, with 0 to 2 fraction digits, half to even. Main thread only.
+/// Formats numbers in a locale's decimal style: grouped, with 0 to 2 fraction digits, rounded half to even. Main thread
+/// only.
 class NumberFormatter {
 public:
     explicit NumberFormatter(std::string locale)

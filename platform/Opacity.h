@@ -8,7 +8,7 @@
 
 namespace platform {
 
-/// A straight line from one opacity to another, on the monotonic clock. Nothing ticks: it is worked out when asked.
+/// A linear change of opacity on the monotonic clock. No timer drives it: the value is computed on request.
 struct Fade {
     double from = 1.0;
     double to = 1.0;
@@ -28,15 +28,15 @@ public:
     {
     }
 
-    /// What is under way, for a desktop that animates by itself.
+    /// The fade in progress, for a desktop that does its own animation.
     Property<Fade> fade;
 
     double at(Seconds uptime) const { return fade.get().at(uptime); }
     void set(double opacity) { fade.set(Fade { opacity, opacity }); }
 };
 
-/// Fades all of them from where they are to the target, together, and then completes once. A later fade of the same
-/// controls takes their place but does not cancel the completion.
+/// Fades all opacities together from their current values to the target, then runs the completion once. A later fade of
+/// the same controls replaces this one but does not cancel its completion.
 void animate(
     RunLoop& runLoop, std::vector<Opacity*> const& opacities, double target, Seconds duration, Task completion);
 

@@ -19,7 +19,7 @@ class UrlLoader;
 class UserDefaults;
 class Workspace;
 
-/// All that the program is handed by the desktop it runs on. What is referred to outlives the controller.
+/// Everything that the desktop provides to the program. The referenced objects outlive the controller.
 struct Platform {
     RunLoop& runLoop;
     BackgroundQueues& backgroundQueues;
@@ -28,16 +28,16 @@ struct Platform {
     Bundle const& bundle;
     Workspace& workspace;
     Application& application;
-    /// None where the desktop shows no notifications.
+    /// Null if the desktop shows no notifications.
     NotificationCenter* notificationCenter = nullptr;
-    /// None where the desktop starts no programs at login.
+    /// Null if the desktop starts no programs at login.
     LoginItem* loginItem = nullptr;
-    /// The user's caches folder, which other programs share.
+    /// The user's cache folder, which is shared with other programs.
     std::filesystem::path cachesFolder;
     /// The user's locales, as ICU names them.
     std::string numberLocale = "en_US";
     std::string dateLocale = "en_US";
-    /// Whether the keyboard has a bar of buttons for the window in front.
+    /// Whether the keyboard has a touch bar.
     bool touchBarAvailable = false;
     std::function<SystemColors(Appearance)> systemColors = [](Appearance) { return SystemColors {}; };
 };

@@ -5,7 +5,7 @@ namespace platform {
 
 namespace {
 
-// A helper takes 13 MB, and a user may ask for any number of refreshes while the provider is silent.
+// Each helper takes 13 MB, and a user may request any number of refreshes while the provider does not answer.
 constexpr std::uint64_t maximumHelpers = 4;
 
 }
@@ -27,7 +27,7 @@ std::optional<std::string> ProcessUrlLoader::load(std::string const& url)
     return body;
 }
 
-// The numbers keep the loads in the order they came.
+// The numbers keep the loads in order of arrival.
 bool ProcessUrlLoader::awaitTurn()
 {
     std::unique_lock lock(mutex_);

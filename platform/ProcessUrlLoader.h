@@ -12,19 +12,19 @@
 
 namespace platform {
 
-/// Loads over HTTPS in a process of its own for each load, which is gone afterwards with all that TLS needs. A program
-/// that is up all day for a few exchanges a day keeps nothing of it.
+/// Runs each HTTPS load in its own process, so that the memory TLS needs is freed afterwards. The program stays up all
+/// day but loads only a few times a day.
 class ProcessUrlLoader final : public UrlLoader {
 public:
-    /// The helper program, and the file of a certificate authority to trust beside the system's, where there is one.
-    /// The helper ends a load after five minutes; one that hangs itself is ended at the limit.
+    /// Takes the helper program and, optionally, a certificate authority's file to trust in addition to the system's.
+    /// The helper gives up after five minutes; if it hangs, it is killed at the limit.
     explicit ProcessUrlLoader(std::filesystem::path helper, std::filesystem::path additionalAuthority = {},
         std::chrono::milliseconds limit = std::chrono::seconds(315));
 
-    /// Four loads run at a time. Others wait for their turn in the order they came, as long as it takes.
+    /// Runs at most four loads at once. Further ones wait in order, for as long as it takes.
     std::optional<std::string> load(std::string const& url) override;
 
-    /// Ends the running and the waiting loads with nothing, and every later one too. Any thread.
+    /// Makes running, waiting and later loads return nothing. Thread-safe.
     void cancel();
 
 private:
@@ -36,7 +36,7 @@ private:
     std::chrono::milliseconds limit_;
     std::mutex mutex_;
     std::condition_variable turnEnded_;
-    /// How many loads have come, and how many of them have had their turn.
+    /// The number of loads that have arrived, and of those that have had their turn.
     std::uint64_t came_ = 0;
     std::uint64_t ended_ = 0;
     bool cancelled_ = false;

@@ -8,7 +8,7 @@
 
 namespace platform {
 
-/// Ends an observation when it goes out of scope. Safe to outlive what it observed.
+/// Ends an observation when it goes out of scope. It may outlive the observed object.
 class [[nodiscard]] Subscription {
 public:
     Subscription() = default;
@@ -39,8 +39,8 @@ private:
     std::function<void()> end_;
 };
 
-/// A list of observers. While it tells them, any of them may end an observation, begin another, tell them something
-/// newer, which takes the place of what the rest would have been told, or end the list itself. Main thread only.
+/// A list of observers. While being called, an observer may end any observation, begin another, announce a newer value,
+/// which supersedes this one, or destroy the list itself. Main thread only.
 template <typename... Arguments> class Observers {
 public:
     using Observer = std::function<void(Arguments...)>;
@@ -51,7 +51,7 @@ public:
 
     Subscription add(Observer observer)
     {
-        // Most observed things have no observer, and a long menu has many of them: the list is made on first use.
+        // Most observed things have no observer, and a long menu has many of them, so the list is made on first use.
         if (!list_)
             list_ = std::make_shared<List>();
         auto entry = std::make_shared<Entry>(std::move(observer));
@@ -63,7 +63,7 @@ public:
         });
     }
 
-    /// False while there was never anybody to tell.
+    /// False if nothing has ever been observed.
     bool isUsed() const { return list_ != nullptr; }
 
     void tell(Arguments... arguments) const
@@ -111,25 +111,25 @@ public:
 
     T const& get() const { return value_; }
 
-    /// Setting an equal value tells nobody.
+    /// Setting an equal value does not call the observers.
     void set(T value)
     {
         if (value == value_)
             return;
         value_ = std::move(value);
-        // A copy, for an observer may set the next value while this one is being told.
+        // The observers get a copy, since one of them may set the next value while this one is being reported.
         if (observers_.isUsed())
             observers_.tell(T(value_));
     }
 
-    /// Tells the observer the present value at once, then every change.
+    /// Calls the observer with the current value at once, then on every change.
     Subscription observe(Observer observer)
     {
         observer(value_);
         return observeChanges(std::move(observer));
     }
 
-    /// Tells the observer every change from now on.
+    /// Calls the observer on every change from now on.
     Subscription observeChanges(Observer observer) { return observers_.add(std::move(observer)); }
 
 private:

@@ -35,14 +35,14 @@ template <typename Number> std::optional<Number> number(std::string_view text)
     return result;
 }
 
-// Whole digits only: from_chars would take "-1" for two of them.
+// Accepts only digits; from_chars would take "-1" for a two-digit number.
 std::optional<int> digits(std::string_view text)
 {
     bool const onlyDigits = std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
     return onlyDigits ? number<int>(text) : std::nullopt;
 }
 
-// Reads "2026-07-01T12:30:00Z", the one form that property lists have.
+// Parses "2026-07-01T12:30:00Z", the only date format in property lists.
 std::optional<Date> date(std::string_view text)
 {
     constexpr std::string_view form = "0000-00-00T00:00:00Z";
@@ -75,7 +75,7 @@ template <typename T> std::optional<Value> valueIfAny(std::optional<T> held)
     return held ? std::optional<Value>(*held) : std::nullopt;
 }
 
-// The value of an element that holds text only.
+// The value of an element that contains only text.
 std::optional<Value> leafValue(std::string_view element, std::string const& text)
 {
     if (element == "string")
@@ -248,7 +248,7 @@ public:
     void operator()(std::int64_t integer) { line("<integer>" + std::to_string(integer) + "</integer>"); }
     void operator()(bool boolean) { line(boolean ? "<true/>" : "<false/>"); }
 
-    // There is no spelling of infinity that every reader knows, so it is written as zero.
+    // No spelling of infinity is understood by every reader, so it is written as zero.
     void operator()(double real)
     {
         std::array<char, 32> digits {};

@@ -13,42 +13,42 @@ namespace platform {
 using Task = std::function<void()>;
 using Seconds = std::chrono::duration<double>;
 
-/// Calls its task at its fire date until it is cancelled or goes away. Main thread only.
+/// Runs its task at its fire date until it is cancelled or destroyed. Main thread only.
 class Timer {
 public:
     virtual ~Timer() = default;
 
-    /// The next firing; the last one once the timer is no longer valid.
+    /// The next fire date, or the last one once the timer is no longer valid.
     virtual Date fireDate() const = 0;
-    /// From being scheduled until cancelled; a one-shot timer also ends by firing.
+    /// True from scheduling until cancellation; a one-shot timer also becomes invalid by firing.
     virtual bool isValid() const = 0;
     virtual void cancel() = 0;
 };
 
-/// The main loop with its clocks. The clocks and perform() may be used from any thread, the rest from the main one.
+/// The main loop with its clocks. The clocks and perform() are thread-safe; the rest is for the main thread only.
 class RunLoop {
 public:
     virtual ~RunLoop() = default;
 
     virtual Date now() const = 0;
-    /// Time that runs evenly and never jumps; it stands still while the computer sleeps.
+    /// The time of a monotonic clock, which pauses while the computer sleeps.
     virtual Seconds uptime() const = 0;
 
     /// Queues a task; tasks run in the order they were queued.
     virtual void perform(Task task) = 0;
 
-    /// A repeating timer on the wall clock: it is due when the clock says so, however long the computer slept and
-    /// however the clock was set. A first date that is over fires at once. The period must be positive.
+    /// Schedules a repeating timer on the wall clock, due when the clock says so, regardless of sleep and of changes to
+    /// the clock. A first date in the past fires at once. The period must be positive.
     virtual std::unique_ptr<Timer> repeat(Date first, Seconds period, Task task) = 0;
-    /// A one-shot timer on the monotonic clock.
+    /// Schedules a one-shot timer on the monotonic clock.
     virtual std::unique_ptr<Timer> after(Seconds delay, Task task) = 0;
-    /// The same, kept by the loop: it cannot be cancelled.
+    /// The same, but the loop owns the timer, which cannot be cancelled.
     virtual void performAfter(Seconds delay, Task task) = 0;
 
-    /// Tells when the computer woke from sleep, before any timer that fell due meanwhile fires.
+    /// Calls the observer when the computer wakes, before any timer that fell due during sleep fires.
     virtual Subscription observeWake(Task observer) = 0;
 
-    /// Tells when the wall clock was set, before any timer that is due by it fires.
+    /// Calls the observer when the wall clock has been set, before any timer that this made due fires.
     virtual Subscription observeClockChange(Task observer) = 0;
 };
 

@@ -9,11 +9,11 @@ namespace platform {
 class Button;
 class MenuItem;
 
-/// The control that sent an action, where one did.
+/// The control that sent an action, if one did.
 using Sender = std::variant<std::monostate, MenuItem*, Button*>;
 using Action = std::function<void(Sender)>;
 
-/// Sends an action, which may take the sending control away.
+/// Sends an action, which may destroy the sending control.
 template <typename Control> void send(Action const& action, Control* sender)
 {
     auto const kept = action;

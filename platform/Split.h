@@ -7,7 +7,7 @@
 
 namespace platform {
 
-/// What stands between the separators of a text, without empty pieces. It lives as long as the text.
+/// Returns the non-empty pieces of a text between separators. They are views into the text.
 inline std::vector<std::string_view> split(std::string_view text, char separator)
 {
     std::vector<std::string_view> pieces;

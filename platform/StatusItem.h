@@ -9,7 +9,7 @@ namespace platform {
 
 class Menu;
 
-/// The program's place in the status area: a short text, and a menu under it.
+/// The program's place in the status area: a short text with a menu.
 class StatusItem {
 public:
     explicit StatusItem(Menu& menu)

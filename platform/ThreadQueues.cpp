@@ -12,7 +12,7 @@ namespace platform {
 
 namespace {
 
-// Linux keeps 15 bytes of a thread's name and refuses a longer one.
+// Linux limits a thread's name to 15 bytes and rejects a longer one.
 constexpr std::size_t maximumNameLength = 15;
 
 }
@@ -49,7 +49,7 @@ bool ThreadQueues::async(std::string const& label, Task task)
         std::thread([running = running_, name = label.substr(0, maximumNameLength), task = std::move(task)]() mutable {
             ::pthread_setname_np(::pthread_self(), name.c_str());
             task();
-            task = nullptr; // What it holds goes before the queue counts as ended.
+            task = nullptr; // Destroys what it holds before the queue counts as idle.
             running->ended();
         }).detach();
         return true;

@@ -7,14 +7,14 @@
 
 namespace platform {
 
-/// A thread for each queue, named after its label.
+/// Runs each queue on its own thread, named after the label.
 class ThreadQueues final : public BackgroundQueues {
 public:
     ThreadQueues();
 
     bool async(std::string const& label, Task task) override;
 
-    /// Waits for all queues to end, and returns whether they did in time.
+    /// Waits for all queues to finish. Returns false on timeout.
     bool waitUntilIdle(Seconds limit);
 
 private:

@@ -10,9 +10,9 @@
 
 namespace platform {
 
-/// A gap that takes what room is left.
+/// A gap that takes the remaining space.
 inline constexpr std::string_view touchBarItemIdentifierFlexibleSpace = "TouchBarItemIdentifierFlexibleSpace";
-/// Room for the bars of the focused controls.
+/// A placeholder for the bars of the focused controls.
 inline constexpr std::string_view touchBarItemIdentifierOtherItemsProxy = "TouchBarItemIdentifierOtherItemsProxy";
 
 /// An item that shows a button.
@@ -24,18 +24,18 @@ struct CustomTouchBarItem {
 class TouchBarDelegate {
 public:
     virtual ~TouchBarDelegate() = default;
-    /// Makes the item of an identifier that is not one of the platform's own; never none.
+    /// Makes the item for an identifier that is not one of the platform's own. Never returns null.
     virtual std::unique_ptr<CustomTouchBarItem> makeItemForIdentifier(std::string_view identifier) = 0;
 };
 
-/// The row of buttons that a keyboard shows while a window is in front. Windows can share one.
+/// The row of buttons that a keyboard shows for the window in front. Windows can share one.
 struct TouchBar {
     /// Not owned.
     TouchBarDelegate* delegate = nullptr;
-    /// What the bar shows, in order.
+    /// The identifiers of the items to show, in order.
     std::vector<std::string> defaultItemIdentifiers;
 
-    /// The bar's items in order, without the platform's own; made anew by each call.
+    /// Makes the bar's items in order, without the platform's own.
     std::vector<std::unique_ptr<CustomTouchBarItem>> items() const;
 };
 

@@ -11,7 +11,7 @@ namespace platform {
 
 namespace {
 
-// "preferences.plist.damaged", or with the first number that is free.
+// Renames the file to "preferences.plist.damaged", or appends the first free number.
 bool moveAside(std::filesystem::path const& file)
 {
     std::filesystem::path const first = file.string() + ".damaged";
@@ -36,7 +36,7 @@ UserDefaults::UserDefaults(std::filesystem::path file, RunLoop& runLoop)
     , runLoop_(runLoop)
 {
     closeFolderToOthers(file_.parent_path());
-    // A file that cannot be opened may be sound. It stays where it is until something is to be written in its place.
+    // A file that cannot be opened may be intact. It is left in place until there is something to write.
     std::optional<std::string> const bytes = readFile(file_);
     if (!bytes) {
         blockedByUnreadableFile_ = !isAbsent(file_);

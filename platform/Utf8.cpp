@@ -9,15 +9,15 @@ namespace {
 
 std::uint8_t byteAt(std::string_view text, std::size_t position) { return static_cast<std::uint8_t>(text[position]); }
 
-/// What may follow the first byte of a code point, by Unicode's table of well-formed sequences (3-7): how many bytes,
-/// and between which the second one lies. The others lie between 0x80 and 0xBF.
+/// The bytes that may follow the first byte of a code point, by Unicode's table of well-formed sequences (3-7): their
+/// number and the range of the second. Any others lie between 0x80 and 0xBF.
 struct Continuation {
     int count = 0;
     std::uint8_t lowestSecond = 0x80;
     std::uint8_t highestSecond = 0xBF;
 };
 
-// No bytes for one that begins nothing.
+// The count is 0 for a byte that cannot begin a code point.
 Continuation continuationOf(std::uint8_t first)
 {
     if (first < 0xC2 || first > 0xF4)
@@ -41,7 +41,7 @@ std::int32_t nextCodePoint(std::string_view text, std::size_t& position)
     if (first < 0x80)
         return first;
     auto const [count, lowestSecond, highestSecond] = continuationOf(first);
-    // The first byte has a bit less for the code point with each byte that follows.
+    // The first byte has one bit less of the code point for each byte that follows.
     std::int32_t codePoint = first & (0x3F >> count);
     auto lowest = lowestSecond;
     auto highest = highestSecond;
@@ -64,7 +64,7 @@ bool isNoncharacter(std::int32_t codePoint)
     return (codePoint >= 0xFDD0 && codePoint <= 0xFDEF) || (codePoint & 0xFFFE) == 0xFFFE;
 }
 
-// Unicode's categories Cc, Zl and Zp.
+// Matches Unicode's categories Cc, Zl and Zp.
 bool isControlCharacter(std::int32_t codePoint)
 {
     return (codePoint >= 0 && codePoint < 0x20) || (codePoint >= 0x7F && codePoint < 0xA0) || codePoint == 0x2028

@@ -7,20 +7,21 @@
 
 namespace platform {
 
-/// The code point that starts at the position, which moves past it; negative for a piece that is not UTF-8 (each as
-/// long as Unicode's "maximal subpart"). The position must lie inside the text, which is shorter than 2 GiB.
+/// Returns the code point at the position, and advances the position past it. Returns a negative value for invalid
+/// UTF-8, skipping one "maximal subpart" as Unicode defines it. The position must be inside the text, which must be
+/// shorter than 2 GiB.
 std::int32_t nextCodePoint(std::string_view text, std::size_t& position);
 
 bool isValidUtf8(std::string_view text);
 
-/// How many code points a text has, each piece that is not UTF-8 being one.
+/// Counts the code points of a text. Each invalid piece counts as one.
 std::size_t lengthOfUtf8(std::string_view text);
 
-/// The text with U+FFFD in place of each piece that is not UTF-8, and of each code point that is never a character
-/// (such as U+FFFE): some readers take those for no UTF-8 either.
+/// Replaces each invalid piece of UTF-8, and each noncharacter (such as U+FFFE), with U+FFFD, because some readers
+/// reject noncharacters as well.
 std::string wellFormedUtf8(std::string_view text);
 
-/// The text without line breaks, tabs and other control characters; what is not UTF-8 stays.
+/// Removes line breaks, tabs and other control characters from a text; invalid UTF-8 is kept.
 std::string withoutControlCharacters(std::string_view text);
 
 }

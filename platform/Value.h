@@ -17,7 +17,7 @@ class Value;
 using Array = std::vector<Value>;
 using Dictionary = std::map<std::string, Value, std::less<>>;
 
-/// What a property list can hold: text, integer, real, boolean, date, array or dictionary.
+/// A value of a property list: text, integer, real, boolean, date, array or dictionary.
 class Value {
 public:
     Value(std::string text)
@@ -61,7 +61,7 @@ public:
     {
     }
 
-    /// The held value if it is of this type, else nothing.
+    /// The held value if it has this type, else null.
     template <typename T> T const* as() const { return std::get_if<T>(&held_); }
 
     template <typename Visitor> decltype(auto) visit(Visitor&& visitor) const
@@ -75,7 +75,7 @@ private:
     std::variant<std::string, std::int64_t, double, bool, Date, Array, Dictionary> held_;
 };
 
-/// The entry of that name if there is one of this type, else nothing.
+/// The entry with that name if it has this type, else null.
 template <typename T> T const* entry(Dictionary const& dictionary, std::string_view key)
 {
     auto const found = dictionary.find(key);

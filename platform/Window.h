@@ -17,59 +17,60 @@ namespace platform {
 struct TouchBar;
 class Window;
 
-/// What can stand on a window until the user is done with it: an alert or another window.
+/// What a window can show as a sheet: an alert or another window.
 using Sheet = std::variant<std::monostate, std::shared_ptr<Alert const>, Window*>;
 
-/// A window: whether it is on screen, its title and ground, and the sheet attached to it.
+/// A window: its visibility, title, background and attached sheet.
 class Window {
 public:
     using Completion = std::function<void(int returnCode)>;
 
     Property<std::string> title;
     Property<bool> visible { false };
-    /// Nothing: the desktop's own window colour.
+    /// Empty means the desktop's own window colour.
     Property<std::optional<Color>> backgroundColor;
-    /// Changed by the program and by the user alike.
+    /// Changed by both the program and the user.
     Property<bool> fullScreen { false };
     Property<Appearance> effectiveAppearance { Appearance::Light };
-    /// What stands on the window now; one sheet at most.
+    /// The sheet attached now; one at most.
     Property<Sheet> attachedSheet;
-    /// What the keyboard shows while the window is in front; nothing: no bar of its own.
+    /// The touch bar to show while the window is in front. Null means none of its own.
     Property<std::shared_ptr<TouchBar>> touchBar;
-    /// Where the user left the window and how large, as the desktop writes it; empty: wherever the desktop puts it.
+    /// The window's position and size as the user left them, in the desktop's own format. If empty, the desktop
+    /// chooses.
     Property<std::string> place;
     std::function<void(std::string)> store;
-    /// What the user's closing of the window does; nothing: the window goes.
+    /// Called when the user closes the window. If it is empty, the window is hidden.
     std::function<void()> closeAction;
 
-    /// Shows the window if it is not shown, and makes it the key window.
+    /// Shows the window if it is hidden, and makes it the key window.
     void makeKeyAndOrderFront();
     void orderOut() { visible.set(false); }
     void toggleFullScreen() { fullScreen.set(!fullScreen.get()); }
 
-    /// Tells whenever the window, already shown, is to come to the front as key window.
+    /// Calls the observer whenever the window should come to the front as the key window.
     Subscription observeFrontRequests(std::function<void()> observer)
     {
         return frontRequests_.add(std::move(observer));
     }
 
-    /// Attaches an alert, once every sheet that was begun before it has ended.
+    /// Attaches an alert after all earlier sheets have ended.
     void beginSheet(Alert alert, Completion completion = {});
-    /// Attaches a window in the same way. One that is attached or waits already stays as it is.
+    /// Attaches a window in the same way. Does nothing if it is already attached or waiting.
     void beginSheet(Window& sheet);
-    /// Ends a window's being a sheet, or its waiting to be one, and takes it off the screen.
+    /// Detaches a window, or removes it from the queue, and hides it.
     void endSheet(Window& sheet);
-    /// Takes the attached alert and all that wait away. That is no answer: no completion runs.
+    /// Removes the attached alert and all waiting ones without running their completions.
     void endAlerts();
-    /// The same for the alerts with this message alone.
+    /// The same, but only for the alerts with this message.
     void endAlerts(std::string_view messageText);
-    /// Whether an alert with this message is attached or waits.
+    /// Whether an alert with this message is attached or waiting.
     bool hasAlert(std::string_view messageText) const;
 
-    /// The user answered the attached alert.
+    /// Handles the user's answer to the attached alert.
     void userAnswered(int returnCode);
     void userClosed();
-    /// The user left the window there.
+    /// Handles the user's moving or resizing of the window.
     void userPlaced(std::string where);
 
 private:

@@ -10,7 +10,7 @@ class Workspace {
 public:
     virtual ~Workspace() = default;
 
-    /// Shows an address in the user's browser; false where that cannot be started.
+    /// Opens a URL in the user's browser. Returns false if the browser cannot be started.
     virtual bool open(std::string const& url) = 0;
 };
 

@@ -14,19 +14,20 @@ namespace platform {
 
 namespace {
 
-// What all names of a document may take, in bytes.
+// The maximum total length of a document's names in bytes.
 constexpr std::size_t maximumNamesLength = 65'536;
-// Expat goes through all attributes that a document declares for an element each time that it has one.
+// Expat goes through all of an element's declared attributes each time the element occurs.
 constexpr int maximumDeclaredAttributes = 1'024;
 constexpr int greatestDepth = 256;
 
 std::string_view view(char const* text, int length) { return { text, static_cast<std::size_t>(length) }; }
 
-// Turns expat's events into the delegate's. Expat cuts text at each line, so the pieces are joined here, and cut only
-// at markup and around references.
+// Translates expat's events into the delegate's. Expat splits text at line breaks, so the pieces are joined here, and
+// split only at markup and around references.
 class Events {
 public:
-    // Nothing behind a zero byte is read. No document in UTF-16, which expat would recognize, is without one.
+    // Nothing after a zero byte is read. This rules out UTF-16, which expat would recognize, as such a document always
+    // contains one.
     Events(std::string_view document, XmlParserDelegate& delegate)
         : document_(document.substr(0, document.find('\0')))
         , delegate_(delegate)
@@ -73,8 +74,7 @@ private:
         refuseEntities();
     }
 
-    // An entity that is not declared counts as skipped where an external subset might have declared it, and so does
-    // a parameter entity.
+    // Expat skips an undeclared entity that an external subset might have declared, and skips parameter entities.
     void refuseEntities()
     {
         XML_Parser const parser = parser_.get();
@@ -109,7 +109,7 @@ private:
 
     void end(char const* name)
     {
-        // Of an empty element the end still comes when its start has been refused.
+        // For an empty element, the end is reported even after its start was refused.
         if (refused_)
             return;
         flush();
@@ -151,7 +151,7 @@ private:
             refuse();
     }
 
-    // In attributes expat says nothing of an entity that it skips.
+    // Expat does not report entities that it skips in attributes.
     static bool hasUnknownEntity(std::string_view tag)
     {
         constexpr std::array<std::string_view, 5> known { "amp", "lt", "gt", "quot", "apos" };
@@ -163,7 +163,7 @@ private:
         return false;
     }
 
-    // What the event was made of, which goes to the default handler.
+    // The source text of the current event, which expat passes to the default handler.
     std::string_view source()
     {
         XML_DefaultCurrent(parser_.get());
