@@ -42,7 +42,7 @@ public:
 
     // Launch
 
-    /// Runs once, when the desktop is up and the outlets hold their restored state.
+    /// Runs once, when the desktop is up and the outlets have their restored state.
     void applicationDidFinishLaunching();
     platform::StatusItem& usageStatusItem() { return usageStatusItem_; }
 
@@ -50,7 +50,7 @@ public:
 
     /// Fills the key list from the settings and takes the current usage key from the list's text.
     void loadKeys();
-    /// The selected key entry, whole.
+    /// The selected key entry, including nickname and key.
     std::optional<std::string> getCurrentlySelectedKey() const;
     platform::Dictionary usageCapDictionaryByModifyingCap(
         std::optional<std::string> const& cap, std::optional<std::string> const& forKey) const;
@@ -60,8 +60,8 @@ public:
 
     // Refresh
 
-    /// Obtains the report of the current usage key, from the cache where that is allowed and fresh, else from the
-    /// provider, and presents it. Does nothing while the key list shows no entry.
+    /// Gets the report of the current usage key and presents it. It comes from the cache if that is allowed and fresh,
+    /// else from the provider. Does nothing while the key list shows no entry.
     void updateUsageWithCache(bool cacheAllowed, bool withNotification);
     void updateUsageWithCache(bool cacheAllowed) { updateUsageWithCache(cacheAllowed, false); }
     void updateUsageWithCacheTimer() { updateUsageWithCache(false, true); }
@@ -71,106 +71,107 @@ public:
 
     // Schedule
 
-    /// Queues the re-arming of the refresh timer for a fire date (with interval 0) or for an interval in seconds (with
-    /// no fire date). Always true.
+    /// Queues the re-arming of the refresh timer for a fire date (with interval 0) or for an interval in seconds
+    /// (without a fire date). Always returns true.
     bool updateTimer(std::optional<platform::Date> withFireDate, std::int64_t orWithInterval);
-    /// Writes the dates of the last and the next update into the menu.
+    /// Puts the dates of the last and the next update into the menu.
     void updateTitleBarDates();
-    /// Writes the dates that the menu shows anew: "today" is another day by now, or the time zone another one.
+    /// Formats the menu's dates again, since "today" or the time zone may have changed.
     void menuNeedsUpdate();
-    /// The user picked an interval: every cached report goes, and a new one is fetched.
+    /// Handles a new interval: clears the cached reports and fetches a new one.
     void doChangeUpdateIntervalDropdown();
     void doFixError();
-    /// The computer woke: a refresh that fell due in sleep is made at once.
+    /// Handles waking from sleep: a refresh that fell due meanwhile is made at once.
     void receiveWakeNote();
-    /// The clock was set: where that put the next refresh off beyond a whole interval, it is made at once, and all
-    /// cached reports go, whose due times were put off as well.
+    /// Handles a change to the clock. If the next refresh is now more than a whole interval away, the cached reports,
+    /// whose due times are just as wrong, are cleared, and a refresh is made at once.
     void receiveClockNote();
 
     // Presentation
 
-    /// A figure with its unit, or one of the texts for a missing cap: 0 and -1 without a unit.
+    /// Returns a figure with its unit, or the text for a missing cap if the value is 0 or -1 and there is no unit.
     std::string formattedUsageStringWithUsageValue(double value, std::optional<std::string_view> andMeasurement) const;
 
     // Status menu
 
     /// Shows the waiting state.
     void updateMenuBarLoading();
-    /// Shows the preferences window among the program's own windows.
+    /// Shows the preferences window in front of the program's own windows.
     void clickMenuItem();
     /// Shows the preferences window in front of all programs' windows.
     void showPreferences();
     void showUsageWindow();
-    /// Refreshes from the provider, whatever the cache holds.
+    /// Refreshes from the provider, bypassing the cache.
     void updateButton();
     void quitButton();
     /// Rebuilds the connection submenu from the key list.
     void doUpdateSubMenu();
-    /// Switches to the connection whose position is the sender's tag; the first for any other sender.
+    /// Switches to the connection at the position given by the sender's tag, or to the first if the sender has none.
     void doSelectSubMenuWithMenuItem(platform::Sender sender);
 
     // Key management
 
-    /// Confirms the selected connection with the cap as typed, closes the preferences window and refreshes. After a
-    /// pick from the submenu it only refreshes.
+    /// Confirms the selected connection and the typed cap, closes the preferences window and refreshes. After a pick
+    /// from the submenu it only refreshes.
     void useConnection();
-    /// Closes the preferences window. What was picked or typed there and not confirmed is confirmed with it, so that no
-    /// window shows one connection's name over another's figures.
+    /// Closes the preferences window. An unconfirmed selection or cap is confirmed, so that no window shows one
+    /// connection's name with another's figures.
     void closePreferences();
-    /// Opens the add-key sheet, and asks the provider for the key of this connection in silence.
+    /// Opens the add-key sheet and asks the provider for this connection's key, without reporting failure.
     void addKeyButton();
     void cancelButton();
     void addKeyAction();
     void doAddKey();
-    /// Adds and selects a connection; false, with nothing changed, when the list has the same entry already.
+    /// Adds and selects a connection. Returns false, with nothing changed, if the list already has the same entry.
     bool addKeyWithNickname(std::string_view nickname, std::string_view withKey);
     void checkCurrentKey();
     void autoRetrieveCodeButton();
-    /// Fills the key field with the key of this connection, if the provider knows it; else says so where that is asked.
+    /// Fills the key field with this connection's key if the provider knows it; otherwise shows an error if requested.
     void checkCurrentKeyWithError(bool showError);
     void removeKeyButton();
-    /// Removes the selected connection if the alert was answered with its first button.
+    /// Removes the selected connection if the user answered with the alert's first button.
     void doRemoveKeyAndAlert(int andReturnCode);
     void getUsageCode();
     void checkUpdates();
-    /// Opens the day-by-day window. The usage window makes room for it if it was asked from there.
+    /// Opens the daily usage window, and hides the usage window if it was opened from there.
     void viewDailyUsageDataButton(platform::Sender sender);
     void comboBoxSelectionDidChange() override;
 
     // Preferences
 
-    /// Gives the check boxes white titles, for the coloured ground.
+    /// Makes the check boxes' titles white, to suit the coloured background.
     void updateDesign();
     /// Fills the cap field with the stored cap of the selected connection.
     void doUpdateUsageCapText();
     void clearCache();
-    /// Empties the cache and says so for a while.
+    /// Clears the cache and shows a message for a while.
     void clearCacheButton();
-    /// Fades the message in and has it go after a while, or fades it out; a time of zero is the first showing.
+    /// Fades the message in and schedules its removal, or fades it out. A duration of zero marks the first time it is
+    /// shown.
     void animateSuccessMessageWithAnimationTime(platform::Seconds duration, bool andAnimatingIn);
     void hideCacheClearedText();
-    /// The user changed how connections are named.
+    /// Handles a change to how connections are named.
     void changeOnlyKeyNicknames();
-    /// The user picked another figure for the status item.
+    /// Handles the choice of another figure for the status item.
     void changeStatusBarDropdown();
-    /// The user chose whether the program starts at login; says so where that cannot be stored.
+    /// Stores whether the program starts at login, and shows an error if that fails.
     void changeStartAtLogin();
 
     // Touch bar
 
-    /// A bar without connections.
+    /// Makes a bar without connections.
     std::shared_ptr<platform::TouchBar> makeTouchBar();
-    /// A bar with these connections' items, which may be none.
+    /// Makes a bar with the items of these connections, if any.
     std::shared_ptr<platform::TouchBar> makeTouchBarWithArray(std::vector<std::string> const& connectionIdentifiers);
     std::unique_ptr<platform::CustomTouchBarItem> makeItemForIdentifier(std::string_view identifier) override;
-    /// Gives the preferences window's bar to the other windows. Always true.
+    /// Shares the preferences window's bar with the other windows. Always returns true.
     bool setTouchBarForAllWindows();
 
     // Appearance
 
-    /// Gives the preferences window the ground of the present appearance.
+    /// Sets the preferences window's background for the current appearance.
     void updateDarkAppearance();
-    /// Begins to observe the computer's waking, its clock and the appearance.
+    /// Starts observing wakes, clock changes and the appearance.
     void fileNotifications();
 
 private:
@@ -206,7 +207,7 @@ private:
     void showMenu(UsageFigures const& figures, std::string_view unit);
     void showWindowTitle();
     std::string statusTitle(UsageFigures const& figures, std::string_view unit) const;
-    /// A volume that a missing cap makes unlimited.
+    /// Formats a volume, or returns the text for "unlimited" without a cap.
     std::string capped(double volume, UsageFigures const& figures, std::string_view unit) const;
     void fadeLevel(double opacity);
     void setLevelHidden(bool hidden);
@@ -230,14 +231,14 @@ private:
 
     // Touch bar
     void showTouchBar(std::vector<std::string> const& connectionIdentifiers);
-    /// The identifiers of the connections that have a place in the bar.
+    /// The identifiers of the connections that fit in the bar.
     std::vector<std::string> touchBarConnections() const;
 
     IntervalChoice intervalChoice() const;
     std::string text(std::string_view key) const;
-    /// The text with an argument in place of its "%@".
+    /// The text with its "%@" replaced by an argument.
     std::string text(std::string_view key, std::string_view argument) const;
-    /// A label and a value with a blank between.
+    /// A label and a value, separated by a space.
     std::string labelled(std::string_view labelKey, std::string_view value) const;
     CacheData cacheData() const;
     ProviderAddresses addresses() const;
@@ -248,24 +249,24 @@ private:
     platform::UserDefaults* prefs_ = nullptr;
     platform::NumberFormatter usageFormatter_;
 
-    /// The current report; empty until the first refresh ends, none after one that failed.
+    /// The current report: empty until the first refresh ends, nullopt after a failed one.
     std::optional<platform::Dictionary> usageDictionary_;
-    /// The usage key that the current report, or its failure, belongs to; none until the first refresh ends.
+    /// The usage key of the current report or failure; nullopt until the first refresh ends.
     std::optional<std::string> reportKey_;
     /// The current usage key.
     std::string selectedKey_;
-    /// The entry that it comes from.
+    /// The entry that selectedKey_ comes from.
     std::string confirmedEntry_;
     IntervalChoice indexOfSelectedItemUpdateInterval_ = 0;
     std::unique_ptr<platform::Timer> updateInterval_;
     std::unique_ptr<platform::Timer> fixErrorTimer_;
-    /// Until the menu tells of the refresh timer.
+    /// Set while the menu's dates do not reflect the refresh timer yet.
     std::unique_ptr<platform::Timer> datesTimer_;
-    /// While the usage window is open.
+    /// Runs while the usage window is open.
     std::unique_ptr<platform::Timer> datesCheck_;
-    /// The last update that the menu tells of; none while it tells of none.
+    /// The last update shown in the menu, if any.
     std::optional<platform::Date> shownLastUpdate_;
-    /// What the menu's dates were written for.
+    /// The values that the menu's dates were formatted from.
     struct WrittenDates {
         platform::Date lastUpdate;
         std::optional<platform::Date> nextUpdate;
@@ -274,15 +275,15 @@ private:
         bool operator==(WrittenDates const&) const = default;
     };
     std::optional<WrittenDates> writtenDates_;
-    /// A connection was picked from the submenu: useConnection() then stores no cap and leaves the window alone.
+    /// Set when a connection was picked from the submenu; useConnection() then stores no cap and closes nothing.
     bool usedMenuItemForSelection_ = false;
-    /// The status item waits for a refresh.
+    /// Whether the status item is waiting for a refresh.
     bool waiting_ = false;
     bool animationRanAlready_ = false;
     bool touchBarAvailable_ = false;
     std::unique_ptr<DetailedUsageViewController> detailedUsageController_;
 
     std::vector<platform::Subscription> observations_;
-    /// While the user is asked whether to remove a connection.
+    /// Active while the user is asked whether to remove a connection.
     platform::Subscription removalObservation_;
 };

@@ -41,7 +41,7 @@ std::optional<std::string> AppDelegate::getCurrentlySelectedKey() const
     auto const& comboBox = outlets_.tarvoUsageKeysComboBox;
     if (auto item = comboBox.objectValueOfSelectedItem(); item && !item->empty())
         return item;
-    // A text that no item was picked for counts as selected too.
+    // A text that matches no item counts as selected too.
     if (auto const& shown = comboBox.text.get(); !shown.empty())
         return shown;
     return std::nullopt;

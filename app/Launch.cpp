@@ -10,7 +10,7 @@
 
 namespace {
 
-// What a pop-up shows until the user picks something else.
+// The initial choice of both pop-ups.
 constexpr int defaultChoice = 2;
 
 }
@@ -55,7 +55,7 @@ void AppDelegate::performStartupActions()
     }
 }
 
-// A report that another version cached is never shown. Returns whether this version launched last.
+// A report cached by another version must never be shown. Returns whether this version was the last one launched.
 bool AppDelegate::applyVersionRule()
 {
     auto const version = platform_.bundle.shortVersion();
@@ -80,7 +80,7 @@ void AppDelegate::repairCacheOnce()
         prefs_->set(settings::fixedCache, 1);
 }
 
-// Turns the single key of earlier versions into a key list.
+// Converts the single key of earlier versions into a key list.
 void AppDelegate::upgradeMeter()
 {
     auto const entry = KeyEntry::format("Home", *prefs_->get<std::string>(settings::tarvoId));
@@ -90,7 +90,7 @@ void AppDelegate::upgradeMeter()
     loadKeys();
     outlets_.tarvoUsageKeysComboBox.selectItemAtIndex(0);
 
-    // Closing the preferences confirms it.
+    // Closing the preferences window confirms the connection.
     confirmedEntry_.clear();
     outlets_.refreshStatus.text.set({});
     showPreferences();

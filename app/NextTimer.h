@@ -6,12 +6,12 @@
 #include <cstdint>
 #include <optional>
 
-/// Hours between automatic refreshes, as picked by the user; 0 for none.
+/// Hours between automatic refreshes, as chosen by the user; 0 disables them.
 using IntervalChoice = int;
 
 constexpr std::chrono::hours periodOf(IntervalChoice choice) { return std::chrono::hours(choice); }
 
-/// When the refresh timer fires first, and how often after that.
+/// When the refresh timer first fires, and its period after that.
 struct TimerPlan {
     platform::Date first;
     platform::Seconds period;
@@ -19,7 +19,7 @@ struct TimerPlan {
     bool operator==(TimerPlan const&) const = default;
 };
 
-/// The plan for a refresh timer that is armed for a fire date (a cached report's) or for an interval (a new refresh's).
-/// A cached due time holds only while the choice it was made under still does. Nothing: no automatic refresh.
+/// Plans the refresh timer for a fire date (of a cached report) or for an interval (after a new refresh). A cached due
+/// time is valid only if the user's choice has not changed since. Returns nothing if there is no automatic refresh.
 std::optional<TimerPlan> nextTimer(platform::Date now, std::optional<platform::Date> fireDate,
     platform::Seconds interval, IntervalChoice choice, std::int64_t choiceOfReport);

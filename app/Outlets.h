@@ -10,10 +10,10 @@
 #include <array>
 #include <memory>
 
-/// The tag of the usage window's own button for the day-by-day window, which takes the usage window's place.
+/// The tag of the usage window's button that replaces it with the daily usage window.
 inline constexpr int detailedUsageButtonTag = 69;
 
-/// Every control that the controller and the desktop meet at. A desktop's widget has the name of its outlet.
+/// The controls shared by the controller and the desktop. A desktop names its widgets after the outlets.
 struct Outlets {
     using MenuItem = std::shared_ptr<platform::MenuItem>;
 
@@ -32,7 +32,7 @@ struct Outlets {
 
     // The usage window
     platform::Window monitorWindow;
-    /// The status item's figure, and what it counts.
+    /// The status item's figure, and a caption that says what it is.
     platform::TextField headline;
     platform::TextField headlineCaption;
     platform::TextField downloadUsage;
@@ -46,9 +46,9 @@ struct Outlets {
     platform::TextField usageRemainingText;
     platform::LevelIndicator usageBar;
     platform::TextField usageCapPercentageText;
-    /// What the last refresh came to, where its figures do not say it; in the preferences window too.
+    /// The outcome of the last refresh where the figures do not show it; also shown in the preferences window.
     platform::TextField refreshStatus;
-    /// The menu's dates.
+    /// The same dates as in the menu.
     platform::TextField lastUpdateText;
     platform::TextField nextUpdateText;
     platform::Button setCapButton;
@@ -60,7 +60,7 @@ struct Outlets {
     platform::Button addKeyButton;
     platform::Button removeKeyButton;
     platform::TextField usageLimit;
-    /// What the cap counts as, where it does not look like that.
+    /// The number that the cap is read as, if that is not obvious.
     platform::TextField usageLimitReading;
     platform::PopUpButton updateIntervalPopupButton;
     platform::PopUpButton statusBarDropdown;
@@ -80,7 +80,7 @@ struct Outlets {
     platform::Window addKeyWindow;
     platform::TextField keyNewNickname;
     platform::TextField usageID;
-    /// What is wrong with the key, or how the lookup goes.
+    /// Shows what is wrong with the key, or the state of the lookup.
     platform::TextField usageIDStatus;
     platform::Button autoRetrieveCodeButton;
     platform::Button getUsageCodeButton;

@@ -52,7 +52,7 @@ void AppDelegate::showError()
 void AppDelegate::presentReport()
 {
     waiting_ = false;
-    // A refresh that overlapped with this one may have failed and armed it.
+    // An overlapping refresh may have failed and started the timer.
     fixErrorTimer_.reset();
     outlets_.refreshStatus.text.set({});
     updateTitleBarDates();
@@ -134,7 +134,7 @@ void AppDelegate::showFields(UsageFigures const& figures, std::string_view unit)
 void AppDelegate::showWindowTitle()
 {
     auto title = text("TARVO_TITLE_NEW");
-    // A report can come after its connection, the last one, was removed.
+    // The last connection may have been removed before its report arrived.
     if (auto const entry = getCurrentlySelectedKey())
         title.append(" - ").append(KeyEntry::parse(*entry).nickname);
     outlets_.monitorWindow.title.set(std::move(title));

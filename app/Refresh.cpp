@@ -8,7 +8,7 @@
 #include "storage/CacheData.h"
 #include "storage/UsageReport.h"
 
-// What one refresh was asked for. It keeps its key, whatever the user picks meanwhile.
+// The parameters of one refresh. Its key stays the same, whatever the user selects meanwhile.
 struct AppDelegate::Refresh {
     std::string usageKey;
     bool cacheAllowed;
@@ -34,7 +34,7 @@ void AppDelegate::updateUsageWithCache(bool cacheAllowed, bool withNotification)
         acceptFailure(selectedKey_);
 }
 
-// Runs on the refresh's own queue. Whatever it finds goes to the main thread in one task.
+// Runs on the refresh's own queue, and passes the outcome to the main thread in a single task.
 void AppDelegate::refreshInBackground(Refresh const& refresh)
 {
     if (refresh.cacheAllowed) {
@@ -79,7 +79,7 @@ void AppDelegate::acceptFetchedReport(Refresh const& refresh, platform::Dictiona
     usageDictionary_ = std::move(report);
     reportKey_ = refresh.usageKey;
 
-    // Removing a connection removes its file, which a refresh that was under way must not bring back.
+    // Removing a connection also removes its file, which a refresh in progress must not recreate.
     if (isStored(refresh.usageKey))
         cacheData().saveCacheFile(*usageDictionary_, refresh.usageKey);
     if (refresh.withNotification)
@@ -119,9 +119,9 @@ void AppDelegate::updateTitleBar()
     });
 }
 
-// A refresh keeps the key that it was asked for, so its outcome can arrive after the user has picked another connection
-// or removed the last one. It is presented, but must not stay on the screen under another connection's name. The
-// refresh that follows uses the key that is current by then, so this ends when the user stops switching.
+// A refresh keeps the key it was started with, so its outcome can arrive after the user has selected another connection
+// or removed the last one. It is presented, but must not stay on screen under another connection's name. The next
+// refresh uses the key that is current by then, so this ends when the user stops switching.
 void AppDelegate::followSelection()
 {
     if (!reportKey_)

@@ -10,8 +10,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Writing dates takes its time, and the user is to see first that the program is at work. A report from the cache is
-// there by then, and has its dates written only once.
+// Formatting dates is slow, and the user should first see that the program is working. By then a cached report has also
+// arrived, so its dates are formatted only once.
 constexpr platform::Seconds timeToShowWork = 10ms;
 
 }
@@ -59,8 +59,8 @@ void AppDelegate::menuNeedsUpdate()
         showDates();
 }
 
-// A window that stays open shows them too. The time zone may change, and a day begins on a quarter of an hour in all of
-// them.
+// An open window shows the dates too, and the time zone may change. A quarter of an hour is enough, since in every time
+// zone the day begins on one.
 void AppDelegate::keepDatesRight(bool visible)
 {
     datesCheck_.reset();
@@ -72,7 +72,7 @@ void AppDelegate::keepDatesRight(bool visible)
     datesCheck_ = platform_.runLoop.repeat(quarter + 15min, 15min, [this] { menuNeedsUpdate(); });
 }
 
-// Writing dates takes its time, and a menu that opens must not wait for what it has already.
+// Formatting dates is slow, and must not delay opening a menu whose dates are still right.
 void AppDelegate::showDates()
 {
     datesTimer_.reset();
@@ -95,7 +95,7 @@ void AppDelegate::tellDates(std::string_view lastUpdate, std::string_view nextUp
 
 void AppDelegate::doChangeUpdateIntervalDropdown()
 {
-    // A report saved under the old choice must not be taken as fresh.
+    // A report saved under the old interval must not count as fresh.
     clearCache();
     loadKeys();
     updateUsageWithCache(false);
@@ -113,7 +113,7 @@ void AppDelegate::receiveWakeNote()
 
 void AppDelegate::receiveClockNote()
 {
-    // A clock that is only put right by a little is no reason.
+    // A small correction of the clock is ignored.
     constexpr platform::Seconds slack = std::chrono::minutes(1);
     bool const putOff = updateInterval_ && updateInterval_->isValid()
         && updateInterval_->fireDate() - platform_.runLoop.now() > periodOf(intervalChoice()) + slack;

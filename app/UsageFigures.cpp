@@ -17,7 +17,7 @@ double bytesOf(platform::Dictionary const& report, std::string_view name)
     return text ? platform::leadingNumber(*text) : 0;
 }
 
-// Two divisions, not one by a million: the last digit can differ.
+// Dividing once by a million could change the last digit.
 double megabytes(double bytes) { return bytes / 1000 / 1000; }
 
 }

@@ -5,8 +5,8 @@
 
 #include <string_view>
 
-/// A report's volumes beside the cap. In megabytes (1,000,000 bytes) when made; scaleToDisplayUnit() changes the unit
-/// of them all.
+/// A report's volumes and the cap. They start out in megabytes (1,000,000 bytes); scaleToDisplayUnit() converts them
+/// all.
 struct UsageFigures {
     double downloaded = 0;
     double uploaded = 0;
@@ -15,19 +15,19 @@ struct UsageFigures {
     double graceUploaded = 0;
     double graceTotal = 0;
     double overallTotal = 0;
-    /// 0: there is no cap.
+    /// 0 means no cap.
     double cap = 0;
-    /// Negative once the cap is exceeded.
+    /// Negative if the cap is exceeded.
     double remaining = 0;
 
-    /// A missing figure counts as 0. The cap is in gigabytes, as typed.
+    /// Treats a missing figure as 0. The cap is in gigabytes, as typed.
     static UsageFigures fromReport(platform::Dictionary const& report, std::string_view capText);
 
     bool hasCap() const { return cap != 0; }
-    /// The share of the cap used, in percent; only with a cap.
+    /// The used share of the cap, in percent. Requires a cap.
     float percentage() const;
 
-    /// Divides every figure by the same power of 1000, so that the overall total is at most 1000 where the units reach;
-    /// returns the unit, "MB", "GB", "TB" or "PB".
+    /// Divides every figure by the same power of 1000, so that the overall total is at most 1000 if the units go that
+    /// far. Returns the unit: "MB", "GB", "TB" or "PB".
     std::string_view scaleToDisplayUnit();
 };

@@ -5,7 +5,7 @@
 #include "platform/WebView.h"
 #include "platform/Window.h"
 
-/// The controls of the detailed usage window. A desktop's widget has the name of its outlet.
+/// The controls of the detailed usage window. A desktop names its widgets after the outlets.
 struct DetailedUsageLayout {
     DetailedUsageLayout()
     {

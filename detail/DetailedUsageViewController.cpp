@@ -15,7 +15,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Long enough for a user to pass over some months.
+// Gives the user time to scroll past several months.
 constexpr platform::Seconds monthChangeDelay = 500ms;
 constexpr platform::Seconds closingPoll = 200ms;
 constexpr int monthsBack = 12;
@@ -60,7 +60,7 @@ void DetailedUsageViewController::windowDidLoad()
         layout_.window.effectiveAppearance.observeChanges([this](platform::Appearance) { updateDarkAppearance(); }));
     observations_.push_back(layout_.window.fullScreen.observeChanges(
         [this](bool entering) { entering ? windowWillEnterFullScreen() : windowWillExitFullScreen(); }));
-    // Alerts of a closed window must not appear when it opens again.
+    // Alerts of a closed window must not reappear when it is opened again.
     observations_.push_back(layout_.window.visible.observeChanges([this](bool visible) {
         if (!visible)
             layout_.window.endAlerts();
@@ -75,7 +75,7 @@ void DetailedUsageViewController::windowDidLoad()
     boundMonthPicker();
 }
 
-// Anew at each showing, for a run may pass into another month.
+// Repeated each time the window is shown, since the program may run into another month.
 void DetailedUsageViewController::boundMonthPicker()
 {
     auto const now = platform_.runLoop.now();
@@ -88,7 +88,7 @@ void DetailedUsageViewController::doShowUsageWindow()
 {
     if (!secondRun_)
         windowDidLoad();
-    // A page that was shown went with the window.
+    // Closing the window has ended the page.
     setLoading(true);
     layout_.window.makeKeyAndOrderFront();
     if (secondRun_) {
@@ -120,7 +120,7 @@ void DetailedUsageViewController::doBeginLoadUsageWithDate(std::optional<platfor
     closeTimer_.reset();
     layout_.window.endAlerts();
     didAlreadySetInformativeTitle_ = false;
-    // Calendars are for the main thread only.
+    // The calendar functions are for the main thread only.
     auto const now = platform_.runLoop.now();
     auto const month = platform::calendarMonth(date.value_or(now), platform_.dateLocale);
     bool const isCurrentMonth = month == platform::calendarMonth(now, platform_.dateLocale);
@@ -158,12 +158,12 @@ void DetailedUsageViewController::setLoading(bool loading)
 
 void DetailedUsageViewController::didFinishLoadForFrame()
 {
-    // A frame that is still on its way brings another notice.
+    // A frame that is still loading will report again.
     if (layout_.usageWebView.isLoading())
         return;
     for (auto const& script : restylingScripts())
         layout_.usageWebView.run(script);
-    // The answer comes once all of them have run.
+    // Its result arrives after all earlier scripts have run.
     evaluate(pageScripts::nothing(), [this](bool) { showPage(); });
 }
 
@@ -192,7 +192,7 @@ void DetailedUsageViewController::showPage()
 void DetailedUsageViewController::reportFailureNotice()
 {
     auto title = text("USAGE_ERROR_TITLE");
-    // A page can reload itself again and again.
+    // A page may keep reloading itself.
     if (layout_.window.hasAlert(title))
         return;
     layout_.window.beginSheet({ .messageText = std::move(title),
@@ -241,7 +241,7 @@ void DetailedUsageViewController::doDisplayErrorPromptWithWebView(platform::Load
         [this](int returnCode) {
             if (returnCode == platform::Alert::firstButtonReturn)
                 return doReload();
-            // An alert that waits behind the prompt would keep the window open.
+            // An alert waiting behind this one would keep the window open.
             layout_.window.endAlerts();
             doCloseWindow();
         });

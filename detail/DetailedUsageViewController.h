@@ -18,35 +18,35 @@ struct Platform;
 class ProviderAddresses;
 struct DetailedUsageLayout;
 
-/// Owns the window that shows the provider's own day-by-day page of a month, cut down to its usage section. Made when
-/// it is first asked for, and kept for the rest of the run; main thread only.
+/// Owns the window that shows the provider's daily usage page of a month, reduced to its usage section. Created on
+/// first use and kept until the program ends. Main thread only.
 class DetailedUsageViewController final : private platform::WebViewDelegate {
 public:
     DetailedUsageViewController(platform::Platform& platform, DetailedUsageLayout& layout);
 
     // The window
 
-    /// Shows the window and loads the present month.
+    /// Shows the window and loads the current month.
     void doShowUsageWindow();
-    /// The user picked a month: it is loaded unless another one is picked soon.
+    /// Handles the user's pick of a month, and loads it unless another one is picked soon.
     void changeMonth();
     void doChangeMonth();
-    /// Loads the picker's month.
+    /// Loads the selected month.
     void doReload();
     void doBeginLoadUsage();
-    /// Loads the month of a date; of the present one for none.
+    /// Loads the month of a date, by default the current month.
     void doBeginLoadUsageWithDate(std::optional<platform::Date> date);
     void exitFullScreenAction();
     void windowWillEnterFullScreen();
     void windowWillExitFullScreen();
-    /// Tells that a load failed, and lets the user try again or close the window.
+    /// Reports that a load failed, and lets the user retry or close the window.
     void doDisplayErrorPromptWithWebView(platform::LoadError andError);
-    /// Closes the window once no sheet stands on it.
+    /// Closes the window once it has no sheet.
     void doCloseWindow();
 
     // The page
 
-    /// Colours the page after the window's light or dark appearance.
+    /// Colours the page to match the window's light or dark appearance.
     void updateDarkAppearance();
 
 private:
@@ -59,11 +59,11 @@ private:
     void windowDidLoad();
     void boundMonthPicker();
     void setLoading(bool loading);
-    /// The scripts that a finished load calls for, in their order.
+    /// The scripts to run after a load, in order.
     std::vector<std::string> restylingScripts();
     void showPage();
     void reportFailureNotice();
-    /// Runs a script and goes on with whether its value is true, unless another load has begun by then.
+    /// Runs a script and passes on whether its value is true, unless another load has begun by then.
     void evaluate(std::string const& script, std::function<void(bool isTrue)> next);
 
     std::string text(std::string_view key) const;
@@ -75,12 +75,12 @@ private:
     /// The pending change to another month.
     std::unique_ptr<platform::Timer> changeMonthTimer_;
     std::unique_ptr<platform::Timer> closeTimer_;
-    /// The window was shown before.
+    /// Whether the window has been shown before.
     bool secondRun_ = false;
-    /// The page of the current load has its banner.
+    /// Whether the loaded page has its banner.
     bool didAlreadySetInformativeTitle_ = false;
     bool selectedMonthIsCurrentMonth_ = false;
-    /// Counts the loads, to tell the answers of an older one.
+    /// Counts the loads, so that answers for an older one can be recognized.
     unsigned load_ = 0;
 
     std::vector<platform::Subscription> observations_;

@@ -25,7 +25,7 @@ std::string forEach(std::string const& elements, std::string const& count, std::
 
 std::string restyling()
 {
-    // A page without a footer or a header bar loses nothing by these coming last.
+    // The statements that may fail come last, so a page without a footer or a header bar loses nothing.
     return "var content = document.getElementsByClassName('portal-login-section')[0].outerHTML; "
            "document.getElementsByTagName('body')[0].innerHTML = content; "
            "document.querySelectorAll('script').forEach((script) => { script.outerHTML = '' }); "

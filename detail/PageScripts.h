@@ -6,29 +6,28 @@
 #include <string>
 #include <string_view>
 
-/// The scripts that run in the provider's page. Each stands alone; the first of its statements that fails ends it, and
-/// what the earlier ones did stays.
+/// Scripts that run in the provider's page. Each is independent. A statement that fails ends its script, but the
+/// effects of the statements before it remain.
 namespace pageScripts {
 
-/// Cuts the page down to its usage section and gives it a plain style.
+/// Reduces the page to its usage section and gives it a plain style.
 std::string restyling();
 
-/// Lets the table's last row, which is today's, and the legend's marker stand out.
+/// Highlights the table's last row, which is today's, and the legend's marker.
 std::string todayHighlight();
 std::string todayLegend();
 
-/// Puts a warning in the place of the page's title. The text is markup without a single quote, a backslash or a line
-/// break.
+/// Replaces the page's title with a warning. The text is markup without single quotes, backslashes or line breaks.
 std::string banner(std::string_view warning);
 
 std::string pageBackground(platform::Color color);
 std::string pageText(platform::Color color);
 std::string boxBackground(platform::Color color);
-/// Colours the rows of all tables; the document's last one keeps its highlight where it is today's.
+/// Colours the rows of all tables, except that the document's last row keeps its highlight if it is today's.
 std::string rowBackground(platform::Color color, bool lastIsToday);
 
-/// Is true if the page has the provider's failure notice and its markup holds the word "error". The page itself is
-/// searched, for its notice can be of any size.
+/// Evaluates to true if the page has the provider's failure notice and its markup contains "error". The search runs
+/// inside the page, because the notice can be of any size.
 std::string hasFailureNotice();
 
 /// Has no effect and no value.

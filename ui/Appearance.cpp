@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The controller's part in following the desktop: its light or dark appearance, and its waking from sleep and its
-// clock.
+// The controller's part in following the desktop: its appearance, waking from sleep, and clock changes.
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
 #include "platform/Bundle.h"
@@ -8,7 +7,7 @@
 
 void AppDelegate::updateDarkAppearance()
 {
-    // For a bundle without colours of its own.
+    // Used if the bundle has no colours.
     constexpr platform::Color fixedBackground { 81, 180, 63 };
     auto& window = outlets_.window;
     window.backgroundColor.set(
@@ -33,6 +32,6 @@ void AppDelegate::fileNotifications()
         outlets_.headlineCaption.text.set(isChoice ? choices[static_cast<std::size_t>(index)] : std::string());
     }));
     observations_.push_back(outlets_.monitorWindow.visible.observe([this](bool visible) { keepDatesRight(visible); }));
-    // Other programs change it too.
+    // Other programs can change it too.
     observations_.push_back(outlets_.window.observeFrontRequests([this] { showStartAtLogin(); }));
 }

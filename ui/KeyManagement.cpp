@@ -20,7 +20,7 @@
 void AppDelegate::useConnection()
 {
     bool const isFromSubmenu = std::exchange(usedMenuItemForSelection_, false);
-    // An item that was picked but has no text is no connection; no picked item at all is another matter.
+    // A picked item without a text is not a connection; having picked no item at all is allowed.
     if (auto const item = outlets_.tarvoUsageKeysComboBox.objectValueOfSelectedItem(); item && item->empty()) {
         outlets_.window.makeKeyAndOrderFront();
         outlets_.window.beginSheet({ .messageText = text("FAILURE_BLANK_CODE") });
@@ -71,7 +71,7 @@ void AppDelegate::doAddKey()
         outlets_.window.endSheet(outlets_.addKeyWindow);
     else
         addKeyAlertWindow().beginSheet({ .messageText = text("FAILURE_KEY_EXISTS") });
-    // Even a refused key leads to fresh figures.
+    // Refresh even if the key was refused.
     loadKeys();
     updateUsageWithCache(false);
 }
@@ -106,20 +106,20 @@ void AppDelegate::checkCurrentKeyWithError(bool showError)
         acceptLookup(std::nullopt, showError);
 }
 
-// The answer counts whenever it comes, whether or not the sheet is still open.
+// The answer is used whenever it arrives, whether or not the sheet is still open.
 void AppDelegate::acceptLookup(std::optional<std::string> const& key, bool showError)
 {
     if (key)
         outlets_.usageID.text.set(*key);
     else if (showError)
         showLookupFailure();
-    // A remark on the key itself is worth more.
+    // A message about the key itself takes precedence.
     showKeyStatus();
     if (outlets_.usageIDStatus.text.get().empty())
         outlets_.usageIDStatus.text.set(text(key ? "LOOKUP_FOUND" : "AUTO_FAILURE_TITLE"));
 }
 
-// Such a key is accepted all the same, and leads to the error state.
+// Such a key is accepted anyway, and leads to the error state.
 void AppDelegate::showKeyStatus()
 {
     auto const& key = outlets_.usageID.text.get();
@@ -127,14 +127,14 @@ void AppDelegate::showKeyStatus()
     outlets_.usageIDStatus.text.set(isUsual ? std::string() : text("KEY_UNUSUAL"));
 }
 
-// An alert that comes too late for its window goes to the one that the window stood on.
+// If the sheet has been closed meanwhile, its alert goes to the window it was attached to.
 platform::Window& AppDelegate::addKeyAlertWindow()
 {
     return outlets_.addKeyWindow.visible.get() ? outlets_.addKeyWindow : outlets_.window;
 }
 
-// One alert speaks for all lookups that failed before it was answered. A user who has closed both windows is no longer
-// waiting for it.
+// One alert covers all lookups that fail before it is answered. A user who has closed both windows is no longer waiting
+// for it.
 void AppDelegate::showLookupFailure()
 {
     auto& window = addKeyAlertWindow();
@@ -151,7 +151,7 @@ void AppDelegate::removeKeyButton()
     auto& comboBox = outlets_.tarvoUsageKeysComboBox;
     if (comboBox.text.get().empty() || comboBox.items.get().empty())
         return;
-    // The question is about this connection. Selecting another one, by whatever means, withdraws it.
+    // The question is about this connection, so selecting another one withdraws it.
     removalObservation_ = comboBox.text.observeChanges(
         [this](std::string const&) { outlets_.window.endAlerts(text("REMOVE_KEY_CONFIRM_TITLE")); });
     outlets_.window.beginSheet(
@@ -202,7 +202,7 @@ void AppDelegate::selectFirstKey()
     if (auto key = KeyEntry::parse(first).key)
         selectedKey_ = *std::move(key);
     confirmedEntry_ = first;
-    // The submenu was built before there was a selection for its check mark.
+    // The submenu was built before there was a selection to mark.
     if (comboBox.items.get().size() >= 2)
         doUpdateSubMenu();
 }
@@ -215,7 +215,7 @@ void AppDelegate::getUsageCode()
             { .messageText = text("GET_KEY_FAILURE_TITLE"), .informativeText = text("GET_KEY_FAILURE_MESSAGE", page) });
 }
 
-// Updates come with the system's packages.
+// Does nothing, since updates come with the system's packages.
 void AppDelegate::checkUpdates() { }
 
 void AppDelegate::viewDailyUsageDataButton(platform::Sender sender)

@@ -13,7 +13,7 @@ namespace {
 
 // In hours.
 constexpr int maximumInterval = 24;
-// Where a text takes its number.
+// The placeholder for a text's number.
 constexpr std::string_view numberPlace = "%i";
 
 std::string filled(std::string format, std::string const& number)
@@ -53,7 +53,7 @@ MainLayout::MainLayout(Outlets& outlets, platform::Bundle const& bundle, platfor
     for (auto const& [item, label] : { std::pair(outlets.usageCapMenuItem, "USAGE_CAP"),
              std::pair(outlets.remainingUsageMenuItem, "REMAINING_USAGE") })
         item->title.set(bundle.localizedString(label) + " " + bundle.localizedString("SELECT_KEY"));
-    // They have nothing to show before the first report.
+    // These lines have nothing to show before the first report.
     for (auto const& item : { outlets.uploadedMenuItem, outlets.usageCapMenuItem, outlets.remainingUsageMenuItem,
              outlets.changeConnectionMenuItem })
         item->hidden.set(true);
@@ -121,7 +121,7 @@ void MainLayout::wire(AppDelegate& controller)
     outlets_.startAtLoginToggle.action = [&controller] { controller.changeStartAtLogin(); };
     outlets_.statusBarDropdown.action = [&controller] { controller.changeStatusBarDropdown(); };
     outlets_.updateIntervalPopupButton.action = [&controller] { controller.doChangeUpdateIntervalDropdown(); };
-    // Where the cap is set.
+    // The cap is set in the preferences window.
     outlets_.usageCapMenuItem->action = [&controller](platform::Sender) { controller.clickMenuItem(); };
 }
 
@@ -137,7 +137,7 @@ void MainLayout::fillMenu(AppDelegate& controller)
         return item(titleKey, [&controller, operation](platform::Sender) { (controller.*operation)(); });
     };
     outlets_.changeConnectionMenuItem->submenu = &outlets_.connectionMenu;
-    // Every group keeps a visible line whatever the user hides, so that no two separators meet.
+    // Every group keeps at least one visible line, so that no two separators meet.
     outlets_.dropDownMenu.setItems({
         outlets_.downloadedMenuItem,
         outlets_.freeDownloadedMenuItem,

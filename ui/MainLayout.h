@@ -13,14 +13,14 @@ class UserDefaults;
 class AppDelegate;
 struct Outlets;
 
-/// Gives the outlets their first state and the stored choices, and keeps the bound ones in step with the settings.
+/// Sets the outlets' initial state and stored choices, and keeps the bound ones in sync with the settings.
 class MainLayout {
 public:
-    /// The locale, as ICU names it, is that of the numbers in texts.
+    /// Formats numbers in texts for the locale, which has an ICU name.
     MainLayout(Outlets& outlets, platform::Bundle const& bundle, platform::UserDefaults& userDefaults,
         std::string const& numberLocale = "en_US");
 
-    /// Lets the controls send their actions to the controller, and adds the menu's commands.
+    /// Connects the controls' actions to the controller, and adds the menu's commands.
     void wire(AppDelegate& controller);
 
 private:

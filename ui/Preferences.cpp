@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 constexpr platform::Seconds messageFade = 1500ms;
 constexpr platform::Seconds messageStay = 5s;
 
-// Digits and a point, which a user takes for the number that the program takes it for.
+// Whether a cap has only digits and a point, so that the user reads it as the same number as the program.
 bool readsAsItLooks(std::string_view cap)
 {
     bool const isNumber
@@ -73,7 +73,7 @@ void AppDelegate::animateSuccessMessageWithAnimationTime(platform::Seconds durat
 {
     auto& message = outlets_.cacheClearedText;
     if (duration == platform::Seconds::zero()) {
-        // Whatever the layout made of the message, it begins transparent.
+        // The message starts out transparent, whatever the layout set.
         fadeMessage(0.0, duration, [this] {
             outlets_.cacheClearedText.hidden.set(false);
             fadeMessage(1.0, messageFade, [this] { hideMessageLater(); });

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The controller's part in the touch bar: what stands in it, its buttons, and the windows that show it.
+// The controller's part in the touch bar: its items, their buttons, and the windows that show it.
 #include "platform/TouchBar.h"
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
@@ -13,7 +13,7 @@
 
 namespace {
 
-// The bar has no room for more connections.
+// The bar has no room for more.
 constexpr std::size_t maximumConnections = 10;
 constexpr platform::Color green { 133, 200, 75 };
 constexpr platform::Color slate { 50, 50, 75 };

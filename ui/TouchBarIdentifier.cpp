@@ -9,7 +9,7 @@ namespace {
 constexpr char separator = '-';
 constexpr std::string_view yes = "yes";
 
-// Takes the text up to the next separator, and the separator, off the front.
+// Returns the text up to the next separator, and removes both from the front.
 std::string_view takeField(std::string_view& rest)
 {
     auto const field = rest.substr(0, rest.find(separator));
