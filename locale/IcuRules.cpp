@@ -18,7 +18,7 @@ std::string toUtf8(icu::UnicodeString const& text)
     return utf8;
 }
 
-// None when the computer lacks ICU's data.
+// Returns null if the computer lacks ICU's data.
 std::unique_ptr<icu::NumberFormat> makeNumberFormat(std::string const& locale)
 {
     UErrorCode status = U_ZERO_ERROR;
@@ -40,7 +40,7 @@ UDate toIcu(Date date)
 
 Date fromIcu(UDate date) { return Date(std::chrono::milliseconds(static_cast<std::int64_t>(date))); }
 
-// Set to a date. None when the computer lacks ICU's data.
+// Returns a calendar set to a date, or null if the computer lacks ICU's data.
 std::unique_ptr<icu::Calendar> makeCalendar(Date date, icu::Locale const& locale)
 {
     UErrorCode status = U_ZERO_ERROR;
@@ -51,7 +51,7 @@ std::unique_ptr<icu::Calendar> makeCalendar(Date date, icu::Locale const& locale
     return U_SUCCESS(status) ? std::move(calendar) : nullptr;
 }
 
-// The same date if the calendar cannot tell.
+// Returns the date unchanged if the calendar fails.
 Date movedBy(int months, Date date, icu::Calendar& calendar)
 {
     UErrorCode status = U_ZERO_ERROR;
@@ -85,14 +85,14 @@ std::string IcuRules::number(double number, std::string const& locale)
     if (!numberFormat_ || numberLocale_ != locale)
         numberFormat_ = makeNumberFormat(locale);
     numberLocale_ = locale;
-    // A plain number is better than none.
+    // A plain number is better than no number.
     if (!numberFormat_)
         return std::to_string(number);
     icu::UnicodeString text;
     return toUtf8(numberFormat_->format(number, text));
 }
 
-// A format keeps the day and the time zone that it was made in, so it is made anew for each date.
+// A format keeps the day and the time zone of its creation, so each date needs a new one.
 std::string IcuRules::date(Date date, std::string const& locale) const
 {
     std::unique_ptr<icu::DateFormat> const format(icu::DateFormat::createDateTimeInstance(
@@ -124,11 +124,11 @@ Date IcuRules::addingMonths(Date date, int months) const
 std::vector<Date> IcuRules::monthsBetween(Date earliest, Date latest, std::string const& locale) const
 {
     std::vector<Date> dates;
-    // One for all: finding the time zone out can take long.
+    // All dates share one calendar, since detecting the time zone can be slow.
     auto const calendar = makeCalendar(latest, icu::Locale(locale.c_str()));
     for (Date date = latest; date >= earliest;) {
         dates.push_back(date);
-        // From the latest date each time, whose day a short month in between would cut off.
+        // Counting from the latest date preserves its day, which a short month in between would cut.
         Date const next = calendar ? movedBy(-static_cast<int>(dates.size()), latest, *calendar) : latest;
         if (next >= date)
             break;

@@ -5,7 +5,7 @@
 
 #include <unicode/numfmt.h>
 
-/// The rules of the Unicode Common Locale Data Repository, as ICU has them, in the computer's present time zone.
+/// The rules of the Unicode Common Locale Data Repository, as provided by ICU, in the computer's current time zone.
 class IcuRules final : public platform::LocaleRules {
 public:
     bool isKnown(std::string const& locale) const override;
@@ -20,7 +20,7 @@ public:
     std::string monthTitle(platform::Date date, std::string const& locale) const override;
 
 private:
-    /// Of the last locale, for there are many numbers and few locales.
+    /// Caches the format of the last locale, since there are many numbers but few locales.
     std::string numberLocale_;
     std::unique_ptr<icu::NumberFormat> numberFormat_;
 };

@@ -5,11 +5,11 @@
 
 #include <memory>
 
-// The library's ways in and out, by these names.
+// The library's entry points, found by these names.
 
 using MakeRules = void (*)(std::unique_ptr<platform::LocaleRules>& made);
 constexpr char const* makeRulesName = "makeUsageMeterLocaleRules";
 
-/// Takes the rules down with all that ICU keeps, after which the library can be unloaded. Nobody else may use ICU.
+/// Destroys the rules and all of ICU's caches, after which the library can be unloaded. Nobody else may use ICU.
 using LetGoOfRules = void (*)(std::unique_ptr<platform::LocaleRules>& rules);
 constexpr char const* letGoOfRulesName = "letGoOfUsageMeterLocaleRules";

@@ -12,7 +12,7 @@ bool isLineBreak(std::int32_t codePoint)
     return (codePoint >= 0x0A && codePoint <= 0x0D) || codePoint == 0x85 || codePoint == 0x2028 || codePoint == 0x2029;
 }
 
-// The tab, and Unicode's category Zs.
+// Matches the tab and Unicode's category Zs.
 bool isSpace(std::int32_t codePoint)
 {
     return codePoint == '\t' || codePoint == ' ' || codePoint == 0xA0 || codePoint == 0x1680
@@ -24,7 +24,7 @@ bool isSpaceOrLineBreak(std::int32_t codePoint) { return isSpace(codePoint) || i
 
 bool continuesCodePoint(char byte) { return (static_cast<std::uint8_t>(byte) & 0xC0) == 0x80; }
 
-// Where the last code point begins. What is not UTF-8 is no space, wherever it begins.
+// Finds where the last code point begins. Invalid UTF-8 is never a space, so its exact beginning does not matter.
 std::size_t lastCodePoint(std::string_view text)
 {
     std::size_t begin = text.size() - 1;

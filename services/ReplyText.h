@@ -5,15 +5,15 @@
 
 #include <string_view>
 
-/// In bytes. Replies have some hundred; the texts of one are kept several times over while it is read.
+/// In bytes. Replies have a few hundred, and several copies of a reply's texts exist while it is read.
 inline constexpr std::size_t maximumReplySize = 1'048'576;
 
-/// Reads the XML of a reply's body. One that is larger, without what stands around it, counts as not well-formed.
+/// Parses the XML of a reply's body. One that is larger, after trimming, counts as not well-formed.
 bool parseReply(std::string_view body, platform::XmlParserDelegate& delegate);
 
-/// A reply's body without the line breaks at its ends, and then without the spaces and tabs at its ends. A line break
-/// that only shows once the spaces are gone stays. Both steps know Unicode's line breaks and spaces.
+/// Trims line breaks, then spaces and tabs from both ends of a reply's body. A line break inside the spaces is kept.
+/// Both steps recognize Unicode's line breaks and spaces.
 std::string_view trimmedReply(std::string_view body);
 
-/// A text without any spaces, tabs and line breaks at its ends.
+/// Trims all spaces, tabs and line breaks from both ends of a text.
 std::string_view trimmedText(std::string_view text);

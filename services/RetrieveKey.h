@@ -13,14 +13,14 @@ namespace platform {
 class UrlLoader;
 }
 
-/// Asks the provider which usage key belongs to the connection that the request comes over. Made for one lookup and
-/// then dropped; any one thread, but never the main one.
+/// Asks the provider for the usage key of the connection that the request comes from. Use each object for one lookup on
+/// a single thread, never the main one.
 class RetrieveKey final : private platform::XmlParserDelegate {
 public:
     RetrieveKey(platform::UrlLoader& loader, ProviderAddresses addresses);
 
-    /// The first key of the reply as it stands there, untrimmed, blocking for the whole exchange. Nothing when no
-    /// well-formed reply arrives, or it has the status "error" or no key.
+    /// Returns the first key of the reply, untrimmed. Blocks for the whole exchange. Returns nothing if no well-formed
+    /// reply arrives, or if it has the status "error" or no key.
     std::optional<std::string> keyForCurrentConnection();
 
 private:
@@ -31,9 +31,9 @@ private:
 
     platform::UrlLoader& loader_;
     ProviderAddresses addresses_;
-    /// The element opened last; it stays when the element closes.
+    /// The element opened last, kept after it closes.
     std::string currentElement_;
-    /// The last run of text of either element: runs are not joined.
+    /// The last run of text of each element; runs are not joined.
     std::string currentKey_;
     std::string currentStatus_;
     std::vector<std::string> keys_;

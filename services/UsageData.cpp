@@ -33,7 +33,7 @@ void UsageData::foundCharacters(std::string_view characters) { currentString_ +=
 void UsageData::didEndElement(std::string_view qualifiedName)
 {
     bool const isFigure = qualifiedName == "download" || qualifiedName == "upload";
-    // A figure before any group belongs to none and is passed over.
+    // A figure outside any group is ignored.
     if (isFigure && primaryElement_)
         parsedDataDictionary_.insert_or_assign(
             *primaryElement_ + ":" + std::string(qualifiedName), trimmedText(currentString_));

@@ -13,16 +13,16 @@ namespace platform {
 class UrlLoader;
 }
 
-/// Fetches and reads one usage report of the provider. Made for one call and then dropped; any one thread, but never
-/// the main one.
+/// Fetches and parses one usage report from the provider. Use each object for one call on a single thread, never the
+/// main one.
 class UsageData final : private platform::XmlParserDelegate {
 public:
     UsageData(platform::UrlLoader& loader, ProviderAddresses addresses);
 
-    /// The figures of a key's report, blocking for the whole exchange: up to six texts named "<group>:<figure>", the
-    /// group being "used", "grace" or "total" and the figure "download" or "upload", each a decimal count of bytes as
-    /// the provider wrote it. Nothing when no well-formed reply arrives; a reply without figures is an empty
-    /// dictionary.
+    /// Returns the figures of a key's report. Blocks for the whole exchange. There are up to six texts named
+    /// "<group>:<figure>", with the groups "used", "grace" and "total" and the figures "download" and "upload". Each is
+    /// a decimal count of bytes as the provider wrote it. Returns nothing if no well-formed reply arrives, and an empty
+    /// dictionary for a reply without figures.
     std::optional<platform::Dictionary> updateUsage(std::string_view usageKey);
 
 private:
@@ -32,7 +32,7 @@ private:
 
     platform::UrlLoader& loader_;
     ProviderAddresses addresses_;
-    /// The group opened last; it stays when the group closes.
+    /// The group opened last, kept after it closes.
     std::optional<std::string> primaryElement_;
     /// All text since the last closing tag.
     std::string currentString_;

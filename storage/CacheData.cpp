@@ -19,8 +19,9 @@ bool isFileName(std::string_view name)
         && name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
 
-// The folder held open, so that nothing is done elsewhere when something else takes its place meanwhile. A link there
-// leads to somebody else's files, and is not opened. Its files are named after keys, so nobody else may list them.
+// The folder, held open so that nothing is done elsewhere if something else replaces it meanwhile. A link in its place
+// leads to somebody else's files and is not opened. The files are named after keys, so others must not be able to list
+// them.
 class HeldFolder {
 public:
     explicit HeldFolder(std::filesystem::path const& folder)

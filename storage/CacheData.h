@@ -13,32 +13,32 @@ namespace platform {
 class RunLoop;
 }
 
-/// The last usage report of each usage key, a property-list file each, named by the key. Reading may be done on any
-/// thread; saving and removing are for the main one. A name that is empty, "." or "..", or holds "/" or NUL, is refused
-/// everywhere. So is a link in the folder's place. The folder is closed to others whenever it is used.
+/// Stores the last usage report of each usage key in a property-list file named after the key. Reading is thread-safe;
+/// saving and removing are for the main thread only. Every function rejects a name that is empty, "." or "..", or
+/// contains "/" or NUL, and a link in the folder's place. The folder is closed to others whenever it is used.
 class CacheData {
 public:
-    /// The user's caches folder, the name of the program's own folder in it, and the loop whose clock decides
+    /// Takes the user's cache folder, the name of the program's own folder in it, and the loop whose clock decides
     /// freshness.
     CacheData(std::filesystem::path cachesFolder, std::string_view bundleIdentifier, platform::RunLoop const& runLoop);
 
     std::filesystem::path const& getCacheDirectory() const { return folder_; }
 
-    /// Replaces the key's file, making the folder at first. False, with the former file in place, when it cannot.
+    /// Replaces the key's file, creating the folder if needed. Returns false, with the old file in place, on failure.
     bool saveCacheFile(platform::Dictionary const& report, std::string_view withName) const;
 
-    /// The key's report if it is fresh: its next update lies ahead, or it was saved without automatic refresh. A stale
-    /// one is deleted; a file that is no report is left alone.
+    /// Returns the key's report if it is fresh: its next update is in the future, or it was saved without automatic
+    /// refresh. A stale report is deleted; a file that is not a report is left alone.
     std::optional<platform::Dictionary> retrieveCachedFileWithName(std::string_view name) const;
 
-    /// Removes the key's file, and returns whether there was one.
+    /// Removes the key's file, and returns whether it existed.
     bool removeCacheFile(std::string_view name) const;
 
-    /// Removes all that lies in the folder. Always true.
+    /// Removes everything in the folder. Always returns true.
     bool clearCache() const;
 
-    /// Removes the reports that the earliest versions left in the user's caches folder itself: only regular files of
-    /// the user's own under the exact name of a key, and only what reads as a report. Always true.
+    /// Removes the reports that the earliest versions left directly in the user's cache folder. To be removed, a file
+    /// must be a regular file of the user's, bear the exact name of a key and contain a report. Always returns true.
     bool fixCacheWithKeyList(std::vector<std::string> const& usageKeys) const;
 
 private:

@@ -6,25 +6,25 @@ namespace settings {
 
 /// Array of texts: the key entries, in the order they were added.
 inline constexpr char const* tarvoKeys = "tarvo_keys";
-/// Text: the selected key entry, whole.
+/// Text: the selected key entry, including nickname and key.
 inline constexpr char const* tarvoKeySelected = "tarvo_key_selected";
-/// Dictionary: whole key entry to cap in gigabytes, as typed.
+/// Dictionary: key entry to cap in gigabytes, as typed.
 inline constexpr char const* usageCapValues = "usage_cap_values";
-/// Text: the version that last launched.
+/// Text: the version that was last launched.
 inline constexpr char const* lastInstalledVersion = "last_installed_version";
-/// 1 once the one-time repair of the cache was made.
+/// 1 after the one-time repair of the cache.
 inline constexpr char const* fixedCache = "fixed_cache";
-/// Text: the single usage key of earlier versions.
+/// Text: the single usage key that earlier versions stored.
 inline constexpr char const* tarvoId = "tarvoId";
-/// Integer: the index of what the status title shows.
+/// Integer: the index of the figure in the status title.
 inline constexpr char const* menuBarSelector = "menuBarSelector";
-/// Integer: the hours between automatic refreshes, 0 for none.
+/// Integer: the hours between automatic refreshes; 0 disables them.
 inline constexpr char const* hourUpdateInterval = "hour_update_interval";
-/// Text, as are the next two: where a window was left.
+/// Text, like the next two: where the user left a window.
 inline constexpr char const* preferencesWindowPlace = "preferences_window_place";
 inline constexpr char const* usageWindowPlace = "usage_window_place";
 inline constexpr char const* dailyUsageWindowPlace = "daily_usage_window_place";
-/// Boolean, as are all that follow.
+/// Boolean, like all that follow.
 inline constexpr char const* showNotificationsMenu = "showNotificationsMenu";
 inline constexpr char const* showUsageCap = "show_usage_cap";
 inline constexpr char const* showRemainingUsage = "show_remaining_usage";

@@ -6,14 +6,14 @@
 #include <optional>
 #include <string>
 
-/// The usage caps table: whole key entry to cap text. No table is the same as an empty one.
+/// The table of usage caps: key entry to cap text. A missing table is treated as empty.
 namespace usageCaps {
 
-/// The table with the entry's cap set, where there are both a cap and an entry.
+/// Returns the table with the entry's cap set, or unchanged without a cap or an entry.
 platform::Dictionary withCap(platform::Dictionary const* table, std::optional<std::string> const& cap,
     std::optional<std::string> const& keyEntry);
 
-/// The table without the entry; nothing when it had none.
+/// Returns the table without the entry, or nothing if it had none.
 std::optional<platform::Dictionary> without(platform::Dictionary const* table, std::string_view keyEntry);
 
 }

@@ -12,7 +12,7 @@ constexpr std::int64_t noChoice = -1;
 constexpr std::array<char const*, 6> figures { "used:download", "used:upload", "grace:download", "grace:upload",
     "total:download", "total:upload" };
 
-// Beyond this no real fits into an integer.
+// Larger reals do not fit into an integer.
 constexpr double tooLarge = 9.2e18;
 
 }
