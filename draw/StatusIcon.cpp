@@ -15,14 +15,14 @@ namespace {
 
 constexpr std::array usualSizes { 16, 22, 24, 32, 44, 48, 64 };
 constexpr int wideHeight = 48;
-// A word of more letters than this is broken.
+// A longer word is broken into two lines.
 constexpr qsizetype maximumWordLength = 6;
-// The share of the height that a figure takes from its unit.
+// The share of the height that a figure gets above its unit.
 constexpr double figureShare = 0.56;
-// How far letters are squeezed to stand taller.
+// How far letters may be narrowed to make them taller.
 constexpr double narrowest = 0.6;
-// White letters stand on this one, so that they read alike on a light panel and on a dark one: an outline would fill
-// small letters up.
+// The plate behind white letters makes them equally legible on light and dark panels. An outline would clog small
+// letters.
 constexpr QColor plate(0x20, 0x22, 0x26, 235);
 
 QFont iconFont()
@@ -30,7 +30,7 @@ QFont iconFont()
     QFont font;
     font.setWeight(QFont::DemiBold);
     font.setPixelSize(100);
-    // Fitted to no grid, since they are scaled.
+    // The glyphs are scaled, so grid fitting would distort them.
     font.setHintingPreference(QFont::PreferNoHinting);
     return font;
 }
@@ -47,7 +47,7 @@ QStringList halves(QString const& text, qsizetype end, qsizetype begin)
     return { text.left(end).trimmed(), text.mid(begin).trimmed() };
 }
 
-// Breaks at the blank nearest to the middle.
+// Breaks at the space nearest to the middle.
 QStringList wrapped(QString const& text)
 {
     auto const middle = text.size() / 2;
@@ -63,8 +63,7 @@ QStringList wrapped(QString const& text)
     return halves(text, (text.size() + 1) / 2, (text.size() + 1) / 2);
 }
 
-// What of a title fits into a square: a figure over its unit, a wrapped text, or the last sign of a text that is cut
-// short.
+// Selects what fits into a square: a figure above its unit, a wrapped text, or just the ellipsis of a truncated text.
 QStringList squareLines(QString const& title)
 {
     auto const text = title.trimmed();
@@ -82,7 +81,7 @@ QStringList squareLines(QString const& title)
     return wrapped(text);
 }
 
-// One or two lines of letters, for icons of any size.
+// One or two lines of glyph outlines, for icons of any size.
 struct Lettering {
     QPainterPath upper;
     QPainterPath lower;
@@ -98,14 +97,14 @@ Lettering letteringOf(QString const& title)
     return { letters(lines[0]), letters(lines[1]), isFigure ? figureShare : 0.5 };
 }
 
-// As large as the cell allows, in its middle.
+// Scales the outlines to the largest size that fits the cell, and centres them.
 QPainterPath fitted(QPainterPath const& path, QRectF const& cell)
 {
     auto const bounds = path.boundingRect();
     if (bounds.isEmpty())
         return {};
     double const widest = cell.width() / bounds.width();
-    // Whole pixels in height, so that letters end sharply.
+    // A whole number of pixels keeps the edges sharp.
     double const height = std::floor(std::min(cell.height(), bounds.height() * widest / narrowest));
     double const tall = height / bounds.height();
     double const top = std::floor(cell.center().y() - height / 2);
@@ -147,13 +146,13 @@ QImage draw(Lettering const& lettering, int size)
     return paint(fitted(lettering.upper, top) + fitted(lettering.lower, bottom), { size, size });
 }
 
-// The title on one line of this height.
+// Draws the title on one line of this height.
 QImage drawWide(QString const& title, int height)
 {
     auto const path = letters(title);
     auto const bounds = path.boundingRect();
     double const margin = height / 8.0;
-    // As large as the height allows, and all titles alike unless a letter reaches below its line.
+    // All titles get the same size, unless a letter has a descender.
     double const figureHeight = letters(QStringLiteral("0")).boundingRect().height();
     double const scale = (height - 2 * marginOf(height)) / std::max(figureHeight, bounds.height());
     QTransform place;

@@ -9,11 +9,11 @@
 
 #include <vector>
 
-/// The title in a square of this many pixels, light on a dark plate so that it reads on any panel.
+/// Draws the title in a square of this many pixels, light on a dark plate so that it is legible on any panel.
 QImage drawStatusIcon(QString const& title, int size);
 
-/// The pictures of a title that a host of this look is given, in a panel's usual sizes and twice those; none for a host
-/// that shows it as text.
+/// Draws a title for a host with this look, at the usual panel sizes and at twice those. Empty for a host that shows
+/// text.
 QList<QImage> statusImages(QString const& title, StatusLook look);
-/// The same as the panel reads them.
+/// The same in the format of the status item protocol.
 std::vector<StatusPixmap> statusPixmaps(QString const& title, StatusLook look);

@@ -15,7 +15,7 @@ constexpr std::array lookNames { std::pair(StatusLook::Icon, std::string_view("i
 constexpr int maximumSide = 8192;
 constexpr std::size_t pixelSize = 4;
 
-// Takes what stands before the mark, and the mark, from the text.
+// Returns the text before the mark, and removes both from the input.
 std::optional<std::string_view> take(std::string_view& text, char mark)
 {
     auto const end = text.find(mark);
@@ -54,7 +54,7 @@ std::optional<StatusPixmap> takePixmap(std::string_view& text)
 
 }
 
-// Two lines, the second of which ends with the text.
+// Writes two lines, the second of which is the title.
 std::string encode(StatusDrawing const& drawing)
 {
     auto const* const known = std::ranges::find(lookNames, drawing.look, [](auto const& each) { return each.first; });
@@ -71,7 +71,7 @@ std::optional<StatusDrawing> decodeDrawing(std::string_view text)
     return StatusDrawing { known->first, std::string(text) };
 }
 
-// Each picture is a line with its width and height, and its pixels.
+// Writes a line with the width and the height of each picture, followed by its pixels.
 std::string encode(std::vector<StatusPixmap> const& pixmaps)
 {
     std::string text;

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-// What the program and its drawing helper say to each other. Both are parts of one build.
+// The messages between the program and its drawing helper. Both always come from the same build.
 
 /// How a panel shows a status item.
 enum class StatusLook {
@@ -14,7 +14,7 @@ enum class StatusLook {
     Icon,
     /// A picture of the panel's height and any width.
     WideIcon,
-    /// The label as text, beside the program's icon.
+    /// The label as text, next to the program's icon.
     Label,
 };
 
@@ -27,16 +27,16 @@ struct StatusPixmap {
     bool operator==(StatusPixmap const&) const = default;
 };
 
-/// What is to be drawn. The title is UTF-8.
+/// A request for a drawing. The title is UTF-8.
 struct StatusDrawing {
     StatusLook look = StatusLook::Icon;
     std::string title;
 };
 
 std::string encode(StatusDrawing const& drawing);
-/// Nothing for a text that encode() did not make, but for the title, which is not looked at.
+/// Returns nothing for a text that encode() did not make. The title itself is not checked.
 std::optional<StatusDrawing> decodeDrawing(std::string_view text);
 
 std::string encode(std::vector<StatusPixmap> const& pixmaps);
-/// Nothing for a text that is cut off, or that holds anything else.
+/// Returns nothing for a text that is cut off or malformed.
 std::optional<std::vector<StatusPixmap>> decodePixmaps(std::string_view text);

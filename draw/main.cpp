@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Draws the status item's pictures for Usage Meter, which talks to it over its standard input and output: in comes one
-// StatusDrawing, out go the pictures. Exit status 0 says that they are whole.
+// Draws the status item's pictures for Usage Meter. It reads one StatusDrawing from standard input and writes the
+// pictures to standard output. Exit status 0 means that they are complete.
 #include "draw/StatusIcon.h"
 
 #include <QFont>
@@ -19,24 +19,24 @@
 
 namespace {
 
-// A font that brings the toolkit down leaves no core file behind with each picture.
+// A font that crashes the toolkit must not leave a core file for each picture.
 void limitResources()
 {
     constexpr rlimit coreSize { 0, 0 };
     setrlimit(RLIMIT_CORE, &coreSize);
 }
 
-// Whatever the toolkit warns of, the program goes on without the pictures at worst.
+// The toolkit's warnings are irrelevant: at worst, the program does without the pictures.
 void passOver(QtMsgType /*type*/, QMessageLogContext const& /*context*/, QString const& /*message*/) { }
 
-// A theme may look for a display and bring a font of its own, and an input method looks for a bus.
+// A theme might look for a display or change the font, and an input method would look for a bus.
 void keepFromDesktop()
 {
     qunsetenv("QT_QPA_PLATFORMTHEME");
     qunsetenv("QT_IM_MODULE");
 }
 
-// As Plasma has it for all programs, in the group General; elsewhere it is fontconfig's sans serif.
+// Reads the font that Plasma sets for all programs, in the group General. Elsewhere fontconfig decides on a sans serif.
 QFont plasmasFont()
 {
     auto const file = QStandardPaths::locate(QStandardPaths::GenericConfigLocation, QStringLiteral("kdeglobals"));
@@ -51,7 +51,7 @@ int main()
     limitResources();
     keepFromDesktop();
     qInstallMessageHandler(passOver);
-    // It has no work without the program that started it.
+    // The helper is useless without the program that started it.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
 
     std::string const input(std::istreambuf_iterator<char>(std::cin), {});

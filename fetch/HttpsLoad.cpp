@@ -11,7 +11,8 @@
 
 namespace {
 
-// Of all replies on the way, trailers included. Libcurl keeps each line, and a short one takes twenty times its size.
+// Limits the headers of all replies, redirects and trailers included. Libcurl keeps each line, and a short one takes
+// twenty times its size.
 constexpr std::size_t maximumHeaderSize = 512UL * 1024;
 constexpr long connectSeconds = 60;
 constexpr long stalledSeconds = 60;
@@ -41,8 +42,8 @@ std::size_t acceptHeader(char const*, std::size_t, std::size_t size, void* data)
     return reply.headerSize > maximumHeaderSize ? 0 : size;
 }
 
-// A folder of hashed names is looked up by need, which is far cheaper than parsing the bundle of all authorities for
-// each load. It also leaves the bundle's place to the additional authority.
+// A folder of hashed names is searched on demand, which is far cheaper than parsing the bundle of all authorities for
+// each load. It also leaves the bundle's option free for the additional authority.
 void trustAuthorities(CURL* easy, std::string const& additionalAuthority)
 {
     char const* folder = nullptr;
@@ -76,7 +77,7 @@ void configure(CURL* easy, std::string const& url, Reply& reply)
     curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &acceptHeader);
     curl_easy_setopt(easy, CURLOPT_HEADERDATA, &reply);
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
-    // A name that is still being looked up does not hold up the end of a load.
+    // A name lookup in progress must not delay the end of a load.
     curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
 }
 

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-/// Loads an address over HTTPS and nothing else, redirects (10 at most) included, and blocks until that is done.
-/// Certificates are always verified, against the system's authorities and, where a file of it is given, an additional
-/// one. Nothing comes of a minute without progress, five minutes in all, a body of more than 8 MiB (decompressed) or
-/// one that is not UTF-8. No cookies, no credentials; the proxy is the environment's. The HTTP status is not looked at.
+/// Loads a URL over HTTPS only, following up to 10 redirects, and blocks until done. Certificates are always verified,
+/// against the system's authorities and the given file of an additional one, if any. Returns nothing after a minute
+/// without progress or five minutes in all, and for a body that is larger than 8 MiB (decompressed) or not UTF-8. Uses
+/// no cookies or credentials, and the proxy of the environment. The HTTP status is ignored.
 std::optional<std::string> loadOverHttps(std::string const& url, std::string const& additionalAuthority);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Makes one HTTPS exchange for Usage Meter, which talks to it over its standard input and output: in come two lines,
-// the file of an additional certificate authority (or nothing) and the address; out goes the body. Exit status 0 says
-// that the body is whole. The address holds the user's key, so it never stands in the arguments.
+// Makes one HTTPS exchange for Usage Meter. It reads two lines from standard input, the file of an additional
+// certificate authority (may be empty) and the URL, and writes the body to standard output. Exit status 0 means that
+// the body is complete. The URL contains the user's key, so it is never passed as an argument.
 #include "fetch/HttpsLoad.h"
 
 #include <csignal>
@@ -12,9 +12,9 @@
 
 namespace {
 
-// An exchange takes a twentieth of a second of the processor's time. Libcurl passes over the body of a proxy's refusal
-// without asking how long it is. Soft and hard limit are the same, so that the kernel ends the process without a core
-// file, which would hold the key, as would that of a crash.
+// An exchange takes a twentieth of a second of processor time, but libcurl discards the body of a proxy's refusal
+// without limiting its size. Soft and hard limit are equal, so that the kernel kills the process without a core file. A
+// core file, also after a crash, would contain the key.
 void limitResources()
 {
     constexpr rlimit processorSeconds { 10, 10 };
@@ -28,9 +28,10 @@ void limitResources()
 int main()
 {
     limitResources();
-    // Libcurl would write the secrets of TLS to that file, with which others could read what was sent.
+    // Libcurl would write TLS secrets to that file, with which others could decrypt the traffic.
     unsetenv("SSLKEYLOGFILE");
-    // It has no work without the program that started it. TLS writes to a peer that hung up must fail, not end it.
+    // The helper is useless without the program that started it. Writing to a peer that hung up must fail rather than
+    // kill the process.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     std::signal(SIGPIPE, SIG_IGN);
 
