@@ -8,7 +8,7 @@
 namespace {
 
 constexpr char const* variable = "XDG_ACTIVATION_TOKEN";
-// In bytes. Compositors make tokens of some dozens.
+// In bytes. Compositors' tokens have a few dozen.
 constexpr std::size_t maximumLength = 1024;
 
 }

@@ -19,7 +19,7 @@ std::string_view trimmed(std::string_view text)
     return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
 }
 
-// The first value of a key, in whatever group: an autostart entry has one group that matters.
+// Finds the first value of a key in any group, since only one group of an autostart entry matters.
 std::optional<std::string_view> valueOf(std::string_view entry, std::string_view key)
 {
     while (!entry.empty()) {
@@ -55,10 +55,10 @@ std::string escaped(std::string_view text, std::string_view special, char escape
     return result;
 }
 
-// A value loses one layer of backslashes.
+// Reading a value removes one layer of backslashes.
 std::string value(std::string_view text) { return escaped(text, "\\"); }
 
-// An argument is quoted, and "%" begins what stands for something else.
+// Arguments are quoted, and "%" begins a field code.
 std::string argument(std::string const& text) { return '"' + escaped(escaped(text, "\"`$\\"), "%", '%') + '"'; }
 
 }
@@ -114,7 +114,7 @@ std::string AutostartEntry::enabledEntry() const
     std::string entry(header);
     entry += "Type=Application\nName=" + value(program_.displayName);
     entry += "\nIcon=" + value(program_.identifier);
-    // Should the program be removed, the desktop passes over its entry without a word.
+    // If the program is removed, TryExec makes the desktop ignore its entry.
     entry += "\nTryExec=" + value(file) + "\nExec=" + value(argument(file)) + '\n';
     return entry;
 }

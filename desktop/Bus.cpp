@@ -14,12 +14,12 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-// What a bus takes to let somebody in is a thousandth of it.
+// A bus normally needs a thousandth of this to accept a connection.
 constexpr auto patienceAtTheDoor = 5s;
-// Other programs may keep us busy, but the timers have their turn too.
+// Busy programs must not keep our timers from running.
 constexpr int messagesInATurn = 64;
 
-// Not positive: its time is over.
+// Zero or negative once the time is up.
 int millisecondsUntil(Clock::time_point end)
 {
     return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count());
@@ -57,10 +57,10 @@ int handOver(sd_bus_message* message, void* handler, sd_bus_error* /*error*/)
     return 0;
 }
 
-// Without a handler of its own, a rule that the bus takes too late would end the connection.
+// Without its own handler, a match rule that the bus installs too late would end the connection.
 int passOverInstallation(sd_bus_message* /*answer*/, void* /*handler*/, sd_bus_error* /*error*/) { return 0; }
 
-// The handler goes with the slot, and not before it is done.
+// The slot destroys the handler, but not while it is running.
 BusSlot withHandler(sd_bus_slot* slot, std::unique_ptr<Bus::Handler> handler)
 {
     sd_bus_slot_set_destroy_callback(slot, [](void* gone) { delete static_cast<Bus::Handler*>(gone); });
@@ -121,7 +121,7 @@ BusSlot Bus::observeOwner(std::string const& name, std::function<void(std::strin
                       "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='"
         + name + '\'';
     return match(rule, [observer = std::move(observer)](sd_bus_message* message) {
-        // Others can say so to us too, and the connection takes any sender for the one that was asked for.
+        // Anyone can send us such a signal, and sd-bus does not check that the sender owns the name that was asked for.
         bool const isBus = std::string_view(sd_bus_message_get_sender(message)) == "org.freedesktop.DBus";
         char const* owner = nullptr;
         if (isBus && sd_bus_message_read(message, "sss", nullptr, nullptr, &owner) > 0)
@@ -196,7 +196,7 @@ void Bus::process()
 {
     std::uint64_t expirations = 0;
     [[maybe_unused]] auto const size = ::read(alarm_.get(), &expirations, sizeof expirations);
-    // A handler that runs the main loop itself would come back here.
+    // A handler that runs the main loop itself would re-enter this function.
     if (std::exchange(isProcessing_, true))
         return;
     int processed = 1;
@@ -218,7 +218,7 @@ void Bus::attend()
     sd_bus_get_timeout(connection_.get(), &due);
     constexpr std::uint64_t second = 1'000'000;
     itimerspec alarm {};
-    // A time of nothing at all would switch the alarm off.
+    // A time of zero would disarm the timer.
     if (due != UINT64_MAX)
         alarm.it_value
             = { .tv_sec = static_cast<time_t>(due / second), .tv_nsec = static_cast<long>(due % second * 1000 + 1) };

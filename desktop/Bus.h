@@ -12,7 +12,7 @@
 #include <memory>
 #include <string>
 
-/// Gives up what sd-bus counts references of.
+/// Deletes sd-bus objects by dropping a reference.
 struct BusRelease {
     void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
     void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
@@ -21,18 +21,18 @@ struct BusRelease {
 
 using BusConnection = std::unique_ptr<sd_bus, BusRelease>;
 using BusMessage = std::unique_ptr<sd_bus_message, BusRelease>;
-/// Keeps an object, an observation or a call that waits for its answer, until it goes.
+/// Owns an object, an observation or a pending call, and ends it on destruction.
 using BusSlot = std::unique_ptr<sd_bus_slot, BusRelease>;
 
-/// A connection to a message bus, driven by the main loop; also one to no bus at all, where nobody is and nothing ever
-/// answers. It waits for nobody, and handlers run from the main loop. Main thread only.
+/// A connection to a message bus, driven by the main loop. It may also be connected to no bus at all, and then nothing
+/// ever answers. It never blocks unless stated, and handlers run from the main loop. Main thread only.
 class Bus {
 public:
     using Handler = std::function<void(sd_bus_message* message)>;
 
-    /// Connects to the user's session bus. One that does not let us in within some seconds counts as none.
+    /// Connects to the user's session bus. Gives up if the bus does not accept the connection within some seconds.
     explicit Bus(DesktopRunLoop& loop);
-    /// Takes over a connection that was started, or nothing.
+    /// Takes over a connection that has been started; null means no bus.
     Bus(DesktopRunLoop& loop, BusConnection connection);
     ~Bus();
     Bus(Bus const&) = delete;
@@ -43,34 +43,34 @@ public:
     /// Our own name on the bus.
     char const* uniqueName() const;
 
-    /// Answers calls to the members of an object, which are handed over to it.
+    /// Dispatches calls to the members of an object.
     [[nodiscard]] BusSlot addObject(
         char const* path, char const* interface, sd_bus_vtable const* members, void* object) const;
-    /// Hears signals; nothing stands for any. Who sends them is the bus's word alone where the sender is a number, not
-    /// a name.
+    /// Calls the handler for matching signals; null matches anything. The sender can be trusted only if it is given as
+    /// a unique name.
     [[nodiscard]] BusSlot listen(
         char const* sender, char const* path, char const* interface, char const* member, Handler handler);
-    /// Tells who owns a name from now on, each time that it changes; nobody: an empty text.
+    /// Calls the observer with the current owner of a name and on every change; the text is empty if there is no owner.
     [[nodiscard]] BusSlot observeOwner(std::string const& name, std::function<void(std::string const& owner)> observer);
-    /// Tells from the main loop that the bus has gone.
+    /// Calls the observer from the main loop when the bus connection is lost.
     platform::Subscription observeEnd(platform::Task observer) { return end_.add(std::move(observer)); }
 
-    /// Never runs out of patience.
+    /// A timeout that never expires.
     static constexpr std::chrono::microseconds forever { -1 };
 
     BusMessage methodCall(char const* destination, char const* path, char const* interface, char const* member) const;
-    /// To the bus itself, with one text for a start.
+    /// Makes a call to the bus itself, with one text argument.
     BusMessage callToBus(char const* member, std::string const& text) const;
     BusMessage signal(char const* path, char const* interface, char const* member) const;
 
-    /// Sends a call, and hands its answer or its error over, unless what is returned is gone by then.
+    /// Sends a call and passes the reply or the error to the handler, unless the returned slot has been destroyed.
     [[nodiscard]] BusSlot call(
         BusMessage message, Handler answered, std::chrono::microseconds patience = std::chrono::seconds(25));
-    /// Sends a call and waits for its answer: nothing for an error.
+    /// Sends a call and blocks until the reply. Returns null on error.
     BusMessage callAndWait(BusMessage message, std::chrono::microseconds patience) const;
-    /// Sends what nobody answers.
+    /// Sends a message that expects no reply.
     void send(BusMessage message);
-    /// A signal of our own, with what sd_bus_message_append() takes.
+    /// Sends a signal of our own. Takes the same arguments as sd_bus_message_append().
     template <typename... Values>
     void emit(char const* path, char const* interface, char const* member, char const* signature, Values... values)
     {
@@ -89,7 +89,7 @@ private:
     DesktopRunLoop& loop_;
     BusConnection connection_;
     platform::Observers<> end_;
-    /// What was sent may wait for room, and a call for its time to run out.
+    /// Updates what the loop waits for: room to send, and the timeouts of calls.
     OncePerTurn attend_;
     std::unique_ptr<DesktopRunLoop::Watch> traffic_;
     platform::Descriptor alarm_;
@@ -97,17 +97,17 @@ private:
     bool isProcessing_ = false;
 };
 
-/// A text as the bus takes it: what is not UTF-8 would have it hang up.
+/// Appends a text as valid UTF-8; the bus would disconnect us otherwise.
 void append(sd_bus_message* message, std::string const& text);
 
-/// Hands a call over to an object's own function.
+/// Dispatches a call to a member function of an object.
 template <typename Object, int (Object::*function)(sd_bus_message*)>
 int onCall(sd_bus_message* call, void* object, sd_bus_error* /*error*/)
 {
     return (static_cast<Object*>(object)->*function)(call);
 }
 
-/// Has an object's own function write the value of a property.
+/// Uses a member function of an object to write the value of a property.
 template <typename Object, void (Object::*function)(sd_bus_message*) const>
 int onGet(sd_bus* /*bus*/, char const* /*path*/, char const* /*interface*/, char const* /*property*/,
     sd_bus_message* reply, void* object, sd_bus_error* /*error*/)
@@ -116,7 +116,7 @@ int onGet(sd_bus* /*bus*/, char const* /*path*/, char const* /*interface*/, char
     return 1;
 }
 
-/// Answers with a text of an object's.
+/// Replies with a text that a member function returns.
 template <typename Object, std::string (Object::*function)() const>
 int onGetText(sd_bus* /*bus*/, char const* /*path*/, char const* /*interface*/, char const* /*property*/,
     sd_bus_message* reply, void* object, sd_bus_error* /*error*/)

@@ -14,7 +14,7 @@ constexpr char const* interface = "org.freedesktop.portal.Settings";
 constexpr char const* appearanceSpace = "org.freedesktop.appearance";
 constexpr char const* gnomeSpace = "org.gnome.desktop.a11y.interface";
 
-// Of the portal's red, green and blue, from 0 to 1; anything beyond means that no colour is chosen.
+// Converts the portal's red, green and blue, from 0 to 1. Values outside that range mean that no colour is chosen.
 std::optional<platform::Color> colorOf(std::array<double, 3> const& parts)
 {
     if (!std::ranges::all_of(parts, [](double part) { return part >= 0 && part <= 1; }))
@@ -25,7 +25,7 @@ std::optional<platform::Color> colorOf(std::array<double, 3> const& parts)
 
 }
 
-// Of a variant that may hold another one; moves past it.
+// Reads a variant, which may contain another variant, and moves past it.
 ColorScheme::Setting ColorScheme::readSetting(sd_bus_message* message)
 {
     char type = 0;
@@ -75,7 +75,7 @@ void ColorScheme::read()
     reading_ = bus_.call(std::move(message), [this](sd_bus_message* reply) { acceptAll(reply); });
 }
 
-// Namespaces with their settings: a{sa{sv}}. Where the reply is an error or of another shape, what came before counts.
+// The reply maps namespaces to their settings: a{sa{sv}}. Everything before an error or an unexpected type is used.
 void ColorScheme::acceptAll(sd_bus_message* reply)
 {
     if (sd_bus_message_has_signature(reply, "a{sa{sv}}") <= 0)
@@ -107,7 +107,7 @@ void ColorScheme::settingChanged(sd_bus_message* signal)
     tell();
 }
 
-// The portal's numbers: a scheme of 1 prefers dark, 2 light; a contrast of 1 prefers a high one; 0 has no preference.
+// In the portal, scheme 1 prefers dark and 2 light, contrast 1 prefers high contrast, and 0 means no preference.
 void ColorScheme::accept(std::string_view space, std::string_view key, Setting const& value)
 {
     bool const isOne = value == Setting(std::uint32_t { 1 });

@@ -9,16 +9,16 @@
 #include <string_view>
 #include <variant>
 
-/// Follows the desktop's preference for light or dark windows, for high contrast and for an accent colour, as the
-/// settings portal reports them (org.freedesktop.portal.Settings). Where a portal does not know of contrast, GNOME's
-/// own setting counts. Nothing is told until there is a portal. Main thread only.
+/// Follows the desktop's preference for light or dark windows, high contrast and an accent colour, as reported by the
+/// settings portal (org.freedesktop.portal.Settings). If the portal does not support contrast, GNOME's own setting is
+/// used. Reports nothing until there is a portal. Main thread only.
 class ColorScheme final {
 public:
-    /// Asks at once and waits for nobody; tells the present preference and every later one.
+    /// Queries the portal without blocking, and reports the current preference and every change.
     ColorScheme(Bus& bus, std::function<void(Look const&)> observer);
 
 private:
-    /// What a setting holds, as far as it matters here. Truths are numbers.
+    /// The value of a setting, if it has a supported type. Booleans are stored as numbers.
     using Setting = std::variant<std::monostate, std::uint32_t, platform::Color>;
 
     static Setting readSetting(sd_bus_message* message);

@@ -16,7 +16,7 @@ constexpr char const* interface = "com.canonical.dbusmenu";
 
 constexpr char mark = '_';
 
-// A single underscore would mark the next letter as the line's key.
+// A single underscore would make the next letter the line's mnemonic.
 std::string escaped(std::string const& title)
 {
     std::string text;
@@ -59,7 +59,7 @@ std::set<std::string> readNames(sd_bus_message* call)
     return names;
 }
 
-// An id that is asked for a million times is answered once.
+// Repeated ids are answered only once, even if there are a million.
 std::vector<int> readIds(sd_bus_message* call)
 {
     std::vector<int> ids;
@@ -152,7 +152,7 @@ void DBusMenu::writeVersion(sd_bus_message* reply) const { sd_bus_message_append
 
 void DBusMenu::writeIconThemePath(sd_bus_message* reply) const { sd_bus_message_append(reply, "as", 0); }
 
-// Any negative depth means everything.
+// Any negative depth means the whole tree.
 int DBusMenu::getLayout(sd_bus_message* call)
 {
     int id = 0;
@@ -166,7 +166,7 @@ int DBusMenu::getLayout(sd_bus_message* call)
     return send(reply);
 }
 
-// No ids mean every line that is known.
+// An empty list of ids means every known line.
 int DBusMenu::getGroupProperties(sd_bus_message* call)
 {
     auto const ids = readIds(call);
@@ -319,7 +319,7 @@ void DBusMenu::writeLayout(sd_bus_message* message, int id, int depth, Names con
     sd_bus_message_close_container(message);
 }
 
-// Whether the lines under it have to be asked for. What changes at this moment is told like any other change.
+// Whether the panel must ask for the submenu's lines. Changes made by willShow() are reported like any others.
 bool DBusMenu::willShow(Node const& node)
 {
     if (!node.line.submenu)
@@ -336,7 +336,7 @@ DBusMenu::Line DBusMenu::lineOf(platform::MenuItem const& item, bool hasMark)
         item.submenu };
 }
 
-// Compares what may change while a line keeps its id.
+// Compares the parts of a line that may change without giving it a new id.
 bool DBusMenu::isUnchanged(Line const& told, platform::MenuItem const& item)
 {
     return told.title == item.shownTitle() && told.hidden == item.hidden.get() && told.on == item.on.get();
@@ -364,8 +364,8 @@ DBusMenu::Properties DBusMenu::properties(Line const& line, Names const& names) 
     return values;
 }
 
-// Whether a line of a new list may go on under the id of the one that stood in its place. A click that is under way
-// then still meets the text that the user saw, and an open menu is not rebuilt under the pointer.
+// Whether a line of a new list may keep the id of the line it replaces. A click in progress then still reaches the text
+// that the user saw, and an open menu is not rebuilt under the pointer.
 bool DBusMenu::isSameLine(Node const& node, std::shared_ptr<platform::MenuItem> const& item, bool hasMark)
 {
     return (node.item == item || node.line.title == item->shownTitle()) && node.line.isSeparator == item->isSeparator
@@ -392,7 +392,7 @@ void DBusMenu::remove(int id)
     nodes_.erase(id);
 }
 
-// From now on the lines under this one are known to others, and kept up to date.
+// From now on, the lines of this submenu are known to others and kept up to date.
 void DBusMenu::list(int id)
 {
     auto& node = nodes_.at(id);
@@ -469,16 +469,16 @@ void DBusMenu::queueEvent(int id, std::string_view name)
 
 void DBusMenu::click(int id)
 {
-    // The action of a click before this one may have taken the line away.
+    // An earlier click's action may have removed the line.
     update();
     auto const* node = find(id);
     if (!node || !node->item)
         return;
-    // Kept, for the action may take its own line away.
+    // Held, because the action may remove its own line.
     auto const item = node->item;
     if (!item->hidden.get())
         item->userClicked();
-    // It was for this click alone.
+    // The token was for this click only.
     dropActivationToken();
 }
 
@@ -486,7 +486,7 @@ void DBusMenu::update()
 {
     Changes changes;
     for (int const id : std::exchange(outdated_, {})) {
-        // A line above it may have taken it away.
+        // A line above it may have removed it.
         if (find(id))
             synchronize(id, changes);
     }

@@ -13,9 +13,9 @@
 #include <variant>
 #include <vector>
 
-/// A menu as other programs see it over D-Bus, after the com.canonical.dbusmenu protocol, version 4. The changes of one
-/// main-loop turn go out as one update, and clicks run from the main loop, never inside the call that brought them. A
-/// line that nobody has asked for costs nothing. The menu and its submenus must outlive this object. Main thread only.
+/// A menu exported over D-Bus with the com.canonical.dbusmenu protocol, version 4. The changes of one main-loop turn
+/// are sent as one update, and clicks run from the main loop, never inside the call that brought them. Lines that
+/// nobody has asked for cost nothing. The menu and its submenus must outlive this object. Main thread only.
 class DBusMenu {
 public:
     enum class TextDirection { LeftToRight, RightToLeft };
@@ -24,8 +24,8 @@ public:
     DBusMenu(DBusMenu const&) = delete;
     DBusMenu& operator=(DBusMenu const&) = delete;
 
-    /// For a panel that reads lines from now on and takes only the first underscore of each for a mark, where the
-    /// protocol has it take every one.
+    /// Adapts lines read from now on to a panel that treats only the first underscore as a mnemonic mark. The protocol
+    /// treats each one as a mark.
     void setMarksFirstUnderscoreOnly(bool only) { marksFirstUnderscoreOnly_ = only; }
 
 private:
@@ -33,22 +33,22 @@ private:
     using Properties = std::map<std::string, Value>;
     using Names = std::set<std::string>;
 
-    /// What other programs have been told of a line.
+    /// The state of a line as last reported.
     struct Line {
         std::string title;
         bool hidden = false;
         bool on = false;
         bool isSeparator = false;
-        /// Stands in a list with a check mark, so that it has room for one as well.
+        /// Whether the line belongs to a list with a check mark, and so needs room for one.
         bool isChoice = false;
         platform::Menu* submenu = nullptr;
     };
 
     struct Node {
         Line line;
-        /// Nothing for the root.
+        /// Null for the root.
         std::shared_ptr<platform::MenuItem> item;
-        /// Nothing until somebody has asked for the lines under this one.
+        /// Empty until somebody asks for the lines of this submenu.
         std::optional<platform::Subscription> observer;
         std::vector<int> children;
     };
@@ -56,7 +56,7 @@ private:
     struct LineChange {
         int id = 0;
         Properties updated;
-        /// Those that went back to their defaults.
+        /// The names of properties that returned to their defaults.
         std::vector<std::string> removed;
     };
 
@@ -66,7 +66,7 @@ private:
     };
 
     static sd_bus_vtable const* members();
-    /// What the protocol says of a line that does not carry the property.
+    /// The values that the protocol assumes for omitted properties.
     static Properties const defaults;
 
     int getLayout(sd_bus_message* call);
@@ -89,7 +89,7 @@ private:
     static bool isChoice(platform::MenuItem const& item, bool hasMark);
     static Line lineOf(platform::MenuItem const& item, bool hasMark);
     static bool isUnchanged(Line const& told, platform::MenuItem const& item);
-    /// No names mean every property.
+    /// An empty list of names selects every property.
     Properties properties(Line const& line, Names const& names = {}) const;
     static bool isSameLine(Node const& node, std::shared_ptr<platform::MenuItem> const& item, bool hasMark);
 
@@ -111,12 +111,12 @@ private:
     TextDirection direction_;
     std::unordered_map<int, Node> nodes_;
     int nextId_ = 0;
-    /// The lines whose submenus have changed since the last update. Those further up have lower ids.
+    /// The lines whose submenus have changed since the last update. Parents have lower ids than their children.
     std::set<int> outdated_;
     std::uint32_t revision_ = 1;
     bool marksFirstUnderscoreOnly_ = false;
     OncePerTurn update_;
-    /// Clicks that wait for their turn go with the menu.
+    /// Expires with the menu, and cancels queued clicks.
     std::shared_ptr<bool> life_ = std::make_shared<bool>(true);
     BusSlot object_;
 };

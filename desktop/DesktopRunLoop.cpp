@@ -76,7 +76,7 @@ public:
             loop_.remove(this);
     }
 
-    // The task may cancel the timer or take it away.
+    // The task may cancel or destroy the timer.
     void fire(platform::Date now)
     {
         auto const missed = (now - fireDate_) / period_;
@@ -115,7 +115,7 @@ public:
         loop_.setEvenAlarm();
     }
 
-    // The task may take the timer away.
+    // The task may destroy the timer.
     void fire()
     {
         auto const task = task_;
@@ -168,12 +168,12 @@ std::unique_ptr<DesktopRunLoop::Watch> DesktopRunLoop::watch(int descriptor, std
     return std::make_unique<DescriptorWatch>(*this, descriptor, events);
 }
 
-// One at a time: what it does may take the next one away.
+// Handles one event at a time, because its handler may remove the next one.
 void DesktopRunLoop::runNext(int patience)
 {
     epoll_event event {};
     int const count = ::epoll_wait(epoll_.get(), &event, 1, patience);
-    // Out of descriptors from the start.
+    // There was no free descriptor for epoll at the start.
     if (count < 0 && errno != EINTR)
         quit(EXIT_FAILURE);
     if (count < 1)
@@ -181,7 +181,7 @@ void DesktopRunLoop::runNext(int patience)
     auto const found = ready_.find(event.data.fd);
     if (found == ready_.end())
         return;
-    // Kept, for it may take its own watch away.
+    // Held, because the task may destroy its own watch.
     auto const ready = found->second;
     (*ready)();
 }
@@ -261,14 +261,14 @@ DesktopRunLoop::WallClockTimer* DesktopRunLoop::nextWallClockTimer() const
     return next == wallClockTimers_.end() ? nullptr : *next;
 }
 
-// The alarm is set even when no timer waits for it: only then does the kernel tell of a wake or of a clock being set.
+// The alarm is armed even without a timer, because only then does the kernel report wakes and clock changes.
 void DesktopRunLoop::setAlarm()
 {
     auto const* const next = nextWallClockTimer();
     platform::Date const due = next ? next->fireDate() : now() + 24h * 365;
     auto const sinceEpoch = std::max(due.time_since_epoch(), platform::Date::duration(1));
     itimerspec const alarm { .it_interval = {}, .it_value = toTimespec(sinceEpoch) };
-    // The kernel tells only once, here or at the next read, that the clock was set.
+    // The kernel reports a clock change only once, here or at the next read.
     if (timerfd_settime(alarm_.get(), TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &alarm, nullptr) < 0
         && errno == ECANCELED)
         perform([this] { clockObservers_.tell(); });
@@ -290,17 +290,17 @@ void DesktopRunLoop::wallClockReached()
 void DesktopRunLoop::setEvenAlarm()
 {
     itimerspec alarm {};
-    // A time of zero disarms it, which is wanted only when no timer waits.
+    // A time of zero would disarm the alarm, which is intended only if there is no timer.
     if (!monotonicTimers_.empty())
         alarm.it_value
             = toTimespec(std::max(std::chrono::ceil<std::chrono::nanoseconds>(monotonicTimers_.begin()->first), 1ns));
     ::timerfd_settime(evenAlarm_.get(), TFD_TIMER_ABSTIME, &alarm, nullptr);
 }
 
-// One at a time, as everything that is due.
+// Fires one timer at a time, like everything else in the loop.
 void DesktopRunLoop::evenClockReached()
 {
-    // Those who are told of a wake may cancel what is due.
+    // Wake observers may cancel a timer that is due.
     noticeSleep();
     if (!monotonicTimers_.empty() && monotonicTimers_.begin()->first <= uptime())
         monotonicTimers_.begin()->second->fire();

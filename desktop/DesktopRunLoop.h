@@ -14,44 +14,44 @@
 #include <unordered_map>
 #include <vector>
 
-/// A loop around the main loop, such as a toolkit's: it runs what is due in the main loop beside its own events.
+/// An event loop that wraps the main loop, such as a toolkit's, and runs what is due in it.
 class OuterLoop {
 public:
     virtual ~OuterLoop() = default;
 
-    /// Runs until it is told to quit.
+    /// Runs until quit() is called.
     virtual void run() = 0;
     virtual void quit() = 0;
 };
 
-/// The main loop on epoll and Linux' clocks. One timerfd on each clock serves all its timers; through that of the wall
-/// clock the kernel also reports that the clock was set or that the computer woke. Idle, it never wakes.
+/// The main loop, based on epoll and Linux clocks. One timerfd per clock serves all its timers; the one for the wall
+/// clock also reports clock changes and wakes from sleep. It never wakes up while idle.
 class DesktopRunLoop final : public platform::RunLoop {
 public:
-    /// Follows a descriptor until it goes, which is before the descriptor is closed.
+    /// Watches a descriptor until destroyed. Destroy it before closing the descriptor.
     class Watch {
     public:
         virtual ~Watch() = default;
-        /// What to wait for from now on, as epoll has it: EPOLLIN, EPOLLOUT.
+        /// Sets the epoll events to wait for, EPOLLIN or EPOLLOUT.
         virtual void setEvents(std::uint32_t events) = 0;
     };
 
     DesktopRunLoop();
     ~DesktopRunLoop() override;
 
-    /// Runs until quit(), within the outer loop once there is one. Returns the exit status.
+    /// Runs until quit(), within the outer loop if there is one. Returns the exit status.
     int run();
     void quit(int status);
-    /// Has another loop run in place of this one from the end of the present turn on.
+    /// Lets another loop take over at the end of the current turn.
     void setOuter(OuterLoop& outer) { outer_ = &outer; }
     bool hasOuter() const { return outer_ != nullptr; }
 
-    /// Readable while something is due: what an outer loop waits for.
+    /// Readable while something is due. An outer loop waits for it.
     int descriptor() const { return epoll_.get(); }
-    /// Runs one thing that is due, if there is one.
+    /// Runs one due task or event, if any.
     void runDue() { runNext(0); }
 
-    /// Runs a task whenever a descriptor is ready, also for its end or an error.
+    /// Runs a task whenever a descriptor is ready, including on hang-up and errors.
     std::unique_ptr<Watch> watch(int descriptor, std::uint32_t events, platform::Task ready);
 
     platform::Date now() const override;
@@ -68,10 +68,10 @@ private:
     class DescriptorWatch;
     class WallClockTimer;
     class MonotonicTimer;
-    /// By the time since the computer started, sleep not counted. Not owned: a timer takes itself out when it goes.
+    /// Keyed by the time since boot without sleep. Not owned: timers remove themselves on destruction.
     using MonotonicTimers = std::multimap<platform::Seconds, MonotonicTimer*>;
 
-    /// Waits so many milliseconds at most; for ever if that is negative.
+    /// Waits at most this many milliseconds, or without limit if negative.
     void runNext(int patience);
     void performNext();
     void add(WallClockTimer* timer);
@@ -89,7 +89,7 @@ private:
     std::optional<int> exitStatus_;
     std::mutex tasksMutex_;
     std::deque<platform::Task> tasks_;
-    /// Counts the tasks.
+    /// Counts the queued tasks.
     platform::Descriptor tasksEvent_;
     std::unique_ptr<Watch> tasksWatch_;
     platform::Descriptor alarm_;
@@ -99,9 +99,9 @@ private:
     SleepWatch sleepWatch_;
     platform::Observers<> wakeObservers_;
     platform::Observers<> clockObservers_;
-    /// Not owned: a timer takes itself out when it goes.
+    /// Not owned: timers remove themselves on destruction.
     std::vector<WallClockTimer*> wallClockTimers_;
     MonotonicTimers monotonicTimers_;
-    /// Those that nobody else keeps.
+    /// Timers that only the loop owns.
     std::list<std::unique_ptr<platform::Timer>> keptTimers_;
 };

@@ -7,10 +7,10 @@
 
 #include <cstdlib>
 
-/// The user's desktop, as our windows reach it.
+/// Gives access to the user's desktop.
 class DesktopWorkspace final : public platform::Workspace {
 public:
-    /// Until then nothing can be opened.
+    /// Nothing can be opened before this is called.
     void useWindows(LateWindows& windows) { windows_ = &windows; }
 
     bool open(std::string const& url) override
@@ -23,7 +23,7 @@ private:
     LateWindows* windows_ = nullptr;
 };
 
-/// The program as its main loop runs it.
+/// The program, controlled through its main loop.
 class DesktopApplication final : public platform::Application {
 public:
     explicit DesktopApplication(DesktopRunLoop& loop)
@@ -31,7 +31,8 @@ public:
     {
     }
 
-    /// Does nothing: Linux desktops know windows, not applications, and each window comes to the front by itself.
+    /// Does nothing: Linux desktops know windows rather than applications, and each window comes to the front by
+    /// itself.
     void activateIgnoringOtherApps() override { }
     void terminate() override { loop_.quit(EXIT_SUCCESS); }
 

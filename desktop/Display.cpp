@@ -19,12 +19,12 @@ Kind kindOf(std::string_view platform)
 {
     if (platform == "xcb")
         return Kind::X11;
-    // A socket that somebody handed over serves one connection, which is the toolkit's.
+    // A socket passed in by the caller allows only one connection, which the toolkit needs.
     bool const isOurs = platform.starts_with("wayland") && environmentText("WAYLAND_SOCKET").empty();
     return isOurs ? Kind::Wayland : Kind::Other;
 }
 
-// The toolkit's own rules: of a list of platforms, each with its options, it takes the first that it can connect to.
+// Follows the toolkit's own rules: of a list of platforms with options, it uses the first that it can connect to.
 std::vector<Kind> kindsOfDisplay()
 {
     auto const named = environmentText("QT_QPA_PLATFORM");
@@ -38,7 +38,7 @@ std::vector<Kind> kindsOfDisplay()
     return mayBeWayland ? std::vector { kindOf("wayland"), Kind::X11 } : std::vector { Kind::X11 };
 }
 
-/// A display without a connection of ours.
+/// A display that needs no connection of ours.
 class OtherDisplay final : public Display { };
 
 class X11Display final : public Display {
@@ -59,7 +59,7 @@ public:
 
     bool isOpen() const { return xcb_connection_has_error(connection_.get()) == 0; }
 
-    // The owner of the selection _NET_SYSTEM_TRAY_Sn is the tray of screen n, after the System Tray Protocol.
+    // By the System Tray Protocol, the owner of the selection _NET_SYSTEM_TRAY_Sn is the tray of screen n.
     bool hasOlderTray() const override
     {
         auto const selection = "_NET_SYSTEM_TRAY_S" + std::to_string(screen_);
@@ -80,7 +80,7 @@ private:
     };
     template <typename T> using Reply = std::unique_ptr<T, Free>;
 
-    // Every client is told of some changes, such as that of the keyboard.
+    // The server sends some events to every client, such as keyboard changes.
     void passOverEvents() const
     {
         while (Reply<xcb_generic_event_t>(xcb_poll_for_event(connection_.get()))) { }

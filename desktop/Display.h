@@ -6,20 +6,20 @@
 #include <memory>
 #include <string>
 
-/// A connection to the display on which our windows would come up, which tells when the display goes. Nothing of the
-/// toolkit is needed for it. Main thread only.
+/// A connection to the display that our windows would use, which reports when the display is lost. It does not need the
+/// toolkit. Main thread only.
 class Display {
 public:
     virtual ~Display() = default;
 
-    /// Connects to the display that the toolkit would choose: Wayland's, else X11's, or what QT_QPA_PLATFORM names. One
-    /// that has no connection, such as "offscreen", is always there. Nothing if there is no display to connect to. Its
-    /// going is told once, from the main loop.
+    /// Connects to the display that the toolkit would choose: Wayland, else X11, or what QT_QPA_PLATFORM names. A
+    /// platform without a connection, such as "offscreen", is always available. Returns null if there is no display to
+    /// connect to. Its loss is reported once, from the main loop.
     static std::unique_ptr<Display> connect(DesktopRunLoop& loop, platform::Task const& gone);
 
-    /// What a user calls the display that connect() looks for.
+    /// A readable name for the display that connect() would use.
     static std::string name();
 
-    /// Whether somebody runs a tray of the kind that was there before StatusNotifierItem panels.
+    /// Whether an older system tray (from before StatusNotifierItem) is running.
     virtual bool hasOlderTray() const { return false; }
 };

@@ -14,14 +14,14 @@ constexpr std::array exitSignals { SIGTERM, SIGINT, SIGHUP };
 
 constexpr unsigned secondsForMainLoop = 2;
 
-// All that a signal handler may reach.
+// The only state that the signal handler uses.
 std::sig_atomic_t volatile eventOfHandler = -1;
 
 void tellMainLoop(int /*signal*/)
 {
     std::uint64_t const one = 1;
     [[maybe_unused]] auto const size = write(eventOfHandler, &one, sizeof one);
-    // The toolkit may be waiting for a display or a bus that never answers.
+    // The toolkit may be blocked on a display or a bus that never answers.
     alarm(secondsForMainLoop);
 }
 
@@ -57,7 +57,7 @@ ExitSignals::ExitSignals(DesktopRunLoop& loop)
     }))
 {
     eventOfHandler = event_.get();
-    // Out of descriptors: ending at once is better than not at all.
+    // Without a free descriptor, the signals keep ending the process at once, which is better than ignoring them.
     if (event_.isOpen())
         handleExitSignals(tellMainLoop);
 }

@@ -3,15 +3,15 @@
 
 #include "desktop/DesktopRunLoop.h"
 
-/// Quits the main loop, with exit status 0, on SIGTERM, SIGINT and SIGHUP; one that does not come to it within two
-/// seconds ends with the process. One at a time.
+/// Quits the main loop, with exit status 0, on SIGTERM, SIGINT and SIGHUP. If the loop does not react within two
+/// seconds, the process is ended. Only one instance may exist.
 class ExitSignals final {
 public:
-    /// Until there is a main loop: the signals end the process at once, with exit status 0.
+    /// For use before there is a main loop: makes the signals end the process at once, with exit status 0.
     static void endProcess();
 
     explicit ExitSignals(DesktopRunLoop& loop);
-    /// The signals end the process again.
+    /// Restores the effect of endProcess().
     ~ExitSignals();
     ExitSignals(ExitSignals const&) = delete;
     ExitSignals& operator=(ExitSignals const&) = delete;

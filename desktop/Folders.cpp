@@ -10,7 +10,7 @@ constexpr char const* autostart = "autostart";
 
 std::filesystem::path userFolder(char const* variable, char const* inHome)
 {
-    // The XDG base directory rules ignore a relative path.
+    // By the XDG rules, a relative path is ignored.
     std::filesystem::path const folder = environmentText(variable);
     auto const home = environmentText("HOME");
     return folder.is_absolute() ? folder : std::filesystem::path(home.empty() ? "/" : home) / inHome;

@@ -6,7 +6,7 @@
 
 // Where the program and its user keep their files. Main thread only.
 
-/// The program's own file as it was at the start: an upgrade may put another one in its place. Empty without /proc.
+/// The program's own file, read once, because an upgrade may replace it. Empty without /proc.
 std::filesystem::path const& programFile();
 
 /// A path relative to the program's folder, which is the same in the build folder and in an installation.

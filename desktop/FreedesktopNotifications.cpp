@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 constexpr char const* service = "org.freedesktop.Notifications";
 constexpr char const* path = "/org/freedesktop/Notifications";
 constexpr std::string_view defaultAction = "default";
-// The bus answers these by itself.
+// The bus itself answers these calls.
 constexpr auto patience = 5s;
 
 bool isRunning(Bus const& bus)
@@ -52,7 +52,7 @@ std::unique_ptr<FreedesktopNotifications> FreedesktopNotifications::connectTo(Bu
 FreedesktopNotifications::FreedesktopNotifications(Bus& bus, Look look)
     : bus_(bus)
     , look_(std::move(look))
-    // A service that starts anew counts from one again.
+    // A restarted service counts its ids from one again.
     , serviceOwner_(bus.observeOwner(service, [this](std::string const&) { delivered_.reset(); }))
     , actions_(listen("ActionInvoked", &FreedesktopNotifications::actionInvoked))
     , closings_(listen("NotificationClosed", &FreedesktopNotifications::notificationClosed))
@@ -75,7 +75,7 @@ void FreedesktopNotifications::deliver(platform::UserNotification const& notific
     auto message = bus_.methodCall(service, path, service, "Notify");
     if (!message)
         return;
-    // The service shows it in place of the last one, so that they do not collect while nobody looks.
+    // The id makes the service replace our last notification, so that they do not pile up.
     append(message.get(), look_.applicationName);
     sd_bus_message_append(message.get(), "u", delivered_.value_or(0));
     append(message.get(), look_.icon);

@@ -13,15 +13,15 @@ class FreedesktopNotifications final : public platform::NotificationCenter {
 public:
     struct Look {
         std::string applicationName;
-        /// Names the program's desktop entry.
+        /// The base name of the program's desktop entry.
         std::string identifier;
         /// The icon's name in the desktop's theme.
         std::string icon;
-        /// Says what a click does, for services that show it on a button.
+        /// Describes what a click does, for services that show the action as a button.
         std::string actionLabel;
     };
 
-    /// Nothing when the bus has no notification service and could start none.
+    /// Returns null if the bus has no notification service and cannot start one.
     static std::unique_ptr<FreedesktopNotifications> connectTo(Bus& bus, Look look);
 
     void setDelegate(platform::NotificationCenterDelegate* delegate) override { delegate_ = delegate; }
@@ -39,12 +39,12 @@ private:
     Bus& bus_;
     Look look_;
     platform::NotificationCenterDelegate* delegate_ = nullptr;
-    /// The service's number of our last notification, unless it was closed.
+    /// The service's id of our last notification, unless it was closed.
     std::optional<std::uint32_t> delivered_;
     BusSlot serviceOwner_;
     BusSlot actions_;
     BusSlot closings_;
     BusSlot tokens_;
-    /// Of the last one.
+    /// The pending call for the last notification.
     BusSlot delivery_;
 };

@@ -5,7 +5,7 @@
 
 namespace {
 
-// All squares take 43 kB, and a wide picture 10 kB for a letter.
+// All squares together take 43 kB, and a wide picture 10 kB per letter.
 constexpr std::size_t maximumAnswerSize = 1024UL * 1024;
 
 std::vector<StatusPixmap> pixmapsOf(
@@ -50,7 +50,7 @@ void IconDrawer::start(Request request)
         runLoop_.perform([answer] { answer({}); });
 }
 
-// The next drawing is under way before the answer, which may take the drawer away.
+// The next drawing is started before the handler runs, because the handler may destroy the drawer.
 void IconDrawer::finish(std::vector<StatusPixmap> const& pixmaps)
 {
     auto const drawn = std::exchange(drawn_, nullptr);

@@ -14,26 +14,25 @@
 #include <string>
 #include <vector>
 
-/// Has the status item's pictures drawn by a helper process, so that the program needs neither fonts nor a toolkit for
-/// them. The main loop must outlive the queues' threads. Main thread only.
+/// Draws the status item's pictures in a helper process, so that the program itself needs neither fonts nor a toolkit.
+/// The main loop must outlive the queues' threads. Main thread only.
 class IconDrawer {
 public:
     using Drawn = std::function<void(std::vector<StatusPixmap>)>;
 
-    /// The helper program; it is killed if it takes longer than the limit.
+    /// Takes the helper program, which is killed if it takes longer than the limit.
     IconDrawer(std::filesystem::path helper, platform::RunLoop& runLoop, platform::BackgroundQueues& queues,
         std::chrono::milliseconds limit = std::chrono::seconds(10));
     IconDrawer(IconDrawer const&) = delete;
     IconDrawer& operator=(IconDrawer const&) = delete;
-    /// Ends a running helper; nothing is answered any more.
+    /// Kills a running helper; no further answers are delivered.
     ~IconDrawer() { cancel(); }
 
-    /// Answers from the main loop with the pictures of a title in UTF-8, or with none when they cannot be drawn. One
-    /// helper runs at a time: of the drawings that are asked for meanwhile the latest comes next, and the others are
-    /// never answered.
+    /// Draws a title in UTF-8 and delivers its pictures from the main loop, or an empty list on failure. Only one
+    /// helper runs at a time. Of the requests made meanwhile, only the latest is run; the others are never answered.
     void draw(std::string title, StatusLook look, Drawn drawn);
 
-    /// Ends a running helper, and keeps every later one from being started.
+    /// Kills a running helper and prevents new ones from starting.
     void cancel() { helper_->cancel(); }
 
 private:
@@ -50,9 +49,9 @@ private:
     std::chrono::milliseconds limit_;
     /// Shared with a thread that may outlive the drawer.
     std::shared_ptr<platform::HelperProcess> helper_;
-    /// Of the running helper; none when no helper runs.
+    /// The handler for the running helper; empty if none is running.
     Drawn drawn_;
     std::optional<Request> waiting_;
-    /// Goes with the drawer, which tasks in the main loop may outlive.
+    /// Expires with the drawer, since queued tasks may outlive it.
     std::shared_ptr<bool> life_ = std::make_shared<bool>(true);
 };

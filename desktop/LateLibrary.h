@@ -5,16 +5,17 @@
 
 #include <filesystem>
 
-/// A library of the program's own that is loaded when it is needed. It is opened at once, so that it is the one of this
-/// program also after an upgrade.
+/// A library of the program that is loaded on demand. Its file is opened on construction, so that an upgrade cannot
+/// replace it.
 class LateLibrary {
 public:
     explicit LateLibrary(std::filesystem::path const& file);
 
     bool isLoaded() const { return library_ != nullptr; }
-    /// A function of the library, which is loaded if it was not. Nothing if that fails, with a line on standard error.
+    /// Returns a function of the library, loading that if necessary. On failure prints a line to standard error and
+    /// returns null.
     template <typename Function> Function find(char const* name) { return reinterpret_cast<Function>(address(name)); }
-    /// Nothing of it may be in use.
+    /// Unloads the library, which must no longer be in use.
     void unload();
 
 private:
@@ -22,6 +23,6 @@ private:
 
     std::filesystem::path path_;
     platform::Descriptor file_;
-    /// As dlopen() has it.
+    /// The handle returned by dlopen().
     void* library_ = nullptr;
 };

@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A refresh formats at its begin and at its end, which is sooner than that as a rule.
+// A refresh formats at its beginning and at its end, which are usually less than this apart.
 constexpr auto timeOfUse = 1s;
 
 }

@@ -8,9 +8,9 @@
 #include <filesystem>
 #include <memory>
 
-/// Loads the rules of locales while something is being formatted, and lets go of them a second later: ICU would be two
-/// thirds of the program's memory, for some texts an hour. The toolkit uses ICU itself, so from its coming on the rules
-/// stay. One at a time; main thread only.
+/// Loads the locale rules while something is being formatted and unloads them a second later. ICU would take two thirds
+/// of the program's memory, for a few texts an hour. Once the toolkit is loaded, which uses ICU itself, the rules stay.
+/// Only one instance may exist. Main thread only.
 class LateLocale final {
 public:
     LateLocale(DesktopRunLoop& loop, std::filesystem::path const& library);

@@ -39,7 +39,7 @@ Windows* LateWindows::load()
 {
     if (windows_)
         return windows_.get();
-    // The toolkit would end the program.
+    // Without a display, the toolkit would end the program.
     if (!canConnect(context_.runLoop)) {
         std::fprintf(stderr, "usage-meter: no connection to display %s\n", Display::name().c_str());
         return nullptr;

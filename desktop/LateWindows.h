@@ -9,22 +9,22 @@
 #include <memory>
 #include <vector>
 
-/// Loads the windows when the first of them is wanted: when the model of one becomes visible, or when they are asked
-/// for. What cannot be shown is told in one line on standard error, and tried again the next time. Main thread only.
+/// Loads the windows on demand: when a window's model becomes visible, or on request. A failure is printed to standard
+/// error as one line, and loading is retried the next time. Main thread only.
 class LateWindows final {
 public:
     LateWindows(WindowsContext context, std::filesystem::path const& library);
-    /// The windows go before the models that they show.
+    /// Destroys the windows before the models that they show.
     ~LateWindows();
     LateWindows(LateWindows const&) = delete;
     LateWindows& operator=(LateWindows const&) = delete;
 
-    /// The windows, loaded if they were not; nothing if they cannot be.
+    /// Returns the windows, loading them if necessary, or null on failure.
     Windows* load();
-    /// The windows if they are loaded.
+    /// Returns the windows, or null if they are not loaded.
     Windows* loaded() const { return windows_.get(); }
 
-    /// Of the windows, also of those that come later.
+    /// Sets the look of the windows, including those loaded later.
     void setLook(Look const& look);
 
 private:

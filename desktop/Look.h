@@ -8,7 +8,7 @@
 /// How the desktop wants windows to look.
 struct Look {
     platform::Appearance appearance = platform::Appearance::Light;
-    /// Of what is selected or has the focus, where the user has chosen a colour.
+    /// The colour for selection and focus, if the user has chosen one.
     std::optional<platform::Color> accent;
 
     bool operator==(Look const&) const = default;

@@ -6,7 +6,7 @@
 #include <memory>
 #include <utility>
 
-/// Gathers what happens within one turn of the main loop: however often it is asked, its task runs once, after what is
+/// Coalesces requests within one turn of the main loop: however many there are, the task runs once, after everything
 /// already queued. Main thread only.
 class OncePerTurn {
 public:
@@ -21,7 +21,7 @@ public:
         if (std::exchange(requested_, true))
             return;
         loop_.perform([this, weak = std::weak_ptr(task_)] {
-            // A task of nobody any more.
+            // The object may have been destroyed.
             auto const task = weak.lock();
             if (!task)
                 return;

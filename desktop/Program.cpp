@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// The end of the process stops what has not ended by then.
+// Threads that are still running after this time are ended with the process.
 constexpr platform::Seconds exitTimeout = 50ms;
 
 std::filesystem::path additionalAuthority(platform::Bundle const& bundle)
@@ -27,7 +27,7 @@ StatusNotifierItem::Look lookOf(platform::Bundle const& bundle)
 {
     return { .productName = bundle.infoText("CFBundleDisplayName"),
         .iconName = bundle.infoText("CFBundleIconFile"),
-        // Installed beside the bundle.
+        // The icons are installed next to the bundle.
         .themePath = bundle.folder().parent_path() / "icons" };
 }
 
@@ -74,7 +74,7 @@ Program::Program(Arguments arguments, platform::Bundle const& bundle, DesktopRun
     , colorScheme_(bus, [this](Look const& look) { windows_.setLook(look); })
     , exitSignals_(runLoop)
 {
-    // The helper processes have their copy of the environment by now.
+    // The helpers have copied the environment by now.
     keepActivationToken(activationToken_);
     layout_.wire(controller_);
     workspace_.useWindows(windows_);
@@ -161,7 +161,7 @@ void Program::showMenuInWindow()
         runLoop_.quit(EXIT_FAILURE);
 }
 
-// A new process gets by without a toolkit of no use as long as a panel shows the item; without a panel nothing is left.
+// If the toolkit is unusable but the item has a place, the program restarts to keep the item. Otherwise it ends.
 void Program::restart(char** arguments)
 {
     userDefaults_.flush();

@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A first instance that is just starting answers by then.
+// Long enough for a first instance that is still starting.
 constexpr auto patience = 3s;
 
 constexpr char const* interface = "org.freedesktop.Application";
@@ -26,7 +26,7 @@ std::string pathOf(std::string identifier)
     return '/' + identifier;
 }
 
-// Of the data that a platform hands over: a{sv}.
+// Reads the activation data, of type a{sv}.
 std::string tokenIn(sd_bus_message* call)
 {
     std::string token;
@@ -75,17 +75,17 @@ SingleInstance::Outcome SingleInstance::start()
 {
     if (!bus_.isConnected())
         return Outcome::IsFirst;
-    // The object stands before the name, so that whoever sees the name can call it.
+    // The object is registered before the name, so that whoever sees the name can call it.
     object_ = bus_.addObject(path_.c_str(), interface, members(), this);
     if (becomeFirst())
         return Outcome::IsFirst;
     if (activateFirst())
         return Outcome::ActivatedFirst;
-    // One that was ending has left its name by now.
+    // A first instance that was ending has released its name by now.
     return becomeFirst() ? Outcome::IsFirst : Outcome::FirstIsSilent;
 }
 
-// Also when the bus does not say.
+// Also returns true if the bus does not answer.
 bool SingleInstance::becomeFirst()
 {
     constexpr std::uint32_t doNotQueue = 4;
@@ -114,7 +114,7 @@ int SingleInstance::activate(sd_bus_message* call)
 {
     dropActivationToken();
     keepActivationToken(tokenIn(call));
-    // The caller is answered first.
+    // The caller gets its reply first.
     activation_.request();
     return sd_bus_reply_method_return(call, "");
 }

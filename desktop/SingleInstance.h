@@ -6,24 +6,24 @@
 #include <functional>
 #include <string>
 
-/// Keeps the program to one instance in a session: the first owns the bus name, and every later one activates the first
-/// through org.freedesktop.Application (freedesktop.org's D-Bus activation).
+/// Limits the program to one instance per session. The first owns the bus name, and later ones activate it through
+/// org.freedesktop.Application (freedesktop.org's D-Bus activation).
 class SingleInstance final {
 public:
-    /// The identifier is the bus name, and names the object's path.
+    /// The identifier is the bus name; the object's path is derived from it.
     SingleInstance(std::string identifier, Bus& bus);
-    /// Gives the name back, and waits for nobody.
+    /// Releases the name without blocking.
     ~SingleInstance();
     SingleInstance(SingleInstance const&) = delete;
     SingleInstance& operator=(SingleInstance const&) = delete;
 
     enum class Outcome { IsFirst, ActivatedFirst, FirstIsSilent };
 
-    /// The first instance, also where there is no bus to tell, takes the name. A later one has the first activated, and
-    /// waits some seconds for its answer; should the first end meanwhile, it is the first itself.
+    /// Tries to take the name. If that fails, activates the first instance and waits some seconds for its reply; if the
+    /// first instance ends meanwhile, takes over. Without a bus, this is always the first instance.
     Outcome start();
 
-    /// What the first instance does when a later one activates it.
+    /// Sets what happens when a later instance activates this one.
     void whenActivated(platform::Task activated) { activated_ = std::move(activated); }
 
 private:
@@ -39,7 +39,7 @@ private:
     std::string path_;
     Bus& bus_;
     platform::Task activated_;
-    /// Takes a queued activation away with it.
+    /// Cancels a queued activation on destruction.
     OncePerTurn activation_;
     BusSlot object_;
 };

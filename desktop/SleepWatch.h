@@ -3,7 +3,7 @@
 
 #include "platform/RunLoop.h"
 
-/// Notices that the computer slept: time since boot counts sleep, the monotonic clock does not.
+/// Detects sleep by comparing the time since boot, which includes sleep, with the monotonic clock, which does not.
 class SleepWatch {
 public:
     SleepWatch(platform::Seconds sinceBoot, platform::Seconds uptime)
@@ -11,8 +11,8 @@ public:
     {
     }
 
-    /// Whether the computer slept since this was last asked. The two clocks are read one after the other, so they may
-    /// differ by a little without any sleep.
+    /// Whether the computer has slept since the last call. The two clocks are not read at the same instant, so a small
+    /// difference does not count.
     bool noticesSleep(platform::Seconds sinceBoot, platform::Seconds uptime)
     {
         constexpr platform::Seconds reading { 0.1 };

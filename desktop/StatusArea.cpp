@@ -8,9 +8,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// A panel that is started anew is back by then.
+// Long enough for a panel to restart.
 constexpr auto graceOfWatcher = 1500ms;
-// A panel that loses the first label knows the item by then.
+// Long enough for a panel that loses the first label to have seen the item.
 constexpr auto timeToMeetItem = 1s;
 
 constexpr char const* watcher = "org.kde.StatusNotifierWatcher";
@@ -22,11 +22,11 @@ StatusArea::StatusArea(platform::StatusItem& item, StatusNotifierItem::Look look
     : bus_(bus)
     , handlers_(std::move(handlers))
     , loginTime_(loginTime)
-    // The panel asks for both as soon as it hears of the item.
+    // The panel asks for both as soon as it sees the item.
     , notifierItem_(item, std::move(look), drawer, bus, { handlers_.menuRequested, handlers_.activationToken })
     , dbusMenu_(item.menu(), StatusNotifierItem::menuPath, direction, bus)
     , watcherOwner_(bus.observeOwner(watcher, [this](std::string const& owner) { ownerChanged(owner); }))
-    // An older tray may go with it.
+    // Waits first, because an older tray may disappear along with the bus.
     , busEnd_(bus.observeEnd([this] { startGrace(); }))
 {
     if (bus_.isConnected())
@@ -40,7 +40,7 @@ void StatusArea::registerItem()
     grace_.reset();
     login_.reset();
     meeting_.reset();
-    // Asked first, so that the answer is here before the panel asks for the icon.
+    // Asked first, so that the answer arrives before the panel asks for the icon.
     askForHost();
     requestRegistration();
 }
@@ -52,14 +52,14 @@ void StatusArea::requestRegistration()
         return;
     sd_bus_message_append(message.get(), "s", bus_.uniqueName());
     sd_bus_message_set_auto_start(message.get(), 0);
-    // A panel that hangs takes the item when it goes on, however long that is.
+    // A hanging panel takes the item when it recovers, however long that takes.
     registration_
         = bus_.call(std::move(message), [this](sd_bus_message* reply) { registrationAnswered(reply); }, Bus::forever);
 }
 
 void StatusArea::registrationAnswered(sd_bus_message* reply)
 {
-    // Only the first answer counts: by the second the item has its place.
+    // Only the first answer matters; at the second, the item already has its place.
     if (meeting_)
         return;
     if (sd_bus_message_is_method_error(reply, nullptr) != 0)
@@ -92,7 +92,7 @@ void StatusArea::hostAnswered(sd_bus_message* reply)
     bool const isKnown = isAnswer && sd_bus_message_read(reply, "u", &processId) > 0;
     host_ = statusHostOf(isKnown ? processName(processId) : std::string());
     dbusMenu_.setMarksFirstUnderscoreOnly(host_.marksFirstUnderscoreOnly);
-    // Nothing is drawn for nobody.
+    // Draw nothing if there is no panel.
     if (sd_bus_message_is_method_error(reply, "org.freedesktop.DBus.Error.NameHasNoOwner") == 0)
         notifierItem_.setHost(host_);
 }

@@ -8,28 +8,29 @@
 #include <memory>
 #include <string>
 
-/// Puts the status item where the desktop has a place for it: with a StatusNotifierItem panel, else in an older tray,
-/// else nowhere. It follows panels that come and go, and a bus that goes. The model must outlive it. Main thread only.
+/// Puts the status item where the desktop has room for it: in a StatusNotifierItem panel, else in an older tray, else
+/// nowhere. It copes with panels that come and go, and with the loss of the bus. The model must outlive it. Main thread
+/// only.
 class StatusArea {
 public:
     struct Handlers {
-        /// Called from the main loop when the item has no place to be. A panel that has been there and goes does not
-        /// count: it goes when the screen is locked, and comes back.
+        /// Called from the main loop when there is no place for the item. Not called for a panel that disappears later,
+        /// as happens while the screen is locked.
         platform::Task noStatusArea;
-        /// Called when the item has a place with a panel.
+        /// Called when a panel has accepted the item.
         platform::Task placed {};
-        /// Puts the item into an older tray; false where there is none.
+        /// Puts the item into an older tray. Returns false if there is none.
         std::function<bool()> showInOlderTray {};
-        /// The panel leaves it to the program to show the menu.
+        /// Called when the panel wants the program itself to show the menu.
         platform::Task menuRequested {};
-        /// A token to come to the front with, told before the click that it belongs to.
+        /// Receives an activation token, before the click that it belongs to.
         std::function<void(std::string const& token)> activationToken {};
     };
 
-    /// How long a panel may take to come when the user logs in.
+    /// The time that a panel may take to start after login.
     static constexpr platform::Seconds usualLoginTime { 15 };
 
-    /// Registers the item at once, and waits for nobody. A bus that is not connected is a desktop without panels.
+    /// Registers the item at once, without blocking. A disconnected bus counts as a desktop without panels.
     StatusArea(platform::StatusItem& item, StatusNotifierItem::Look look, DBusMenu::TextDirection direction,
         IconDrawer& drawer, Bus& bus, Handlers handlers, platform::Seconds loginTime = usualLoginTime);
 
@@ -56,11 +57,11 @@ private:
     BusSlot watcherOwner_;
     platform::Subscription busEnd_;
     BusSlot hostQuestion_;
-    /// The latest one: what an earlier watcher answers does not count.
+    /// The latest registration; replies from an earlier watcher are ignored.
     BusSlot registration_;
-    /// Until a panel that loses the first label has met the item.
+    /// Runs until a panel that loses the first label has seen the item.
     std::unique_ptr<platform::Timer> meeting_;
-    /// Both run only while the item has no place.
+    /// Both run only while there is no place for the item.
     std::unique_ptr<platform::Timer> grace_;
     std::unique_ptr<platform::Timer> login_;
 };

@@ -7,20 +7,20 @@
 #include <string>
 #include <string_view>
 
-/// What is known of a panel.
+/// The properties of a known panel.
 struct StatusHost {
     StatusLook look = StatusLook::Icon;
-    /// Shows symbolic icons in its text's colour. Elsewhere they could be dark on dark.
+    /// Whether it draws symbolic icons in its text colour. On other panels they could be dark on dark.
     bool coloursSymbols = false;
-    /// Loses the label of an item that it has just met, until the item registers again.
+    /// Whether it drops the label of a new item until the item registers again.
     bool losesFirstLabel = false;
-    /// Takes only the first underscore of a menu's line for a mark, and shows the others as they come.
+    /// Whether it treats only the first underscore of a menu line as a mnemonic mark and shows the others.
     bool marksFirstUnderscoreOnly = false;
 };
 
-/// The panel behind a process name as /proc/PID/comm has it: cut to 15 bytes. A program that is not known shows a
-/// square picture.
+/// Identifies a panel by its process name from /proc/PID/comm, which is cut to 15 bytes. Unknown programs are assumed
+/// to show a square picture.
 StatusHost statusHostOf(std::string_view processName);
 
-/// The name of a running process; empty if it is not to be seen.
+/// The name of a running process, or an empty text if it cannot be determined.
 std::string processName(std::uint32_t processId);

@@ -13,8 +13,8 @@ namespace {
 using namespace std::chrono_literals;
 using Item = StatusNotifierItem;
 
-// A title that gives way to the next at once, as that of the waiting state does to a report from the cache, is not
-// worth a helper, which would keep the next one's pictures waiting.
+// A title that is replaced at once, such as the waiting state's by a cached report, is not worth starting a helper for,
+// which would delay the next title's pictures.
 constexpr auto timeOfTitle = 10ms;
 
 }
@@ -114,7 +114,7 @@ void StatusNotifierItem::writeItemIsMenu(sd_bus_message* reply) const { sd_bus_m
 
 void StatusNotifierItem::writeMenuPath(sd_bus_message* reply) const { sd_bus_message_append(reply, "o", menuPath); }
 
-// Once the caller is answered, for showing a menu takes its time.
+// Runs after the reply, because showing a menu is slow.
 int StatusNotifierItem::requestMenu(sd_bus_message* call)
 {
     if (handlers_.menuRequested)
@@ -133,7 +133,7 @@ int StatusNotifierItem::provideActivationToken(sd_bus_message* call)
     return sd_bus_reply_method_return(call, "");
 }
 
-// The menu's first group says how things are; what follows does something.
+// The menu's first group shows the state; the groups after it have commands.
 std::string StatusNotifierItem::details() const
 {
     std::string lines;
@@ -159,7 +159,7 @@ void StatusNotifierItem::update()
     }
     if (told_.iconName != before.iconName)
         bus_.emit(path, interface, "NewIconThemePath", "s", platform::wellFormedUtf8(iconThemePath()).c_str());
-    // Panels read the icon's description anew with the icon, even where that is the same.
+    // Panels reread the icon's description only with the icon, so this is also sent if the icon is unchanged.
     bool const isNewDescription = isNewTitle && showsLabel();
     if (std::exchange(isRedrawn_, false) || isNewDescription || told_.iconName != before.iconName)
         emit("NewIcon");
@@ -167,7 +167,7 @@ void StatusNotifierItem::update()
         emit("NewToolTip");
 }
 
-// A panel goes on with the last pictures until the new ones are there.
+// Panels keep the last pictures until the new ones arrive.
 void StatusNotifierItem::draw()
 {
     if (!host_)
@@ -184,7 +184,7 @@ void StatusNotifierItem::draw()
 
 void StatusNotifierItem::show(std::vector<StatusPixmap> pixmaps)
 {
-    // The panel that they were drawn for may have gone.
+    // The panel that they were drawn for may be gone.
     if (showsLabel())
         return;
     pixmaps_ = std::move(pixmaps);

@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-/// A status item as panels see it over D-Bus, after the org.kde.StatusNotifierItem protocol with the label that the
-/// Ayatana indicators added to it. The changes of one main-loop turn go out as one set of signals. The model must
-/// outlive this object. Main thread only.
+/// A status item exported over D-Bus with the org.kde.StatusNotifierItem protocol and the label added to it by the
+/// Ayatana indicators. The changes of one main-loop turn are sent as one set of signals. The model must outlive this
+/// object. Main thread only.
 class StatusNotifierItem {
 public:
     static constexpr char const* path = "/StatusNotifierItem";
@@ -21,29 +21,30 @@ public:
 
     struct Look {
         std::string productName;
-        /// An icon of the desktop's theme, which has a symbolic one beside it.
+        /// An icon of the desktop's theme; it must have a symbolic variant.
         std::string iconName;
-        /// Where it is found if the desktop does not know it.
+        /// Where to find the icon if it is not in the desktop's theme.
         std::string themePath;
     };
 
     struct Handlers {
-        /// The panel leaves it to the program to show the menu.
+        /// Called when the panel wants the program itself to show the menu.
         platform::Task menuRequested;
-        /// What the user's next click does may come to the front with this token.
+        /// Receives a token that lets the user's next click bring a window to the front.
         std::function<void(std::string const& token)> activationTokenProvided;
     };
 
-    /// Panels that show the label as text have the icon beside it; the others have it until the title is drawn.
+    /// Panels that show the label as text always have the icon next to it; other panels show it until the title is
+    /// drawn.
     StatusNotifierItem(platform::StatusItem& item, Look look, IconDrawer& drawer, Bus& bus, Handlers handlers);
     StatusNotifierItem(StatusNotifierItem const&) = delete;
     StatusNotifierItem& operator=(StatusNotifierItem const&) = delete;
 
-    /// Draws for another panel from now on. Nothing is drawn before there is one.
+    /// Draws for another panel from now on. Nothing is drawn before the first call.
     void setHost(StatusHost const& host);
 
 private:
-    /// What panels have been told.
+    /// The state as last reported to panels.
     struct Told {
         std::string title;
         std::string details;
@@ -55,13 +56,13 @@ private:
     std::string id() const { return "usage-meter"; }
     std::string category() const { return "ApplicationStatus"; }
     std::string status() const { return "Active"; }
-    /// Cut off with an ellipsis where a panel could not show it.
+    /// Cut off with an ellipsis if it is too long for a panel.
     std::string title() const;
-    /// The longest title so far, whose room a panel can keep free so that the items beside it stay where they are.
+    /// The longest title so far, so that a panel can reserve the space and keep the items beside it in place.
     std::string guide() const { return guide_; }
     std::string iconName() const;
     std::string iconThemePath() const;
-    /// What the item is and says, for panels that read it out.
+    /// The item's name and state, for screen readers.
     std::string accessibleDescription() const;
     void writePixmaps(sd_bus_message* reply) const;
     void writeToolTip(sd_bus_message* reply) const;
@@ -87,9 +88,9 @@ private:
     Handlers handlers_;
     std::optional<StatusHost> host_;
     std::string guide_;
-    /// The last ones that were drawn; none for a panel that shows the label.
+    /// The last pictures drawn; empty for a panel that shows the label.
     std::vector<StatusPixmap> pixmaps_;
-    /// Until a new title has stood for a moment.
+    /// Runs until a new title has been unchanged for a moment.
     std::unique_ptr<platform::Timer> drawing_;
     bool isRedrawn_ = false;
     Told told_;

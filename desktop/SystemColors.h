@@ -3,5 +3,5 @@
 
 #include "platform/Color.h"
 
-/// The colours of our windows in an appearance, whatever draws them.
+/// The colours of our windows in an appearance, independent of the toolkit.
 platform::SystemColors systemColors(platform::Appearance appearance);

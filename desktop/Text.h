@@ -4,14 +4,14 @@
 #include <string>
 #include <string_view>
 
-// Texts as other programs show them. What is not UTF-8 becomes U+FFFD.
+// Prepares texts for other programs. Invalid UTF-8 becomes U+FFFD.
 
-/// A text beside other programs' items in a panel: of at most 32 letters, which end in an ellipsis if it was longer.
-/// Every figure of a real connection fits.
+/// Shortens a text for a panel to at most 32 characters, including the ellipsis. Every figure of a real connection
+/// fits.
 std::string asPanelLabel(std::string_view text);
 
-/// A line of a menu, which fits on a screen: of at most 80 letters.
+/// Shortens a text for a menu line, to at most 80 characters, so that it fits on a screen.
 std::string asMenuLine(std::string_view text);
 
-/// A text that stands for itself where HTML is read.
+/// Escapes a text so that HTML shows it literally.
 std::string escapedForHtml(std::string_view text);

@@ -16,29 +16,29 @@ class StatusItem;
 }
 struct Outlets;
 
-/// All of the program that takes a toolkit: the windows that show the models, an older tray, and the toolkit's own loop
-/// around the main loop. In a library of its own that is loaded when the first of it is wanted. Main thread only.
+/// The part of the program that needs a toolkit: the windows that show the models, an older tray, and the toolkit's own
+/// loop around the main loop. It is in a separate library that is loaded on demand. Main thread only.
 class Windows : public OuterLoop {
 public:
     virtual void setLook(Look const& look) = 0;
 
-    /// Shows the usage window with the status menu in it, for a desktop that has no place for a status item. Without
-    /// one the window is the program: closing it is its end.
+    /// Shows the usage window with the status menu in it, for a desktop that has no place for a status item. Closing
+    /// that window quits the program.
     virtual void showUsageWindowWithMenu() = 0;
-    /// The status item has a place: the usage window is an ordinary one again, and goes if it came uninvited; so does
-    /// the item in an older tray.
+    /// The status item has found a place: makes the usage window an ordinary one, or hides it if the user did not open
+    /// it, and removes the item from an older tray.
     virtual void leaveMenuToStatusArea() = 0;
-    /// Puts the status item into an older tray; false where there is none.
+    /// Puts the status item into an older tray. Returns false if there is none.
     virtual bool showInOlderTray() = 0;
-    /// Shows the status menu where the pointer is.
+    /// Shows the status menu at the pointer.
     virtual void popUpMenu() = 0;
-    /// Shows an address in the user's browser; false where that cannot be started.
+    /// Opens a URL in the user's browser. Returns false if the browser cannot be started.
     virtual bool open(std::string const& url) = 0;
 };
 
-/// What the windows are made of. All of it outlives them.
+/// What the windows need. All of it outlives them.
 struct WindowsContext {
-    /// As the program was called; the toolkit takes its own arguments out.
+    /// The program's arguments; the toolkit removes its own.
     int& argumentCount;
     char** arguments;
     Outlets& outlets;
@@ -46,15 +46,15 @@ struct WindowsContext {
     platform::Bundle const& bundle;
     DesktopRunLoop& runLoop;
     platform::Application& application;
-    /// Where the web engine's libraries are.
+    /// The folder of the web engine's libraries.
     std::filesystem::path partsFolder;
-    /// The toolkit turned out to be of no use: it can be neither used nor taken down. Must not return.
+    /// Called if the toolkit turns out to be unusable; it cannot be destroyed either. Must not return.
     platform::Task toolkitFailed;
-    /// The toolkit ends the process by itself, as it does when the display goes. Nothing may be taken down then, for
-    /// its threads are at work. Must not return.
+    /// Called if the toolkit ends the process, for instance when the display is lost. Destroy nothing then, since the
+    /// toolkit's threads are still running. Must not return.
     std::function<void(int status)> toolkitExits;
 };
 
-/// The library's way in, by this name.
+/// The library's entry point, found by this name.
 using MakeWindows = void (*)(WindowsContext const& context, std::unique_ptr<Windows>& made);
 constexpr char const* makeWindowsName = "makeUsageMeterWindows";

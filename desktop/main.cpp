@@ -19,7 +19,7 @@ namespace {
 std::unique_ptr<Display> connectToDisplay(DesktopRunLoop& runLoop)
 {
     auto display = Display::connect(runLoop, [&runLoop] {
-        // The toolkit says so itself.
+        // The toolkit reports this itself.
         if (runLoop.hasOuter())
             return;
         std::fprintf(stderr, "usage-meter: the connection to display %s is lost\n", Display::name().c_str());
@@ -63,7 +63,7 @@ int main(int argc, char** argv)
     case SingleInstance::Outcome::ActivatedFirst:
         return EXIT_SUCCESS;
     case SingleInstance::Outcome::FirstIsSilent:
-        std::fputs("usage-meter: it runs already, but does not answer\n", stderr);
+        std::fputs("usage-meter: already running, but not responding\n", stderr);
         return EXIT_FAILURE;
     case SingleInstance::Outcome::IsFirst:
         break;
