@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A small library apart from the web engine's, which takes its time to load.
+// This is a small separate library, because the web engine's is slow to load.
 #include <QOpenGLWidget>
 
-/// Has a window that was not shown yet drawn by the graphics card, as the web engine wants it. Qt would make a window
-/// that is on the screen already anew, before the user's eyes.
+/// Makes a window that has not been shown yet use OpenGL, as the web engine requires. Otherwise Qt would recreate the
+/// visible window, which flickers.
 extern "C" Q_DECL_EXPORT void prepareWindow(QWidget* window) { (new QOpenGLWidget(window))->hide(); }

@@ -4,7 +4,7 @@
 
 #include <QLayout>
 
-/// The library's way in.
+/// The library's entry point.
 class WebEnginePlugin final : public QObject, public WebPlugin {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID USAGE_METER_WEB_PLUGIN_ID)

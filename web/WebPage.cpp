@@ -12,12 +12,12 @@
 
 namespace {
 
-// The engine's numbers.
+// The engine's error codes.
 constexpr int nameNotResolved = -105;
 constexpr int nameResolutionFailed = -137;
 
-// An adopted style sheet, for an element of style would be the page's first one. The events are stopped before a page
-// that brings styles of its own gets them, and so is its wish to be asked before another one takes its place.
+// Uses an adopted style sheet, because a style element would become the page's first one. The events are stopped before
+// the page's own handlers see them, including its request to confirm leaving.
 constexpr auto untouchable = R"(
     const sheet = new CSSStyleSheet();
     sheet.replaceSync('* { user-select: none !important; -webkit-user-drag: none !important; }');
@@ -27,7 +27,7 @@ constexpr auto untouchable = R"(
     addEventListener('beforeunload', event => event.stopImmediatePropagation(), true);
 )";
 
-// Nobody is asked for a name and a password; without an answer the engine would try again and again.
+// The user is not asked for a name and a password. Without an answer the engine would try again and again.
 void refuse(QAuthenticator* authenticator) { *authenticator = QAuthenticator(); }
 
 platform::LoadError toLoadError(QWebEngineLoadingInfo const& info)
@@ -101,15 +101,16 @@ bool WebPage::acceptNavigationRequest(QUrl const& url, NavigationType type, bool
 {
     bool const accepted
         = delegate_.decidePolicyForNavigationAction(url.toEncoded().toStdString()) == platform::NavigationPolicy::Use;
-    // A redirect goes on with a load from the server; once there is a page, it is the page that begins to leave.
+    // A server's redirect continues the current load, but after the page has arrived, a redirect is the page's own
+    // attempt to leave.
     bool const isServersRedirect = type == NavigationTypeRedirect && isReporting_ && !isCommitted_;
     if (isMainFrame && !isServersRedirect)
         isRefused_ = !accepted;
     return accepted;
 }
 
-// The engine starts and stops a load even for what it was refused. A load that takes another one's place reports its
-// start alone, or not even that.
+// The engine starts and stops a load even for a refused navigation. A load that replaces another one reports only its
+// start, or not even that.
 void WebPage::followLoading(QWebEngineLoadingInfo const& info)
 {
     switch (info.status()) {
@@ -122,12 +123,12 @@ void WebPage::followLoading(QWebEngineLoadingInfo const& info)
     case QWebEngineLoadingInfo::LoadSucceededStatus:
         return reportEnd({});
     case QWebEngineLoadingInfo::LoadFailedStatus:
-        // The status of the answer is the page's own affair.
+        // An HTTP error status still comes with a page.
         if (info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain)
             return reportEnd({});
         return reportEnd(toLoadError(info));
     case QWebEngineLoadingInfo::LoadStoppedStatus:
-        // A page that tries to leave while it arrives is kept, as far as it came.
+        // A page that tries to leave while loading is kept as far as it has arrived.
         return reportEnd(isRefused_ ? std::nullopt : std::optional(platform::LoadError::Stopped));
     }
 }

@@ -7,15 +7,15 @@
 
 #include <optional>
 
-/// A page that may only be looked at and followed: it has no dialogs, no files, no windows and no messages of its own.
-/// Tells the delegate of its loads.
+/// A page that can only be viewed, with its links followed. It cannot open dialogs, files or windows, or print console
+/// messages. Reports its loads to the delegate.
 class WebPage final : public QWebEnginePage {
     Q_OBJECT
 
 public:
     WebPage(QWebEngineProfile& profile, platform::WebViewDelegate& delegate);
 
-    /// Has the engine draw what is its own in a page, such as scroll bars, in the scheme "light" or "dark".
+    /// Sets the scheme, "light" or "dark", for what the engine itself draws in a page, such as scroll bars.
     void useScheme(QString const& scheme);
 
 protected:
@@ -34,10 +34,10 @@ private:
     void reportEnd(std::optional<platform::LoadError> error);
 
     platform::WebViewDelegate& delegate_;
-    /// The delegate was told of a load whose end it was not told yet.
+    /// Whether a load has been reported to the delegate but its end has not.
     bool isReporting_ = false;
-    /// The page of that load has begun to arrive.
+    /// Whether that load's page has begun to arrive.
     bool isCommitted_ = false;
-    /// The last navigation that began was refused before its first request.
+    /// Whether the last navigation was refused before its first request.
     bool isRefused_ = false;
 };

@@ -18,7 +18,7 @@ WebPageView::WebPageView(platform::WebViewDelegate& delegate, QWidget& place)
     setAcceptDrops(false);
 }
 
-// The view lets go of the page before that goes. The engine then answers every script that still runs.
+// The view must release the page before it is destroyed. The engine then answers every script that is still running.
 WebPageView::~WebPageView()
 {
     isClosing_ = true;
@@ -48,7 +48,7 @@ void WebPageView::changeEvent(QEvent* event)
         setGround();
 }
 
-// The engine has a dialog of its own, for an input field of colours.
+// The engine opens its own dialog for colour inputs.
 void WebPageView::childEvent(QChildEvent* event)
 {
     QWebEngineView::childEvent(event);
@@ -57,8 +57,8 @@ void WebPageView::childEvent(QChildEvent* event)
         QMetaObject::invokeMethod(dialog, &QDialog::reject, Qt::QueuedConnection);
 }
 
-// What a page stands on until it brings a ground of its own, and its scroll bars: nothing flashes or stays white on a
-// dark desktop.
+// Sets the background of pages that have none, and the scheme of scroll bars, so that nothing flashes or stays white on
+// a dark desktop.
 void WebPageView::setGround()
 {
     auto const ground = palette().color(QPalette::Window);

@@ -6,7 +6,7 @@
 #include <QWebEngineProfile>
 #include <QWebEngineView>
 
-/// A page in a widget, with a profile of its own that leaves nothing behind.
+/// A page in a widget, with its own profile, which stores nothing on disk.
 class WebPageView final : public QWebEngineView, public platform::WebEngine {
     Q_OBJECT
 

@@ -30,7 +30,7 @@ QStringList toQtList(std::vector<std::string> const& texts)
     return list;
 }
 
-// Faded-out and hidden widgets keep their place, so that nothing jumps.
+// Faded-out and hidden widgets keep their space, so that nothing jumps.
 void keepPlaceWhenHidden(QWidget& widget)
 {
     auto policy = widget.sizePolicy();
@@ -38,8 +38,8 @@ void keepPlaceWhenHidden(QWidget& widget)
     widget.setSizePolicy(policy);
 }
 
-// An assistive program selects a line of the open list, and nothing else: the user's own ways make it the current one
-// first.
+// An assistive technology only selects a line of the open list, whereas keyboard and mouse first make it the current
+// one.
 void takeSelectionForPick(QComboBox& box)
 {
     QObject::connect(
@@ -55,8 +55,8 @@ void takeSelectionForPick(QComboBox& box)
         Qt::QueuedConnection);
 }
 
-// A user's pick counts even if it changes nothing. An assistive program may only move the selection, which has become
-// the user's choice when the box still differs from its model at the end of the turn.
+// A user's pick counts even if it changes nothing. An assistive technology may only change the selection; if the box
+// still differs from its model at the end of the turn, this was the user's choice.
 template <typename ShowsModel, typename Pick> void passOnPicks(QComboBox& box, ShowsModel showsModel, Pick pick)
 {
     takeSelectionForPick(box);
@@ -98,7 +98,7 @@ bool PickGuard::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::KeyPress && movesThroughList(*static_cast<QKeyEvent*>(event))) {
         auto& box = *static_cast<QComboBox*>(watched);
         box.showPopup();
-        // A letter finds its line there.
+        // The open list jumps to the line with this letter.
         if (isLetter(*static_cast<QKeyEvent*>(event)))
             QCoreApplication::sendEvent(box.view(), event);
         return true;
@@ -161,7 +161,7 @@ void Binder::mirrorOpacity(QWidget& widget, platform::Opacity& opacity)
     auto* const effect = new QGraphicsOpacityEffect(&widget);
     widget.setGraphicsEffect(effect);
     auto* const animation = new QPropertyAnimation(effect, "opacity", &widget);
-    // An effect that does nothing still costs a detour at every repaint.
+    // Even an effect at full opacity costs an extra rendering pass at every repaint.
     auto const restEffect = [effect] { effect->setEnabled(effect->opacity() != 1.0); };
     QObject::connect(animation, &QPropertyAnimation::finished, effect, restEffect);
     keep(opacity.fade.observe([this, effect, animation, restEffect](platform::Fade const& fade) {
@@ -188,7 +188,7 @@ void Binder::bind(char const* outlet, platform::Button& model)
     mirrorHidden(button, model.hidden);
     keep(model.enabled.observe([&button](bool isEnabled) { button.setEnabled(isEnabled); }));
     keep(model.title.observe([&button](std::string const& title) {
-        // Most titles come with the layout.
+        // Most titles are set in the layout.
         if (!title.empty())
             button.setText(asLabel(title));
     }));
@@ -205,8 +205,8 @@ void Binder::bind(char const* outlet, platform::CheckBox& model)
             palette.setColor(QPalette::WindowText, toQt(*color));
         box.setPalette(palette);
     }));
-    // toggled, not clicked: the user's hand may be an assistive program's. What the program sets, the model has
-    // already.
+    // Use toggled rather than clicked, because an assistive technology may toggle the box. A state set by the program
+    // is already in the model.
     QObject::connect(&box, &QCheckBox::toggled, &box, [&model](bool on) {
         if (on != model.on.get())
             model.userToggled(on);
@@ -216,7 +216,7 @@ void Binder::bind(char const* outlet, platform::CheckBox& model)
 void Binder::bind(char const* outlet, platform::ComboBox& model)
 {
     auto& box = comboBox(outlet);
-    // The text may be no item: then it shows in place of one.
+    // If the text matches no item, it is shown as the placeholder.
     auto const showText = [&box, &model, noItem = localized(QStringLiteral("NO_CONNECTION"))] {
         auto const text = toQt(model.text.get());
         int const index = box.findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive);
@@ -284,7 +284,7 @@ void Binder::bindFigure(char const* outlet, platform::TextField& model)
         if (shown != whole)
             toolTip.prepend(inLines(whole));
         label.setToolTip(toolTip.join(QLatin1Char('\n')).trimmed());
-        // The table around a figure gives its meaning; by ear it needs to say what it is.
+        // On screen, the surrounding table explains a figure; a screen reader needs its name.
         label.setAccessibleName(filledIn(spoken, whole));
     };
     keep(model.text.observe(show));
@@ -295,16 +295,16 @@ void Binder::bindInput(char const* outlet, platform::TextField& model)
 {
     auto& input = child<QLineEdit>(outlet);
     keep(model.text.observe([&input](std::string const& text) {
-        // Setting the text moves the cursor, which the user's own typing must not.
+        // Setting the text moves the cursor, which must not happen while the user types.
         auto const shown = toQt(text);
         if (shown == input.text())
             return;
         input.setText(shown);
-        // What the program fills in is typed over.
+        // Typing replaces what the program fills in.
         if (input.hasFocus())
             input.selectAll();
     }));
-    // textChanged, not textEdited, for the same reason as with a check box.
+    // Use textChanged rather than textEdited, for the same reason as with a check box.
     QObject::connect(&input, &QLineEdit::textChanged, &input, [&input, &model](QString const& text) {
         if (text == toQt(model.text.get()))
             return;
@@ -334,7 +334,7 @@ void Binder::bind(char const* outlet, platform::LevelIndicator& model)
 void Binder::bind(char const* outlet, platform::ProgressIndicator& model)
 {
     auto& bar = child<QProgressBar>(outlet);
-    // A bar from 0 to 0 is on the move.
+    // A progress bar with an empty range is animated.
     keep(model.spinning.observe([&bar](bool spinning) { bar.setRange(0, spinning ? 0 : 1); }));
     mirrorHidden(bar, model.hidden);
 }
@@ -359,7 +359,7 @@ void Binder::bind(char const* outlet, platform::DatePicker& model)
     keep(model.minDate.observe(listMonths));
     keep(model.maxDate.observeChanges(listMonths));
     keep(model.dateValue.observeChanges([showMonth](platform::Date) { showMonth(); }));
-    // Hidden while its month loads, it loses the focus that the next pick by key needs.
+    // Hiding the box while its month loads takes its focus, which the next key press needs.
     auto const hadFocus = std::make_shared<bool>();
     keep(model.hidden.observe([&box, hadFocus](bool isHidden) {
         if (isHidden)

@@ -19,33 +19,32 @@ namespace platform {
 class Bundle;
 }
 
-/// Keeps a closed pop-up from picking what the user only passes over: the mouse wheel goes on to the window, and the
-/// keys that move through the list open it first.
+/// Prevents accidental picks in a closed pop-up: the mouse wheel scrolls the window instead, and keys that move through
+/// the list open it first.
 class PickGuard final : public QObject {
     Q_OBJECT
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 };
 
-/// Ties the models of controls to a window's widgets, found by the outlets' names: a widget shows what its model holds,
-/// and passes on what the user does. A layout without such a widget throws std::logic_error, which the tests see.
+/// Binds models of controls to a window's widgets, which are found by the outlets' names. A widget shows what its model
+/// holds and passes on the user's actions. Throws std::logic_error, which the tests detect, if the layout lacks a
+/// widget.
 class Binder {
 public:
-    /// The window, its binder's texts and the clock of its fades outlive the binder.
+    /// The window, the bundle with the texts and the loop with the clock must outlive the binder.
     Binder(QWidget& window, platform::Bundle const& bundle, platform::RunLoop const& runLoop);
 
     void bind(char const* outlet, platform::Button& model);
     void bind(char const* outlet, platform::CheckBox& model);
     void bind(char const* outlet, platform::ComboBox& model);
     void bind(char const* outlet, platform::PopUpButton& model);
-    /// A text to read.
     void bindLabel(char const* outlet, platform::TextField& model);
-    /// A label for a remark, which shows only while there is something to remark.
+    /// Binds a label that is visible only while it has a text.
     void bindRemark(char const* outlet, platform::TextField& model);
-    /// A label for a figure, which it cuts off with an ellipsis rather than widen the window. The tool tip has it
-    /// whole.
+    /// Binds a label for a figure, which is cut off with an ellipsis rather than widening the window. The tool tip
+    /// shows it in full.
     void bindFigure(char const* outlet, platform::TextField& model);
-    /// A text to type into.
     void bindInput(char const* outlet, platform::TextField& model);
     void bind(char const* outlet, platform::LevelIndicator& model);
     void bind(char const* outlet, platform::ProgressIndicator& model);
@@ -62,7 +61,7 @@ private:
 
     QComboBox& comboBox(char const* outlet);
     void keep(platform::Subscription subscription) { subscriptions_.push_back(std::move(subscription)); }
-    /// Layouts hold the keys of their texts.
+    /// Replaces the text keys that layouts contain with texts.
     void localizeTexts();
     QString localized(QString const& key) const;
     void mirrorHidden(QWidget& widget, platform::Property<bool>& hidden);

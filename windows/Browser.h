@@ -3,5 +3,5 @@
 
 #include <string>
 
-/// Shows an address in the user's browser; false where that cannot be started. Main thread only.
+/// Opens a URL in the user's browser. Returns false if the browser cannot be started. Main thread only.
 bool openInBrowser(std::string const& url);

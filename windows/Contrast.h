@@ -15,7 +15,7 @@ inline double luminance(QColor const& color)
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
-/// From 1 for one colour on itself to 21 for black on white.
+/// From 1 for equal colours to 21 for black on white.
 inline double contrast(QColor const& one, QColor const& other)
 {
     auto const [darker, lighter] = std::minmax({ luminance(one), luminance(other) });

@@ -9,7 +9,7 @@ namespace {
 constexpr double frameWidth = 1;
 constexpr double focusWidth = 3;
 
-// Inside the control's own place, so that it stands out from any ground.
+// Draws inside the control's rectangle, so that the frame stands out from any background.
 void drawFrame(QPainter& painter, QRectF const& place, QColor const& color, double width)
 {
     painter.save();

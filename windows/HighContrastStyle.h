@@ -3,8 +3,8 @@
 
 #include "windows/RoomyStyle.h"
 
-/// The usual style with strong frames, and a stronger one around what has the focus: the usual one shades its frames
-/// after the ground, which leaves none of them on black.
+/// The usual style with strong frames, and a stronger one around the focus. The usual style derives its frames from the
+/// background colour, which makes them invisible on black.
 class HighContrastStyle final : public RoomyStyle {
 public:
     void drawPrimitive(

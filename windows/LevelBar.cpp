@@ -84,7 +84,7 @@ void LevelBar::set(double& field, double value)
     requestAnnouncement();
 }
 
-// At the end of the turn, for the values of a report come one after the other.
+// Announces at the end of the turn, because the values of a report are set one after the other.
 void LevelBar::requestAnnouncement()
 {
     if (std::exchange(isAnnouncing_, true))
@@ -134,7 +134,7 @@ void LevelBar::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    // It fills up in the direction that its user reads in.
+    // Fills up in the user's reading direction.
     if (layoutDirection() == Qt::RightToLeft) {
         painter.translate(width(), 0);
         painter.scale(-1, 1);

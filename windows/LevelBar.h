@@ -4,15 +4,15 @@
 #include <QString>
 #include <QWidget>
 
-/// A bar that fills up to a maximum, with marks where its warning and its critical zone begin. A zone changes the bar's
-/// pattern too, not its colour alone. Assistive technologies find a progress bar of percents that describes itself in
-/// words, and hear of the changes of one main-loop turn at once.
+/// A bar that fills up to a maximum, with marks where its warning and critical zones begin. A zone changes the bar's
+/// pattern as well as its colour. Assistive technologies see a progress bar in percent with a description in words, and
+/// are notified once of all changes in one main-loop turn.
 class LevelBar final : public QWidget {
     Q_OBJECT
     Q_PROPERTY(int percentage READ percentage)
 
 public:
-    /// What the bar says of itself in each zone, with "%@" in place of the percentage.
+    /// The bar's accessible descriptions in each zone, with "%@" in place of the percentage.
     struct Descriptions {
         QString normal;
         QString warning;
@@ -27,9 +27,9 @@ public:
     void setCriticalValue(double value);
     void setDescriptions(Descriptions descriptions);
 
-    /// The value's share of the maximum; over 100 when it exceeds it.
+    /// The value as a percentage of the maximum; may exceed 100.
     int percentage() const;
-    /// The percentage and its zone, in words.
+    /// The percentage and the zone in words.
     QString description() const;
 
     QSize sizeHint() const override { return { 220, 20 }; }
@@ -47,7 +47,7 @@ private:
 
     void set(double& field, double value);
     Zone zone() const;
-    /// How far along the bar a value lies, from 0 to 1.
+    /// The position of a value along the bar, from 0 to 1.
     double share(double value) const;
     void requestAnnouncement();
     void announce();

@@ -27,7 +27,7 @@ void setUpDetailedUsage(QDialog& window, platform::Window& model)
         QObject::connect(new QShortcut(key, &window), &QShortcut::activated, &window, action);
     };
     onKey(Qt::Key_F11, [&model] { model.toggleFullScreen(); });
-    // The page would keep this key from the window. It leaves one thing at a time.
+    // Otherwise the page would take this key. Each press leaves either full screen or the window.
     onKey(Qt::Key_Escape, [&window, &model] {
         if (model.fullScreen.get())
             model.fullScreen.set(false);
@@ -136,12 +136,12 @@ void MainWindows::showUsageWindowWithMenu(platform::Application& application)
     setMenuShown(true);
     isUninvited_ = isUninvited_ || !outlets_.monitorWindow.visible.get();
     outlets_.monitorWindow.closeAction = [&application] { application.terminate(); };
-    // The day-by-day window takes its place for a while only.
+    // The daily usage window replaces this one only temporarily.
     detailedUsageClosing_ = outlets_.detailedUsage.window.visible.observeChanges([this](bool visible) {
         if (!visible && !outlets_.monitorWindow.visible.get())
             outlets_.monitorWindow.makeKeyAndOrderFront();
     });
-    // A user who is typing in another window of ours goes on there.
+    // A user who is typing in another of our windows keeps the focus.
     if (outlets_.window.visible.get())
         outlets_.monitorWindow.visible.set(true);
     else
@@ -165,7 +165,7 @@ void MainWindows::notePlaces()
         window->notePlace();
 }
 
-// The window grows and shrinks by the menu's height, so that its figures keep their room.
+// The window grows and shrinks by the menu's height, so that the figures keep their space.
 void MainWindows::setMenuShown(bool shown)
 {
     auto& window = usage_.widget();

@@ -19,16 +19,17 @@ struct Outlets;
 /// The preferences window with its add-key sheet, the usage window and the detailed usage window.
 class MainWindows final {
 public:
-    /// The web engine's libraries are looked for in the folder when the detailed usage window is first opened.
+    /// Takes the folder of the web engine's libraries, which are loaded when the detailed usage window is first opened.
     MainWindows(
         Outlets& outlets, platform::Bundle const& bundle, platform::RunLoop& runLoop, std::filesystem::path webFolder);
 
-    /// Shows the usage window with the status menu in it, for a desktop that has no place for a status item. Without
-    /// one the window is the program: closing it is its end.
+    /// Shows the usage window with the status menu in it, for a desktop that has no place for a status item. Closing
+    /// that window quits the program.
     void showUsageWindowWithMenu(platform::Application& application);
-    /// The status item has a place: the usage window is an ordinary one again, and goes if it came uninvited.
+    /// The status item has found a place: makes the usage window an ordinary one, or hides it if the user did not open
+    /// it.
     void leaveMenuToStatusArea();
-    /// Tells the models where the open windows are, before the program ends.
+    /// Reports the open windows' positions to the models before the program ends.
     void notePlaces();
 
 private:

@@ -45,7 +45,7 @@ void MenuMirror::show(platform::MenuItem const& item, bool isChoice, QAction& ac
     action.setSeparator(item.isSeparator);
     action.setVisible(!item.hidden.get());
     action.setCheckable(isChoice && !item.isSeparator);
-    // Drawn as a choice of one.
+    // A group makes Qt draw radio buttons.
     action.setActionGroup(action.isCheckable() ? &choice_ : nullptr);
     action.setChecked(item.on.get());
     showSubmenu(item.submenu, action);
@@ -65,7 +65,7 @@ void MenuMirror::click(QAction* action)
 {
     auto const lines = actions();
     auto const item = shown_.at(static_cast<std::size_t>(lines.indexOf(action)));
-    // The toolkit has moved the mark by itself; where it stands is the model's to say.
+    // The toolkit has moved the mark by itself, but only the model decides where it is.
     for (std::size_t i = 0; i < shown_.size(); ++i)
         lines[static_cast<qsizetype>(i)]->setChecked(shown_[i]->on.get());
     item->userClicked();

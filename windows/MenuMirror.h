@@ -7,8 +7,8 @@
 #include <QActionGroup>
 #include <QMenu>
 
-/// A menu of our own windows that shows a model and passes on the user's clicks. It follows the model at the end of
-/// each main-loop turn. The model and its submenus must outlive it. Main thread only.
+/// A menu in our own windows that shows a model and passes on the user's clicks. It is updated at the end of each
+/// main-loop turn. The model and its submenus must outlive it. Main thread only.
 class MenuMirror : public QMenu {
     Q_OBJECT
 
@@ -23,7 +23,7 @@ private:
 
     platform::Menu& menu_;
     platform::RunLoop& runLoop_;
-    /// The lines as they are shown: a click is meant for what the user saw.
+    /// The lines as shown, so that a click goes to the line that the user saw.
     platform::Menu::Items shown_;
     QActionGroup choice_ { this };
     OncePerTurn update_;

@@ -14,7 +14,7 @@ namespace {
 
 enum class Letters { OfWordBeginnings, All };
 
-// Letters with an accent, and signs that take several keys, are not on everybody's keyboard.
+// Accented letters and characters that need several keys are not on every keyboard.
 bool hasKey(QChar character)
 {
     constexpr std::array typedInParts { QChar::Script_Han, QChar::Script_Hiragana, QChar::Script_Katakana,
@@ -30,7 +30,7 @@ bool takesMnemonic(QWidget const* widget)
                  : qobject_cast<QPushButton const*>(widget) || qobject_cast<QCheckBox const*>(widget);
 }
 
-/// The places of the letters that are not taken.
+/// The positions of the letters that are not taken.
 QList<qsizetype> freeLetters(QString const& text, Letters letters, QSet<QChar> const& taken)
 {
     QList<qsizetype> places;
@@ -54,7 +54,7 @@ void assignMnemonics(QWidget& window)
             return freeLetters(widget->property("text").toString(), letters, taken);
         };
         QWidgetList unmarked;
-        // Who has the least choice goes first.
+        // The widget with the fewest choices goes first.
         while (!left.empty()) {
             auto const next = std::ranges::min_element(
                 left, {}, [&choices](QWidget const* widget) { return choices(widget).size(); });

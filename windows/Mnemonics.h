@@ -3,7 +3,7 @@
 
 class QWidget;
 
-/// Gives the window's check boxes, push buttons and labels with a buddy a letter each that reaches them together with
-/// Alt: of the beginnings of their words if one is left, else any other. A text that has no such letter stays as it is.
-/// For texts of the program alone, that have been made labels (asLabel); called once for a window.
+/// Gives each of the window's check boxes, push buttons and labels with a buddy a mnemonic letter to use with Alt: the
+/// first letter of a word if one is free, else any other letter. A text without a free letter is left unchanged. Only
+/// for the program's own texts, already converted with asLabel(). Call it once per window.
 void assignMnemonics(QWidget& window);

@@ -31,7 +31,7 @@ OlderTray::~OlderTray() = default;
 
 bool OlderTray::show()
 {
-    // Asked only now: the toolkit settles on a kind of tray once, by what it finds at the first question.
+    // Asked as late as possible, because the toolkit decides on a kind of tray once, at the first query.
     if (!QSystemTrayIcon::isSystemTrayAvailable())
         return false;
     icon_ = std::make_unique<QSystemTrayIcon>();

@@ -9,8 +9,8 @@
 
 class QSystemTrayIcon;
 
-/// The status item in a tray of the kind that was there before StatusNotifierItem panels, and its menu for whoever
-/// leaves that to the program. The model must outlive it. Main thread only.
+/// The status item in an older system tray (from before StatusNotifierItem), and its menu for panels that leave showing
+/// it to the program. The model must outlive it. Main thread only.
 class OlderTray final {
 public:
     OlderTray(platform::StatusItem& item, platform::RunLoop& runLoop);
@@ -18,18 +18,18 @@ public:
     OlderTray(OlderTray const&) = delete;
     OlderTray& operator=(OlderTray const&) = delete;
 
-    /// False where there is no such tray.
+    /// Returns false if there is no such tray.
     bool show();
     void hide();
 
-    /// Shows the menu where the pointer is.
+    /// Shows the menu at the pointer.
     void popUpMenu();
 
 private:
     platform::StatusItem& item_;
     platform::RunLoop& runLoop_;
     std::unique_ptr<QSystemTrayIcon> icon_;
-    /// Made when it is first wanted.
+    /// Created on first use.
     std::unique_ptr<MenuMirror> menu_;
     platform::Subscription title_;
 };

@@ -47,7 +47,7 @@ QPalette lightPalette()
     return palette;
 }
 
-// One colour on another and nothing between, but for what is disabled: that still reads with 7:1.
+// Uses one colour on another, with no shades except for disabled text, which still has a contrast of 7:1.
 QPalette highContrastPalette(platform::Appearance appearance, QColor const& disabled, QColor const& highlight)
 {
     auto const colors = systemColors(appearance);
@@ -79,7 +79,7 @@ QPalette palette(platform::Appearance appearance)
     return lightPalette();
 }
 
-// The nearest shade of a colour that has a contrast with another one.
+// Finds the nearest shade of a colour with the wanted contrast to another one.
 QColor withContrast(QColor color, QColor const& other, double wanted)
 {
     float const step = other.lightnessF() < 0.5F ? 0.01F : -0.01F;
@@ -89,14 +89,14 @@ QColor withContrast(QColor color, QColor const& other, double wanted)
     return color;
 }
 
-// In the user's colour, as far as it stands out from the windows and a selected text can be read on it.
+// Uses the user's colour, adjusted to stand out from the windows and to keep selected text legible.
 QColor highlight(QColor const& accent, QPalette const& palette)
 {
     return withContrast(
         withContrast(accent, palette.color(QPalette::Window), 3), palette.color(QPalette::HighlightedText), 4.5);
 }
 
-// Where the toolkit has Plasma's style it has Plasma's colours and fonts too, and keeps up with them.
+// With Plasma's style, the toolkit also uses Plasma's colours and fonts, and follows their changes.
 bool followsPlasma()
 {
     auto const desktops = QString::fromStdString(environmentText("XDG_CURRENT_DESKTOP")).split(QLatin1Char(':'));
@@ -115,7 +115,7 @@ void applyLook(Look const& look)
 {
     if (followsPlasma())
         return;
-    // Styles that take their colours from the palette, so that these can change at any time.
+    // These styles take their colours from the palette, which can change at any time.
     if (isHighContrast(look.appearance))
         QApplication::setStyle(new HighContrastStyle);
     else

@@ -3,6 +3,6 @@
 
 #include "desktop/Look.h"
 
-/// Gives all windows the palette and the style of a look. On Plasma, whose own style and colours the toolkit follows by
-/// itself, it changes nothing. Main thread only.
+/// Applies the palette and the style of a look to all windows. Does nothing on Plasma, where the toolkit follows the
+/// desktop's style and colours by itself. Main thread only.
 void applyLook(Look const& look);

@@ -7,7 +7,7 @@
 
 namespace {
 
-// In pixels, on both sides together.
+// In pixels, for both sides together.
 constexpr int roomBesideLetters = 24;
 
 }

@@ -3,8 +3,8 @@
 
 #include <QProxyStyle>
 
-/// The toolkit's Fusion style, with some room between a button's letters and its edges, and with an ellipsis where a
-/// pop-up has no room for its text.
+/// The toolkit's Fusion style with more padding in buttons, and with an ellipsis in a pop-up that is too narrow for its
+/// text.
 class RoomyStyle : public QProxyStyle {
 public:
     RoomyStyle();

@@ -8,7 +8,7 @@
 
 #include <string_view>
 
-// The one place where the core's texts and colours become Qt's.
+// Converts the core's texts and colours to Qt's types. Nothing else does.
 
 inline QString toQt(std::string_view text)
 {
@@ -17,18 +17,18 @@ inline QString toQt(std::string_view text)
 
 inline QColor toQt(platform::Color color) { return { color.red, color.green, color.blue }; }
 
-/// A text for a button or a menu line, where Qt would take "&" for the mark of a shortcut, and a tab for the beginning
-/// of its name.
+/// Escapes a text for a button or a menu line, where Qt treats "&" as a mnemonic mark and a tab as the start of the
+/// shortcut's name.
 inline QString asLabel(QString text)
 {
     return text.replace(QLatin1Char('&'), QLatin1String("&&")).replace(QLatin1Char('\t'), QLatin1Char(' '));
 }
 inline QString asLabel(std::string_view text) { return asLabel(toQt(text)); }
 
-/// A pattern's text, with this in its place for one.
+/// Replaces "%@" in a pattern with a text.
 inline QString filledIn(QString pattern, QString const& text) { return pattern.replace(QLatin1String("%@"), text); }
 
-/// A text that has no blanks to break it at, in lines that fit on a screen.
+/// Breaks a text without spaces into lines that fit on a screen.
 inline QString inLines(QString text)
 {
     constexpr qsizetype lineLength = 64;
@@ -37,8 +37,8 @@ inline QString inLines(QString text)
     return text;
 }
 
-/// A text for a window's title, where Qt would take "[*]" for the mark of a change. What the title says of a connection
-/// without a nickname is left out.
+/// Escapes a text for a window's title, where Qt treats "[*]" as the modified mark. Drops the trailing separator that
+/// is left when a connection has no nickname.
 inline QString asWindowTitle(std::string_view text)
 {
     constexpr std::string_view nothing = " - ";

@@ -25,8 +25,8 @@ bool isError(QtMsgType type) { return type != QtDebugMsg && type != QtInfoMsg; }
 platform::Task lastResortOfStart;
 std::function<void(int)> tellOfExit;
 
-// A desktop that cannot be reached makes Qt warn, advise to reinstall and abort(); a user is better served by the
-// warning alone.
+// If the display is unreachable, Qt warns, advises the user to reinstall and calls abort(). The warning alone is more
+// helpful.
 void hearFailedStart(QtMsgType type, QMessageLogContext const& /*context*/, QString const& message)
 {
     static QString reason;
@@ -39,7 +39,7 @@ void hearFailedStart(QtMsgType type, QMessageLogContext const& /*context*/, QStr
         reason = message;
 }
 
-// The toolkit warns of what Wayland does not have and of compositors that lack an extension; neither is a failure.
+// The toolkit warns about features that Wayland or the compositor lacks; these are not failures.
 bool isWaylandsLimit(QtMsgType type, QMessageLogContext const& context)
 {
     return type == QtWarningMsg && QLatin1String(context.category).startsWith(QLatin1String("qt.qpa.wayland"));
@@ -70,18 +70,18 @@ void Toolkit::reportFailedStart(platform::Task lastResort)
 Toolkit::Toolkit(int& argumentCount, char** arguments, platform::Bundle const& bundle, std::function<void(int)> exits)
     : application_(argumentCount, arguments)
 {
-    // Only now, so that it comes before what the toolkit has to do at an exit.
+    // Registered here so that it runs before the toolkit's own exit handlers.
     tellOfExit = std::move(exits);
     on_exit(hearExit, nullptr);
     qInstallMessageHandler(reportError);
     QApplication::setQuitOnLastWindowClosed(false);
-    // Where our icons are, should the desktop's own theme not be installed.
+    // The location of our icons in case the desktop's own theme is not installed.
     QIcon::setFallbackThemeName(QStringLiteral("hicolor"));
     applyLook({});
-    // Whether it starts at login is the user's choice, not the session's memory.
+    // The autostart setting decides whether the program starts at login, not the session manager.
     QObject::connect(&application_, &QGuiApplication::saveStateRequest,
         [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
-    // Not the display name, which the toolkit adds to every window's title.
+    // Not the display name, because the toolkit adds that to every window's title.
     QApplication::setApplicationName(toQt(bundle.infoText("CFBundleDisplayName")));
     QApplication::setDesktopFileName(toQt(bundle.identifier()));
     speak(bundle);
@@ -92,9 +92,9 @@ Toolkit::~Toolkit() { tellOfExit = nullptr; }
 void Toolkit::speak(platform::Bundle const& bundle)
 {
     QLocale const language(toQt(bundle.language()));
-    // By our texts, whether or not the toolkit has its own in their language.
+    // The direction follows our texts, even if the toolkit has no translation for their language.
     QApplication::setLayoutDirection(language.textDirection());
-    // The toolkit has texts of its own, such as those of a text field's menu.
+    // The toolkit has its own texts, such as a text field's menu.
     if (translator_.load(language, QStringLiteral("qtbase"), QStringLiteral("_"),
             QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QApplication::installTranslator(&translator_);

@@ -9,14 +9,15 @@
 
 #include <functional>
 
-/// The toolkit as the program wants it: with the texts' language, our look, and its warnings as lines of ours on
-/// standard error. One at a time; main thread only.
+/// The toolkit, set up with the texts' language and our look, and with its warnings printed to standard error in our
+/// format. Only one instance may exist. Main thread only.
 class Toolkit final {
 public:
-    /// Says in a line why the toolkit cannot be used, should it be so, and does what is left then.
+    /// If the toolkit fails to start, prints the reason in one line and calls the last resort.
     static void reportFailedStart(platform::Task lastResort);
 
-    /// As the program was called. Should the toolkit end the process by itself, it is told with what status.
+    /// Takes the program's arguments, and a function that is called with the exit status if the toolkit ends the
+    /// process.
     Toolkit(int& argumentCount, char** arguments, platform::Bundle const& bundle, std::function<void(int)> exits);
     ~Toolkit();
     Toolkit(Toolkit const&) = delete;

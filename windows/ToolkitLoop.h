@@ -5,8 +5,8 @@
 
 #include <QSocketNotifier>
 
-/// Has the toolkit's event loop run the main loop beside its own events, also from within a loop of a menu or a dialog.
-/// Main thread only.
+/// Makes the toolkit's event loop, including the nested loops of menus and dialogs, run the main loop's events. Main
+/// thread only.
 class ToolkitLoop final {
 public:
     explicit ToolkitLoop(DesktopRunLoop& loop)

@@ -14,12 +14,13 @@ class WebEngine;
 class WebView;
 }
 
-/// The web engine, in a library of its own that is loaded when a page is first shown.
+/// The web engine, in a separate library that is loaded when a page is first shown.
 class WebPlugin {
 public:
     virtual ~WebPlugin() = default;
 
-    /// Fills a widget with a new page, which ends with what is returned. The view's delegate follows its loads.
+    /// Fills a widget with a new page, which ends when the returned object is destroyed. The view's delegate follows
+    /// its loads.
     virtual std::unique_ptr<platform::WebEngine> makePage(platform::WebView& model, QWidget& place) = 0;
 };
 

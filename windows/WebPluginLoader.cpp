@@ -15,13 +15,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// Qt's own, for engines that are linked to the program and set it up before the application starts.
+// A private function of Qt, meant for engines that are linked to the program and set up before the application starts.
 Q_GUI_EXPORT void qt_gl_set_global_share_context(QOpenGLContext* context);
 
 namespace {
 
-// Asks for everything that the engine needs at once. A system may allow user namespaces but not the others, or allow
-// all of them but forbid what they are used for.
+// Tries everything that the engine needs together. A system may allow user namespaces but not the others, or allow them
+// all but forbid what they are used for.
 bool mayMakeNamespaces()
 {
     pid_t const child = ::fork();
@@ -33,7 +33,7 @@ bool mayMakeNamespaces()
     return child > 0 && ::waitpid(child, &status, 0) == child && status == EXIT_SUCCESS;
 }
 
-// Where the engine cannot isolate its pages it ends the whole program.
+// If it cannot isolate its pages, the engine ends the whole program.
 bool mayIsolatePages()
 {
     if (qEnvironmentVariableIsSet("QTWEBENGINE_DISABLE_SANDBOX"))
@@ -41,14 +41,14 @@ bool mayIsolatePages()
     return ::geteuid() != 0 && mayMakeNamespaces();
 }
 
-// Where the engine looks for one of its parts: in the toolkit's folder for it, or where a variable points.
+// Finds one of the engine's parts where the engine looks for it: where a variable points, or in the toolkit's folder.
 QString placeOfPart(char const* variable, QLibraryInfo::LibraryPath folder, char const* name)
 {
     auto const elsewhere = qEnvironmentVariable(variable);
     return elsewhere.isEmpty() ? QDir(QLibraryInfo::path(folder)).filePath(QLatin1String(name)) : elsewhere;
 }
 
-// The engine's process and its resources come in packages of their own. Without them the engine ends the program.
+// The engine's process and its resources are in separate packages. Without them the engine ends the program.
 bool isEngineComplete()
 {
     auto const process
@@ -58,7 +58,7 @@ bool isEngineComplete()
     return QFileInfo(process).isExecutable() && pack.size() > 0;
 }
 
-// The engine crashes without a context to share. Tells whether that is one that can draw.
+// The engine crashes without a shared context. Returns whether the context can draw.
 bool shareGraphics()
 {
     if (auto const* const shared = QOpenGLContext::globalShareContext())
@@ -93,7 +93,7 @@ std::optional<platform::LoadError> WebPluginLoader::load()
         return platform::LoadError::EngineOfAnotherBuild;
     if (!isEngineComplete())
         return platform::LoadError::EngineMissing;
-    // The engine would write the secrets of its connections there.
+    // The engine would write its TLS secrets to that file.
     qunsetenv("SSLKEYLOGFILE");
     shareGraphics();
     plugin_ = qobject_cast<WebPlugin*>(loader.instance());

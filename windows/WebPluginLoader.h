@@ -7,21 +7,21 @@
 #include <filesystem>
 #include <optional>
 
-/// Finds the web engine when it is first needed, and not before: it would double the program's size.
+/// Loads the web engine when it is first needed, since it would double the program's size.
 class WebPluginLoader final {
 public:
-    /// The folder of the libraries.
+    /// Takes the folder of the libraries.
     explicit WebPluginLoader(std::filesystem::path folder)
         : folder_(std::move(folder))
     {
     }
 
-    /// Makes a window ready for the engine before it is first shown.
+    /// Prepares a window for the engine. Call it before the window is first shown.
     void prepareWindow(QWidget& window) const;
 
-    /// Loads the engine unless it is loaded already; tells what is in the way, and tries again when asked again.
+    /// Loads the engine if necessary. Returns the error on failure; a later call tries again.
     std::optional<platform::LoadError> load();
-    /// The engine, once load() had nothing to tell.
+    /// The engine, once load() has succeeded.
     WebPlugin& plugin() { return *plugin_; }
 
 private:

@@ -61,10 +61,10 @@ bool WebViewMirror::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == place_.window() && event->type() == QEvent::Paint && !isDrawn_) {
         isDrawn_ = true;
-        // Behind this drawing.
+        // Loads after this paint event.
         QTimer::singleShot(0, this, [this] { loadNow(); });
     } else if (watched == place_.window() && event->type() == QEvent::Hide && !event->spontaneous()) {
-        // A window that is only shown anew is back by then.
+        // A window that is hidden only to show it again is visible by then.
         QTimer::singleShot(0, this, [this] { endPageIfClosed(); });
     }
     return QObject::eventFilter(watched, event);

@@ -12,8 +12,8 @@
 class QWidget;
 class WebPluginLoader;
 
-/// Brings the web engine into a window while that is on the screen. The window comes first and the engine, which takes
-/// its time, after it; closing the window ends the page with the process that showed it.
+/// Runs the web engine in a window while that is visible. The window is shown before the engine, which is slow to load.
+/// Closing the window ends the page and its process.
 class WebViewMirror final : public QObject, public platform::WebEngine {
     Q_OBJECT
 
@@ -35,7 +35,7 @@ private:
     platform::WebView& model_;
     QWidget& place_;
     WebPluginLoader& loader_;
-    /// The window has been drawn since it was opened.
+    /// Whether the window has been drawn since it was opened.
     bool isDrawn_ = false;
     std::optional<std::string> pendingUrl_;
     std::unique_ptr<platform::WebEngine> page_;

@@ -27,7 +27,7 @@ namespace {
 
 constexpr char const* returnCodeProperty = "returnCode";
 constexpr char const* dismissedProperty = "dismissed";
-// In pixels: whatever an alert has to say, its buttons stay on the screen.
+// In pixels. However long an alert's text is, its buttons stay on the screen.
 constexpr int maximumDetailsHeight = 240;
 
 QMessageBox::Icon icon(platform::Alert::Style style)
@@ -43,11 +43,11 @@ QMessageBox::Icon icon(platform::Alert::Style style)
     return QMessageBox::Warning;
 }
 
-// For a title bar and borders, which are not known before the window is shown.
+// Allows for a title bar and borders, whose size is unknown before the window is shown.
 constexpr QSize roomForFrame { 16, 48 };
 
-// The toolkit's own dialog puts itself into the middle of the screen each time. Desktops know better, and know their
-// panels.
+// The toolkit's dialogs centre themselves on the screen each time. The desktop knows better where to put them, since it
+// knows its panels.
 class PlacedByDesktop final : public QDialog {
 public:
     using QDialog::QDialog;
@@ -82,7 +82,7 @@ WindowMirror::WindowMirror(platform::Window& model, platform::Bundle const& bund
 
 WindowMirror::~WindowMirror()
 {
-    // A window that goes with the program is not one that the user closes.
+    // Destroying the window must not count as the user closing it.
     if (widget_)
         widget_->removeEventFilter(this);
 }
@@ -102,7 +102,7 @@ void WindowMirror::buildWidget()
     } else {
         widget_ = std::make_unique<PlacedByDesktop>(nullptr, Qt::Window);
     }
-    // Only now: reading the desktop's icon theme would make up a seventh of the start.
+    // Deferred until here, since reading the desktop's icon theme would take a seventh of the start-up time.
     widget_->setWindowIcon(QIcon::fromTheme(toQt(bundle_.infoText("CFBundleIconFile"))));
     build_(*widget_);
     binder_ = std::make_unique<Binder>(*widget_, bundle_, runLoop_);
@@ -140,7 +140,8 @@ void WindowMirror::setShown(bool shown)
     showAlert();
 }
 
-// Where the user left it, as far as the screens are still there; else of its own size, if the screen has room for that.
+// Restores the user's position and size as far as the screens are still there, else uses the window's own size, limited
+// to the screen.
 void WindowMirror::putInPlace()
 {
     if (parent_ || widget_->isVisible())
@@ -157,7 +158,7 @@ void WindowMirror::putInPlace()
 
 QSize WindowMirror::roomOnScreen() const { return widget_->screen()->availableSize() - roomForFrame; }
 
-// For a screen that is too small for the window.
+// Used if the screen is too small for the window.
 void WindowMirror::makeScrollable()
 {
     auto* const content = new QWidget;
@@ -172,7 +173,7 @@ void WindowMirror::makeScrollable()
     widget_->setMinimumSize(0, 0);
 }
 
-// A text that takes more lines than before would have the others squeezed.
+// A text that now takes more lines would squeeze the others.
 void WindowMirror::growToFit()
 {
     auto const* const layout = widget_->layout();
@@ -188,7 +189,7 @@ void WindowMirror::notePlace()
         model_.userPlaced(widget_->saveGeometry().toBase64().toStdString());
 }
 
-// A sheet is filled in from its beginning each time.
+// A sheet is filled in from the top each time.
 void WindowMirror::focusFirstField()
 {
     if (auto* const field = widget_->findChild<QLineEdit*>()) {
@@ -197,7 +198,7 @@ void WindowMirror::focusFirstField()
     }
 }
 
-// Whether the keyboard is in the window or in a sheet on it.
+// Whether the keyboard focus is in the window or in one of its sheets.
 bool WindowMirror::isActive() const
 {
     auto const* window = QApplication::activeWindow();
@@ -206,9 +207,9 @@ bool WindowMirror::isActive() const
     return window;
 }
 
-// Whether the desktop would leave the open window where it is, though it puts a new one in front. A Wayland compositor
-// does without a token; the toolkit does not ask an X11 window manager for a window that this has put away, as it does
-// with windows of another workspace.
+// Whether the desktop would not raise the open window, although it would put a new one in front. A Wayland compositor
+// refuses without an activation token. On X11 the toolkit does not ask the window manager to raise a window that is
+// withdrawn, as windows on another workspace are.
 bool WindowMirror::staysWhereItIs() const
 {
     if (isOnWayland())
@@ -227,8 +228,8 @@ void WindowMirror::bringToFront()
     dropActivationToken();
 }
 
-// Sheets go before the window that they are on, and come back after it. Without WA_Resized a window that the user has
-// resized would come back with its first size.
+// Sheets are hidden before their window and shown after it. Without WA_Resized, a window that the user has resized
+// would come back with its initial size.
 void WindowMirror::showAnew()
 {
     QWidgetList windows { widget_.get() };
@@ -252,12 +253,12 @@ void WindowMirror::setBackground(std::optional<platform::Color> const& color)
     auto palette = QPalette();
     if (color) {
         palette.setColor(QPalette::Window, toQt(*color));
-        // What has the focus, or is picked, stands out from the ground and from a field alike.
+        // The focus and the selection must stand out from both the background and a field.
         palette.setColor(QPalette::Highlight, QColor(0xFF, 0xC1, 0x07));
         palette.setColor(QPalette::HighlightedText, Qt::black);
     }
     widget_->setPalette(palette);
-    // The window would pass this on to controls that draw on a ground of their own, and to its sheets.
+    // Not set on the window, which would pass it on to its sheets and to controls that have a background of their own.
     if (color)
         palette.setColor(QPalette::WindowText, Qt::white);
     for (auto* const label : widget_->findChildren<QLabel*>()) {
@@ -266,7 +267,7 @@ void WindowMirror::setBackground(std::optional<platform::Color> const& color)
     }
 }
 
-// Closed by the title bar or by Escape: the model has to know.
+// Tells the model when the window is closed by its title bar or by Escape.
 bool WindowMirror::eventFilter(QObject* watched, QEvent* event)
 {
     bool const staysShown = isBeingShownAnew_ || (parent_ && parent_->isBeingShownAnew_);
@@ -280,13 +281,13 @@ bool WindowMirror::eventFilter(QObject* watched, QEvent* event)
         growToFit();
     if (event->type() == QEvent::WindowStateChange && watched == widget_.get())
         model_.fullScreen.set(widget_->isFullScreen());
-    // In this order, for a sheet that is being destroyed still has events, and is no sheet any more.
+    // The order matters: a sheet that is being destroyed still receives events, but is no longer a QMessageBox.
     if (isDismissal(event) && watched == sheet_)
         sheet_->setProperty(dismissedProperty, true);
     return QObject::eventFilter(watched, event);
 }
 
-// An alert on a window that is not shown waits for the window.
+// An alert for a hidden window waits until the window is shown.
 void WindowMirror::showAlert()
 {
     if (sheet_)
@@ -303,7 +304,7 @@ void WindowMirror::showAlert()
     sheet_->setText(toQt(alert->messageText));
     sheet_->setAccessibleName(sheet_->text());
     sheet_->setInformativeText(toQt(alert->informativeText));
-    // The box's own text format leaves its informative text out.
+    // The box's own text format does not apply to its informative text.
     for (auto* const label : sheet_->findChildren<QLabel*>())
         label->setTextFormat(Qt::PlainText);
     if (auto* const details = sheet_->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel")))
@@ -324,7 +325,7 @@ void WindowMirror::showAlert()
     }
     QObject::connect(sheet_, &QMessageBox::finished, this, [this, sheet = sheet_] {
         auto const* const clicked = sheet->clickedButton();
-        // Without a button to refuse with, the toolkit takes Escape for the only one there is.
+        // If there is only one button, the toolkit treats Escape as pressing it.
         bool const dismissed
             = !clicked || (sheet->buttons().size() == 1 && sheet->property(dismissedProperty).toBool());
         model_.userAnswered(

@@ -20,18 +20,18 @@ class WindowMirror final : public QObject {
 public:
     /// Sets up the widgets of a new window.
     using Build = std::function<void(QDialog& window)>;
-    /// Ties the models to the widgets that were built.
+    /// Binds the models to the widgets.
     using Bind = std::function<void(Binder& binder)>;
 
-    /// A window that is a sheet names the window it stands on.
+    /// A sheet passes the window that it is attached to as its parent.
     WindowMirror(platform::Window& model, platform::Bundle const& bundle, platform::RunLoop const& runLoop, Build build,
         Bind bind, WindowMirror* parent = nullptr);
     ~WindowMirror() override;
 
-    /// The real window, built if it was not; for what only a desktop adds.
+    /// Returns the real window, building it if necessary, for settings that only a desktop has.
     QDialog& widget();
 
-    /// Tells the model where the window is, or was when it was closed.
+    /// Reports the window's position, or its last one if it is closed, to the model.
     void notePlace();
 
 private:
@@ -59,7 +59,7 @@ private:
     std::unique_ptr<QDialog> widget_;
     std::unique_ptr<Binder> binder_;
     QPointer<QMessageBox> sheet_;
-    /// Until the end of the main-loop turn in which it was shown.
+    /// True until the end of the main-loop turn in which the window was shown.
     bool isNew_ = false;
     bool isBeingShownAnew_ = false;
     std::vector<platform::Subscription> subscriptions_;

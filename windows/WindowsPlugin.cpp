@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The library's way in.
+// The library's entry point.
 #include "desktop/Windows.h"
 #include "windows/Browser.h"
 #include "windows/MainWindows.h"
