@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Prints the figures of a run, and what becomes of their limits: awk -f bench/table.awk bench/limits.tsv results.tsv
+# Prints the figures of a run and checks their limits: awk -f bench/table.awk bench/limits.tsv results.tsv
 BEGIN {
     FS = "\t"
     factor["ns"] = 1e-6
@@ -31,7 +31,7 @@ NR == FNR {
     insert(name, $4)
 }
 
-# Keeps a name's values in order.
+# Keeps the values of a name sorted.
 function insert(name, value,    place) {
     for (place = ++count[name]; place > 1 && values[name, place - 1] > value + 0; --place)
         values[name, place] = values[name, place - 1]
@@ -51,7 +51,7 @@ function shown(value) {
     return sprintf(value == int(value) || value >= 1000 ? "%.0f" : value >= 10 ? "%.1f" : "%.3f", value)
 }
 
-# The value of an expression in milliseconds or kB; -1 when something of it was not measured.
+# The value of an expression in milliseconds or kB, or -1 if part of it was not measured.
 function evaluate(expression, kind,    parts, partCount, i, value, result) {
     partCount = split(expression, parts, / [+|] /)
     for (i = 1; i <= partCount; ++i) {

@@ -54,7 +54,7 @@ bool addExtension(X509* certificate, X509* issuer, int kind, std::string const& 
     return extension && X509_add_ext(certificate, extension.get(), -1) == 1;
 }
 
-// Browsers refuse two certificates of one issuer and number, and a folder may be renewed, so numbers are random.
+// Browsers reject two certificates with the same issuer and number, and a folder may be renewed, so numbers are random.
 bool setSerialNumber(X509* certificate)
 {
     std::uint64_t number = 0;
@@ -114,7 +114,7 @@ Certificate makeLeaf(EVP_PKEY* key, X509* authority, EVP_PKEY* authorityKey, Cer
     return made ? std::move(leaf) : Certificate {};
 }
 
-// Opens a new file with its final mode, so that a private key is at no moment readable by others.
+// Creates a file with its final mode, so that others can never read a private key.
 File create(std::filesystem::path const& path, mode_t mode)
 {
     std::error_code ignored;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Draws the status icon of many titles in a panel's usual sizes, on light, grey and dark panels: usage-meter-icons FILE
+// Draws the status icon for many titles at a panel's usual sizes, on light, grey and dark panels: usage-meter-icons
+// FILE
 #include "draw/StatusIcon.h"
 
 #include <QGuiApplication>
@@ -21,7 +22,7 @@ QStringList titles()
         QStringLiteral("Pas de données"), QStringLiteral("Illimité"), QStringLiteral("…"), QStringLiteral("Error") };
 }
 
-// One row of icons, one size beside the other; the picture is as high as the largest.
+// Draws a row of icons with one of each size, centred vertically.
 void drawRow(QPainter& painter, QString const& title, QPoint place)
 {
     for (int const size : sizes) {

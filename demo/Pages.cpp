@@ -82,7 +82,7 @@ constexpr std::string_view foot = R"(</div>
 </html>
 )";
 
-// The usage section brings a heading and a foot of its own, as a part that the site shows in several places.
+// The usage section has its own heading and footer, because the site shows it in several places.
 constexpr std::string_view sectionHead = R"(<section class="portal-login-section">
 <div class="header-top-bar-container"><a href="https://www.tarvo.example/account">My account</a> / Usage</div>
 <div id="headerMountPoint"></div>
@@ -118,7 +118,7 @@ std::string gigabytes(unsigned tenths)
     return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " GB";
 }
 
-// A day always shows the same volumes, so that two visits agree.
+// A day always has the same volumes, so that two visits agree.
 std::string dayRow(std::chrono::year_month_day date)
 {
     auto const day = static_cast<unsigned>(date.day());
@@ -149,7 +149,7 @@ std::string monthTitle(std::chrono::year_month month)
     return std::string { monthNames.at(index) } + " " + std::to_string(static_cast<int>(month.year()));
 }
 
-// Some stay with the provider's host, most lead away from it.
+// Some links stay on the provider's host, but most lead elsewhere.
 std::string furtherLinks(std::string const& host)
 {
     return "<p class=\"more\"><a href=\"/support/usage/api\">Your usage key</a>\n<a href=\"https://www." + host

@@ -7,16 +7,16 @@
 
 namespace demo {
 
-/// The page of a month's daily usage, within the provider's whole site, for the connection of the usage key. The month
-/// of today ends with today's row. A month that has not begun has no table, and carries the provider's failure notice,
-/// as every month of the notice key does. Some of the links lead to the host's "www" sibling.
+/// The daily usage page of a month for the usage key's connection, within the layout of the provider's site. The
+/// current month ends with today's row. A future month has no table but the provider's failure notice, as has every
+/// month for the notice key. Some links lead to the host's "www" sibling.
 std::string usagePage(
     std::string const& host, std::string_view key, std::chrono::year_month month, std::chrono::year_month_day today);
 
-/// The page that tells where to find a usage key; here it lists the demo's keys.
+/// The page that explains where to find a usage key; here it lists the demo's keys.
 std::string helpPage();
 
-/// What the provider answers under any other address.
+/// The page for any other address.
 std::string notFoundPage();
 
 /// The style sheet of all pages.

@@ -9,8 +9,8 @@
 
 #include <array>
 
-/// The program's end of a connection and a panel's, with no message bus between them. Both run in this process, in one
-/// main loop or two, where whatever is under way between them is due.
+/// Connects the program directly to a panel, without a message bus. Both ends run in this process, in one main loop or
+/// two, where whatever is in transit between them is due.
 class PeerBus {
 public:
     PeerBus(DesktopRunLoop& programLoop, DesktopRunLoop& panelLoop)
@@ -19,7 +19,7 @@ public:
         settle();
     }
 
-    /// Runs what is due in a main loop, and what comes of it there; false when nothing was.
+    /// Runs what is due in a main loop and whatever follows from it. Returns false if nothing was due.
     static bool runDue(DesktopRunLoop& loop)
     {
         pollfd due { loop.descriptor(), POLLIN, 0 };
@@ -54,7 +54,7 @@ private:
         return sockets;
     }
 
-    // It closes the socket when it goes.
+    // Takes ownership of the socket.
     static BusConnection connectionOn(int socket, bool isServer)
     {
         sd_bus* bus = nullptr;

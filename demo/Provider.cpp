@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t threads = 32;
 constexpr std::chrono::seconds slowness { 8 };
-// Longer than any client waits; without an end the clients that gave up would use up the threads.
+// Longer than any client waits. Without a limit, clients that have given up would use up the threads.
 constexpr std::chrono::minutes patience { 2 };
 constexpr auto html = "text/html; charset=utf-8";
 constexpr auto xml = "text/xml; charset=utf-8";
@@ -41,7 +41,7 @@ std::optional<int> numberIn(httplib::Request const& request, char const* name)
     return error == std::errc {} && stop == end ? std::optional { number } : std::nullopt;
 }
 
-// A usage key goes out unescaped, so it is taken from the address as it came.
+// A usage key is sent unescaped, so it is taken from the URL as received.
 std::string_view queryOf(httplib::Request const& request)
 {
     std::string_view const target = request.target;
@@ -49,7 +49,7 @@ std::string_view queryOf(httplib::Request const& request)
     return mark == std::string_view::npos ? std::string_view {} : target.substr(mark + 1);
 }
 
-// Announces the whole body, sends the first part of it and closes the connection.
+// Announces the whole body, sends its first part and closes the connection.
 void breakOff(httplib::Response& response, Reply const& reply, std::size_t sent)
 {
     response.set_content_provider(reply.body.size() + 1, reply.contentType,
@@ -92,7 +92,7 @@ public:
         if (port_ <= 0)
             return false;
         thread_ = std::thread { [this] { http_.listen_after_bind(); } };
-        // The library forgets a stop that comes before it runs.
+        // The library ignores a stop before it is running.
         while (!http_.is_running())
             std::this_thread::yield();
         return true;
@@ -160,7 +160,7 @@ private:
     {
         http_.set_tcp_nodelay(true);
         http_.new_task_queue = [] { return new httplib::ThreadPool(threads); };
-        // An idle connection would hold up the end.
+        // An idle connection would delay the end.
         http_.set_keep_alive_max_count(1);
         http_.set_keep_alive_timeout(1);
         auto const handler
@@ -181,7 +181,8 @@ private:
         answer(reply, response);
     }
 
-    // With the lock held, as what it calls: whoever has seen a request come in changes later answers only.
+    // Runs with the lock held, like everything it calls, so that whoever has seen a request can only change later
+    // answers.
     Reply replyTo(httplib::Request const& request)
     {
         if (auto const page = pages_.find(request.path); page != pages_.end())
@@ -197,7 +198,7 @@ private:
         return htmlReply(notFoundPage(), 404);
     }
 
-    // The two services share a path and differ in their host, as the provider's own do.
+    // The two services share a path on different hosts, like the provider's own.
     Reply replyToApi(httplib::Request const& request)
     {
         constexpr std::string_view keyMark = "key=";
@@ -213,7 +214,7 @@ private:
     Reply replyToKey(std::string const& key)
     {
         ++counts_[key];
-        // The usage pages do not name a key: they are about the connection that asks, and here that is the last one.
+        // The usage pages have no key, because they show the connection that asks; here, that is the last one.
         lastKey_ = key;
         auto const known = replies_.find(key);
         return known == replies_.end() ? replies_.at("demoempty") : known->second;

@@ -10,10 +10,10 @@ namespace {
 constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
 constexpr std::u16string_view accented = u"åƀçđéƒĝĥíĵķłɱñöþǫŕšţûṽŵẋýžÅƁÇĐÉƑĜĤÎĴĶĻṀÑÖÞǪŔŠŢÛṼŴẊÝŽ";
 static_assert(letters.size() == accented.size());
-// In short words, as a text that wraps may need a place for it.
+// Made of short words, because a text that wraps may need a place to break.
 constexpr std::string_view filling = " and so on";
 
-// None of them is in a place where it would take four bytes.
+// All of these characters take fewer than four bytes.
 void appendUtf8(std::string& text, char16_t character)
 {
     auto const bits = [character](unsigned shift, unsigned mask) { return (unsigned { character } >> shift) & mask; };

@@ -8,12 +8,12 @@
 
 namespace demo {
 
-/// A text as it would stand in a language that nobody speaks but everybody can read: accented, 40 percent longer and in
-/// brackets, so that a text which was left over or cut off catches the eye. A place for a number or a name ("%i", "%@")
-/// stays as it is. No quote, backslash or line break comes in that was not there.
+/// Translates a text to a language that nobody speaks but everybody can read: accented, 40 percent longer and in
+/// brackets, so that a text that was left untranslated or cut off is easy to spot. Placeholders ("%i", "%@") are kept.
+/// No quotes, backslashes or line breaks are added.
 std::string pseudoText(std::string_view text);
 
-/// A table of texts in that language.
+/// Translates a table of texts to that language.
 platform::Dictionary pseudoTable(platform::Dictionary const& texts);
 
 }

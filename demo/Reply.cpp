@@ -15,7 +15,7 @@ std::string group(std::string const& name, std::uint64_t download, std::uint64_t
         + std::to_string(upload) + "</upload>\n  </" + name + ">\n";
 }
 
-// A report whose totals are what their parts add up to.
+// Makes a report whose totals are the sums of their parts.
 std::string report(
     std::uint64_t usedDownload, std::uint64_t usedUpload, std::uint64_t freeDownload = 0, std::uint64_t freeUpload = 0)
 {

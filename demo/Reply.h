@@ -8,17 +8,17 @@
 
 namespace demo {
 
-/// How an answer comes: at once, after some seconds, not at all, or with half of the body missing.
+/// How a reply is sent: at once, after some seconds, never, or with half of the body missing.
 enum class Manner { AtOnce, Slowly, Never, CutOff };
 
-/// What one usage key or one page is answered.
+/// The reply for a usage key or a page.
 struct Reply {
     std::string body = {};
     Manner manner = Manner::AtOnce;
     int status = 200;
-    /// XML for a usage key and HTML for a page, when empty.
+    /// If empty, XML for a usage key and HTML for a page.
     std::string contentType = {};
-    /// Further headers, such as "Location".
+    /// Additional headers, such as "Location".
     std::map<std::string, std::string> headers = {};
 };
 
@@ -32,23 +32,23 @@ struct ReportFigures {
     std::uint64_t totalUpload = 0;
 };
 
-/// The report as the provider writes it.
+/// The report in the provider's format.
 std::string reportBody(ReportFigures const& figures);
 
-/// The answer to the question which key belongs to the asker's own connection.
+/// The reply to the lookup of the key for the requesting connection.
 std::string lookupBody(std::string_view key);
 
-/// A key of the demonstration, with a sentence on what it is there to show.
+/// A key of the demonstration, and a sentence on what it shows.
 struct DemoKey {
     std::string_view key;
     std::string_view shows;
     Reply reply;
 };
 
-/// The key whose connection has a failure notice on its usage pages.
+/// The key whose usage pages have a failure notice.
 constexpr std::string_view noticeKey = "demonotice";
 
-/// The keys that the provider knows from the start, by key.
+/// The keys that the provider knows from the start, sorted.
 std::map<std::string, DemoKey, std::less<>> const& demoKeys();
 
 }

@@ -42,7 +42,7 @@ std::optional<Options> parseOptions(std::span<char* const> arguments)
     return complete ? std::optional { options } : std::nullopt;
 }
 
-// Blocked before any thread starts, so that the signals wait for the main thread.
+// Blocked before any thread starts, so that the main thread receives the signals.
 sigset_t blockEndingSignals()
 {
     sigset_t signals;

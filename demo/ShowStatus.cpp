@@ -66,7 +66,7 @@ int main(int argc, char** argv)
             return fail(QStringLiteral("no line \"%1\" could be clicked").arg(parser.value(click)));
         return 0;
     }
-    // The menu as it was read may be older than the title.
+    // The menu may have been read before the title.
     if (!reader.readMenuNow(bound))
         return fail(QStringLiteral("the menu cannot be read"));
     std::puts(qPrintable(QStringLiteral("Title: ") + reader.title()));

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
-# Stages the program with a bundle of its own that speaks to the stand-in provider:
+# Stages the program with its own bundle, for use with the stand-in provider:
 #   cmake -DBUILD=build/default -DSTAGE=build/default/demo -DHOME=build/default/demo/home -DHOST=localhost:1234
 #         -DAUTHORITY=authority.pem -P demo/StageBundle.cmake
-# The settings in HOME are sown once and then left alone, so that what a person changes in the demo lasts.
+# The settings in HOME are written only once, so that the user's changes in the demo are kept.
 cmake_minimum_required(VERSION 3.25)
 
 set(identifier net.tarvo.UsageMeter.demo)
@@ -16,7 +16,7 @@ function(set_text plist key text)
     set(${plist} "${changed}" PARENT_SCOPE)
 endfunction()
 
-# A link would not do: the program looks for its bundle and its helper beside its real folder.
+# A link would not work, since the program looks for its bundle and its helper next to its real location.
 file(REMOVE_RECURSE ${STAGE}/bin ${STAGE}/lib ${STAGE}/share)
 file(COPY ${BUILD}/bin/usage-meter DESTINATION ${STAGE}/bin)
 file(COPY ${BUILD}/lib/usage-meter DESTINATION ${STAGE}/lib)

@@ -8,8 +8,8 @@
 #include <QString>
 #include <QStringList>
 
-/// The list of status items on a desktop, after the org.kde.StatusNotifierWatcher protocol. It says that there is a
-/// panel, though nothing is drawn. Its slots and signals carry the names of that protocol.
+/// The desktop's list of status items, as in the org.kde.StatusNotifierWatcher protocol, which also gives the slots and
+/// signals their names. It claims that there is a panel, but draws nothing.
 class StatusNotifierWatcher : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
@@ -19,10 +19,10 @@ class StatusNotifierWatcher : public QObject, protected QDBusContext {
 
 public:
     explicit StatusNotifierWatcher(QDBusConnection bus);
-    /// Gives the name back.
+    /// Releases the name.
     ~StatusNotifierWatcher() override;
 
-    /// Takes the watcher's name; false where another program has it.
+    /// Takes the watcher's name. Returns false if another program has it.
     bool start();
 
     QStringList items() const { return items_; }
@@ -30,7 +30,7 @@ public:
     int protocolVersion() const { return 0; }
 
 public Q_SLOTS:
-    /// Takes a bus name, or the path of an object of the caller's.
+    /// Takes a bus name, or the path of an object of the caller.
     Q_SCRIPTABLE void RegisterStatusNotifierItem(QString const& service);
     Q_SCRIPTABLE void RegisterStatusNotifierHost(QString const& service);
 
@@ -44,6 +44,6 @@ private:
 
     QDBusConnection bus_;
     QDBusServiceWatcher owners_;
-    /// Bus name and path in one text.
+    /// Each is a bus name followed by a path.
     QStringList items_;
 };

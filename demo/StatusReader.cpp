@@ -25,7 +25,7 @@ QString menuPath() { return QStringLiteral("/StatusMenu"); }
 template <typename Handler>
 void call(QDBusConnection const& bus, QObject* receiver, QDBusMessage const& message, Handler handler)
 {
-    // Never a blocking call: the item may be in this process.
+    // A blocking call would deadlock if the item is in this process.
     auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), receiver);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, receiver, [handler, watcher] {
         watcher->deleteLater();
@@ -33,7 +33,7 @@ void call(QDBusConnection const& bus, QObject* receiver, QDBusMessage const& mes
     });
 }
 
-// Watchers name an item "bus name/path", "bus name@/path", or by its bus name alone.
+// Watchers identify an item as "bus name/path" or "bus name@/path", or only by its bus name.
 QString serviceOf(QString const& item) { return item.section(QLatin1Char('/'), 0, 0).section(QLatin1Char('@'), 0, 0); }
 
 QDBusMessage getAll(QString const& service, QString const& path, QString const& interface)
@@ -46,7 +46,7 @@ QDBusMessage getAll(QString const& service, QString const& path, QString const& 
 
 QVariantMap mapOf(QDBusMessage const& reply) { return qdbus_cast<QVariantMap>(reply.arguments().value(0)); }
 
-// Reads a line with everything under it: (ia{sv}av).
+// Reads a line and all lines under it: (ia{sv}av).
 StatusLine readLine(QDBusArgument const& argument)
 {
     StatusLine line;
@@ -118,7 +118,7 @@ bool StatusReader::waitFor(std::function<bool()> const& condition, std::chrono::
     timer.setSingleShot(true);
     connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
     timer.start(bound);
-    // Looked at after every turn, for the condition may hang on more than the item.
+    // Checked after every turn, because the condition may depend on more than the item.
     while (!condition() && timer.isActive())
         loop.processEvents(QEventLoop::WaitForMoreEvents);
     return condition();

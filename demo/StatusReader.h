@@ -20,30 +20,29 @@ struct StatusLine {
     std::vector<StatusLine> submenu;
 };
 
-/// Reads the program's status item as a panel would: found through the watcher, followed by its signals. Everything it
-/// shows is a copy that is brought up to date in the main loop. Main thread only.
+/// Reads the program's status item as a panel does: finds it through the watcher and follows its signals. Everything
+/// here is a copy, updated in the main loop. Main thread only.
 class StatusReader : public QObject {
     Q_OBJECT
 
 public:
-    /// The item is looked for from now on.
+    /// Starts looking for the item.
     explicit StatusReader(QDBusConnection bus);
 
-    /// Whether the item is registered, and its title and menu have been read.
+    /// Whether the item is registered and its title and menu have been read.
     bool hasItem() const { return hasTitle_ && hasMenu_; }
     QString const& title() const { return title_; }
     /// The visible lines, submenus included.
     std::vector<StatusLine> lines() const;
 
-    /// Reads the menu as it is at this moment, and waits for it; false if it does not come within the bound.
+    /// Reads the menu as it is now, and waits for it. Returns false on timeout.
     bool readMenuNow(std::chrono::milliseconds bound);
 
-    /// Runs the main loop until the condition holds, which some event must bring about; false if it does not within
-    /// the bound.
+    /// Runs the main loop until the condition holds, which must be the result of some event. Returns false on timeout.
     bool waitFor(std::function<bool()> const& condition, std::chrono::milliseconds bound);
 
-    /// Clicks the first visible line with this text, wherever it stands, and waits for the item's answer; false if
-    /// there is none.
+    /// Clicks the first visible line with this text in any submenu, and waits for the item's answer. Returns false if
+    /// there is no such line.
     bool click(QString const& text, std::chrono::milliseconds bound);
 
 Q_SIGNALS:
@@ -64,7 +63,7 @@ private:
     void acceptMenu(QDBusMessage const& reply);
 
     QDBusConnection bus_;
-    /// The bus name that the item is registered under.
+    /// The bus name under which the item is registered.
     QString service_;
     QString title_;
     StatusLine menu_;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Makes the table of the test language from another one: usage-meter-pseudo-language IN OUT
+// Makes the table of the test language from another table: usage-meter-pseudo-language IN OUT
 #include "demo/PseudoLanguage.h"
 #include "platform/AtomicFile.h"
 #include "platform/PropertyList.h"

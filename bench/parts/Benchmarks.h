@@ -8,18 +8,18 @@
 #include <string>
 #include <utility>
 
-/// Ends the run with status 1 where what is to be measured is not what it is taken for.
+/// Ends the run with status 1 if an assumption of the measurement does not hold.
 inline void require(bool holds, char const* expectation)
 {
     if (holds)
         return;
     std::fprintf(stderr, "usage-meter-benchmarks: this does not hold: %s\n", expectation);
-    // Not exit(): threads of the program's may be running.
+    // Not exit(), since the program's threads may still be running.
     std::_Exit(EXIT_FAILURE);
 }
 
-/// Adds a benchmark on the wall clock, named "<figure>/<subject>". The subject is "ours", or "bare" for the library
-/// calls or system calls alone.
+/// Adds a wall-clock benchmark named "<figure>/<subject>". The subject is "ours", or "bare" for the library calls or
+/// system calls alone.
 template <typename Function> benchmark::internal::Benchmark* add(std::string const& name, Function&& run)
 {
     return benchmark::RegisterBenchmark(name.c_str(), std::forward<Function>(run))

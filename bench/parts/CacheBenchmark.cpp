@@ -19,7 +19,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A cache with one report in it, on a disk.
+/// A cache on disk with one report.
 struct FilledCache {
     FilledCache()
     {
@@ -90,7 +90,7 @@ bool replace(std::filesystem::path const& folderPath, char const* name, std::str
     return ::renameat(folder.get(), ".unfinished", folder.get(), name) == 0 && ::fsync(folder.get()) == 0;
 }
 
-// As safe: a file beside, written out, renamed, and the folder written out.
+// Equally safe: writes and syncs a temporary file, renames it, and syncs the folder.
 void saveBare(benchmark::State& state)
 {
     FilledCache const filled;

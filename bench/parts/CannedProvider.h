@@ -6,8 +6,8 @@
 
 #include <atomic>
 
-/// Answers at once what the stand-in provider would: the report of the key at the end of an address, and that of
-/// "demohome" for a key that it does not know.
+/// Answers at once like the stand-in provider: with the report of the key at the end of the URL, or with that of
+/// "demohome" for an unknown key.
 class CannedProvider final : public platform::UrlLoader {
 public:
     static std::string const& report(std::string const& key = "demohome")

@@ -27,7 +27,7 @@ void loadKeys(benchmark::State& state, std::size_t count)
     }
 }
 
-// Another connection is picked: the list is loaded anew, its mark is on another line, and the panel hears of that.
+// Picks another connection: the list is reloaded, the mark moves to another line, and the panel is notified.
 void loadKeysAndUpdateMenu(benchmark::State& state, std::size_t count)
 {
     SettledCore settled(entriesOf(count));
@@ -44,7 +44,7 @@ void loadKeysAndUpdateMenu(benchmark::State& state, std::size_t count)
     require(menu.tellsOf() == (count >= 2 ? 2 * turns : 0), "the mark's old line and its new one are told");
 }
 
-// A refresh changes the first group of lines and leaves the submenu alone.
+// A refresh changes the first group of lines but not the submenu.
 void updateMenuAfterRefresh(benchmark::State& state, std::size_t count)
 {
     SettledCore settled(entriesOf(count));

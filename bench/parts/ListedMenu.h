@@ -6,11 +6,11 @@
 #include "desktop/DBusMenu.h"
 #include "desktop/StatusNotifierItem.h"
 
-/// A menu that a panel has asked for, with all of its submenus. What the menu tells goes to the panel, which has no
-/// part in what is measured: it reads when it is let.
+/// A menu whose lines, submenus included, a panel has requested. The panel receives the menu's signals but is not
+/// measured: it reads only when told to.
 class ListedMenu {
 public:
-    /// The menu runs in this main loop.
+    /// Runs the menu in this main loop.
     ListedMenu(platform::Menu& model, DesktopRunLoop& loop)
         : loop_(loop)
         , peers_(loop, panelLoop_)
@@ -29,10 +29,10 @@ public:
 
     Bus& bus() { return peers_.program; }
 
-    /// Runs the update that waits for the end of the main loop's turn, until it is on its way to the panel.
+    /// Runs the update that is queued for the end of the turn, until it has been sent to the panel.
     void runQueued() { PeerBus::runDue(loop_); }
 
-    /// Lets the panel read once in a while, before the way to it is full. It takes nothing of the benchmark's time.
+    /// Lets the panel read occasionally, before the channel fills up. This is not counted in the benchmark's time.
     void letPanelRead(benchmark::State& state)
     {
         if (++turns_ % turnsOnTheWay != 0)
@@ -42,7 +42,7 @@ public:
         state.ResumeTiming();
     }
 
-    /// How many times a line's new properties were told.
+    /// The number of reports of a line's new properties.
     std::size_t tellsOf()
     {
         peers_.settle();

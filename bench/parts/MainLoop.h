@@ -8,10 +8,10 @@
 
 #include <chrono>
 
-/// The program's main loop as the program runs it, asleep between events.
+/// Runs the main loop as the program does, asleep between events.
 class MainLoop {
 public:
-    /// Runs it until the condition holds, which is looked at after each event; ends the run after ten seconds.
+    /// Runs until the condition holds, which is checked after each event. Ends the benchmark run after ten seconds.
     template <typename Condition> void runUntil(Condition const& holds)
     {
         auto const bound = Clock::now() + std::chrono::seconds(10);
@@ -19,7 +19,7 @@ public:
             require(runNext(bound), "what is waited for comes");
     }
 
-    /// Runs it for this time.
+    /// Runs for this time.
     void rest(std::chrono::milliseconds time)
     {
         auto const end = Clock::now() + time;
@@ -31,7 +31,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    // False when nothing comes before the end.
+    // Returns false if nothing is due before the end.
     bool runNext(Clock::time_point end)
     {
         auto const left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();

@@ -10,8 +10,8 @@
 
 namespace {
 
-// What a connection with a cap shows of a report: 9 numbers as tool tips in MB, the percentage at the level, 9 numbers
-// in the usage window, 5 in the menu and 1 as the status title. That makes 25. The dates are there already.
+// The numbers shown for a report of a connection with a cap: 9 in MB in tool tips, the percentage at the level, 9 in
+// the usage window, 5 in the menu and 1 in the status title, 25 in total. The dates are already formatted.
 std::vector<double> shownNumbers()
 {
     CannedProvider provider;

@@ -10,14 +10,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A user picks a connection once in a while: what it takes is in no processor's cache any more.
+// Users pick a connection only occasionally, so nothing is left in the processor's caches.
 constexpr auto betweenClicks = 200ms;
 constexpr int clicks = 20;
 constexpr char const* homeFigure = "57.3GB";
 constexpr char const* cottageFigure = "5.2GB";
 
-/// The program without its windows, with a panel but no bus between them, once the reports of both connections are
-/// cached.
+/// The program without windows, connected to a panel without a bus, with the reports of both connections cached.
 struct RunningProgram {
     RunningProgram()
     {
@@ -32,7 +31,7 @@ struct RunningProgram {
 
     void pick(std::size_t connection)
     {
-        // Kept, for the click takes the line away.
+        // Held, because the click removes the line.
         auto const line = core.outlets.connectionMenu.items().at(connection);
         line->userClicked();
     }
@@ -47,12 +46,12 @@ struct RunningProgram {
     platform::ThreadQueues queues;
     RunningCore core { mainLoop.runLoop, queues, { RunningCore::home, RunningCore::cottage } };
     ListedMenu menu { core.outlets.dropDownMenu, mainLoop.runLoop };
-    /// Of a panel that has not shown it yet, so that nothing is drawn.
+    /// The panel has not shown the item yet, so nothing is drawn.
     IconDrawer drawer { "", mainLoop.runLoop, queues };
     StatusNotifierItem item { core.controller.usageStatusItem(), {}, drawer, menu.bus(), {} };
 };
 
-// From the click to the menu: the provider's answer is at hand, all else is as in the program.
+// Measures from the click to the menu. The provider answers at once; everything else is as in the program.
 void refresh(benchmark::State& state)
 {
     RunningProgram program;
@@ -84,7 +83,7 @@ void switchConnection(benchmark::State& state)
     require(program.core.provider.requests() == requestsBefore, "a cached report is not asked for");
 }
 
-// What every refresh and every switch waits for at least: a thread, and the way back from it.
+// The minimum for every refresh and every switch: starting a thread, and returning to the main one.
 void hop(benchmark::State& state)
 {
     MainLoop mainLoop;

@@ -21,7 +21,8 @@ void parseReport(benchmark::State& state)
     }
 }
 
-// As the program calls expat, which also asks for the source of each piece of text, with handlers that do nothing.
+// Calls expat as the program does, including the query for the source of each piece of text, with handlers that do
+// nothing.
 bool parseBare(std::string const& document)
 {
     std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> const parser(

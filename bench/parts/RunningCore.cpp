@@ -17,7 +17,7 @@ platform::Bundle openBundle()
     return *std::move(bundle);
 }
 
-// What an earlier launch of this version left.
+// Writes the settings as an earlier launch of this version would.
 std::filesystem::path storedSettings(
     std::filesystem::path const& folder, platform::Bundle const& bundle, std::vector<std::string> const& entries)
 {
@@ -58,7 +58,7 @@ RunningCore::RunningCore(
 SettledCore::SettledCore(std::vector<std::string> const& entries)
     : core(runLoop, queues, entries)
 {
-    // The level fades in meanwhile.
+    // Allow time for the level to fade in.
     runLoop.advance(1s);
     require(core.title() == "57.3GB", "the first report is presented");
 }

@@ -19,20 +19,20 @@ struct NoWorkspace final : platform::Workspace {
     bool open(std::string const& /*url*/) override { return false; }
 };
 
-/// A program that nobody ends.
+/// An application that cannot be ended.
 struct NoApplication final : platform::Application {
     void activateIgnoringOtherApps() override { }
     void terminate() override { }
 };
 
-/// The whole core, from settings and cache files on disk to the models that a user would see. It is launched once made;
-/// its first refresh is queued.
+/// The whole core, from the settings and cache files on disk to the models that a user would see. It is launched on
+/// construction, with its first refresh queued.
 struct RunningCore {
-    /// Connections of the stand-in provider, with 57.3 and 5.2 GB of the 100 GB that they are capped at.
+    /// Connections of the stand-in provider that have used 57.3 and 5.2 GB of their caps of 100 GB.
     static constexpr char const* home = "Home - demohome";
     static constexpr char const* cottage = "Cottage - democottage";
 
-    /// The first entry is the selected one.
+    /// Selects the first entry.
     RunningCore(
         platform::RunLoop& runLoop, platform::BackgroundQueues& queues, std::vector<std::string> const& entries);
 
@@ -50,7 +50,7 @@ struct RunningCore {
     AppDelegate controller;
 };
 
-/// Does background work at once.
+/// Runs background work immediately.
 struct ImmediateQueues final : platform::BackgroundQueues {
     bool async(std::string const& /*label*/, platform::Task task) override
     {
@@ -59,11 +59,11 @@ struct ImmediateQueues final : platform::BackgroundQueues {
     }
 };
 
-/// The core without threads and without waiting, with its first report presented and nothing under way.
+/// The core without threads or delays, with its first report presented and nothing in progress.
 struct SettledCore {
     explicit SettledCore(std::vector<std::string> const& entries);
 
-    /// The true time, for which there are words such as "today".
+    /// The real time, so that words such as "today" are used.
     platform::Date const launched = std::chrono::system_clock::now();
     ManualRunLoop runLoop { launched };
     ImmediateQueues queues;

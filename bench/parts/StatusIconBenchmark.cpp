@@ -8,7 +8,7 @@ void drawStatusIcons(benchmark::State& state)
 {
     auto const title = QStringLiteral("57.3GB");
     auto const checked = statusPixmaps(title, StatusLook::Icon);
-    // White is in the letters alone.
+    // Only the letters are white.
     require(!checked.empty() && checked.back().pixels.find("\xff\xff\xff\xff") != std::string::npos,
         "the icon has letters");
     while (state.KeepRunning()) {

@@ -5,7 +5,7 @@
 
 int main(int argc, char** argv)
 {
-    // What draws the status icon has a toolkit.
+    // Drawing the status icon needs the toolkit.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication const application(argc, argv);
     benchmark::Initialize(&argc, argv);

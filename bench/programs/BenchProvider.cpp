@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The stand-in provider, with the largest and worst answers besides: usage-meter-bench-provider FOLDER
+// The stand-in provider, extended with the largest and worst replies: usage-meter-bench-provider FOLDER
 #include "demo/Provider.h"
 
 #include "platform/UrlLoader.h"
@@ -12,10 +12,10 @@
 
 namespace {
 
-// What stands around a filling.
+// Allows for the text around a filling.
 constexpr std::size_t frame = 1024;
 
-// Each piece has its number in place of a "#".
+// A "#" in each piece is replaced with its number.
 std::string filling(std::string_view piece, std::size_t room)
 {
     auto const mark = piece.find('#');
@@ -41,7 +41,7 @@ demo::Reply manyHeaders()
     return reply;
 }
 
-// As large as a body may be, and as large as one that is read.
+// Sets replies of the maximum size of a body, and of a reply that is parsed.
 void setWorstReports(demo::Provider& provider, std::string const& prefix, std::size_t size)
 {
     auto const filled = [size](std::string_view piece) { return filling(piece, size - frame); };
@@ -75,7 +75,7 @@ int main(int argumentCount, char** arguments)
 {
     if (argumentCount != 2)
         return fail("usage: usage-meter-bench-provider FOLDER");
-    // Blocked before any thread starts, so that the signals wait for the main thread.
+    // Blocked before any thread starts, so that the main thread receives the signals.
     sigset_t signals;
     sigemptyset(&signals);
     for (int const signal : { SIGTERM, SIGINT, SIGHUP })

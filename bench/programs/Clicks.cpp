@@ -11,12 +11,12 @@ namespace measurements {
 
 namespace {
 
-// A provider may take its time.
+// Allows for a slow provider.
 constexpr auto patience = 180s;
-// By then the panel has read what a refresh changed, and the program has given back what it needed for it.
+// Long enough for the panel to read the changes of a refresh, and for the program to free its memory.
 constexpr auto calm = 1500ms;
 constexpr auto pace = 1ms;
-// A child that does not have it yet still shows the program's own memory.
+// A child without this name has not executed the helper yet and still shows the program's own memory.
 constexpr std::string_view helperName = "usage-meter-fet";
 
 using Predicate = std::function<bool(MenuLine const&)>;
@@ -38,7 +38,7 @@ bool isUsageWindow(MenuLine const& line) { return line.label == "Usage Window"; 
 
 bool hasChoice(MenuLine const& menu) { return std::ranges::any_of(menu.lines, &MenuLine::isChecked); }
 
-// Opens the menu and clicks on a line of it. Nothing when there is none.
+// Opens the menu and clicks a line. Returns nothing if there is no such line.
 std::optional<Clock::time_point> click(Panel& panel, Predicate const& isWanted)
 {
     auto const menu = panel.openMenu();
@@ -50,7 +50,7 @@ std::optional<Clock::time_point> click(Panel& panel, Predicate const& isWanted)
     return begin;
 }
 
-// The connection that is not shown at present.
+// Clicks the connection that is not selected.
 std::optional<Clock::time_point> clickOther(Panel& panel)
 {
     auto const menu = panel.openMenu();
@@ -105,18 +105,18 @@ bool switchConnection(Desktop& desktop, Samples const& samples)
     return true;
 }
 
-// Both connections are in the cache afterwards.
+// Ensures that both connections are cached.
 bool visitBoth(Desktop& desktop)
 {
     return clickOther(desktop.panel()) && waitForLabel(desktop, true) && clickOther(desktop.panel())
         && waitForLabel(desktop, true);
 }
 
-// Until the outcome of a refresh is there, a failure too. Returns the most that the helper had in memory meanwhile.
+// Waits for the outcome of a refresh, even a failure. Returns the helper's peak memory.
 std::optional<long> peakOfHelper(Desktop& desktop, pid_t program)
 {
     auto const& panel = desktop.panel();
-    // The first label is that of the waiting state.
+    // The first new label is the waiting state's.
     auto const isOver = [&, before = panel.toldLabels()] { return panel.toldLabels() >= before + 2; };
     auto const end = Clock::now() + patience;
     long peak = 0;
@@ -200,7 +200,7 @@ bool windows(Desktop& desktop, int count, Samples const& samples)
 
 bool firstStart(Desktop& desktop, Program const& program, Samples const& samples)
 {
-    // The preferences and the sheet on them are there by themselves.
+    // The preferences window and its sheet open by themselves.
     if (!settle(desktop, false) || !waitForWindows(desktop, 2) || !click(desktop.panel(), isUsageWindow)
         || !waitForWindows(desktop, 3))
         return false;

@@ -8,18 +8,18 @@
 
 #include <functional>
 
-/// What a program finds when it looks for a place for its status item. It has nothing of a toolkit in it, so that it
-/// shares no pages with what is measured.
+/// Provides everything that a program needs to show its status item. It uses no toolkit, so that it shares no pages
+/// with the measured program.
 class Desktop {
 public:
-    /// Nothing without a session bus and a display, or when another panel or tray is there.
+    /// Returns null without a session bus and a display, or if there is another panel or tray.
     static std::unique_ptr<Desktop> open();
 
     Panel& panel() { return *panel_; }
     Screen const& screen() const { return *screen_; }
     bool hasItem() const { return panel_->hasItem() || tray_->hasItem(); }
 
-    /// Serves programs until the answer is yes; false when that takes longer than the bound.
+    /// Serves programs until the condition holds. Returns false on timeout.
     bool waitFor(std::function<bool()> const& condition, Clock::duration bound);
     /// Serves programs for this time.
     void rest(Clock::duration time);

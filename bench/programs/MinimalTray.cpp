@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The smallest sensible program with a status item: what the toolkit alone takes.
+// The smallest useful program with a status item, to measure the toolkit alone.
 #include <QApplication>
 #include <QMenu>
 #include <QPixmap>

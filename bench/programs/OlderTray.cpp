@@ -5,7 +5,7 @@
 
 namespace {
 
-// Of the protocol's "opcode", and of XEMBED's messages.
+// The values of the protocol's "opcode" and of XEMBED's messages.
 constexpr std::uint32_t requestDock = 0;
 constexpr std::uint32_t embeddedNotify = 0;
 

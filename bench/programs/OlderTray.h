@@ -5,17 +5,17 @@
 
 #include <memory>
 
-/// A tray after the freedesktop system tray protocol, for programs that put a window of their own into it.
+/// A tray of the freedesktop system tray protocol, for programs that embed their own window in it.
 class OlderTray {
 public:
-    /// Opens the tray of the screen. Nothing when another tray is there.
+    /// Opens the tray of the screen. Returns null if there is another tray.
     static std::unique_ptr<OlderTray> open(Screen const& screen);
 
     bool hasItem() const { return hasItem_; }
 
-    /// What to wait on for more to process.
+    /// The descriptor to wait for before calling process().
     int descriptor() const { return xcb_get_file_descriptor(screen_.display()); }
-    /// Handles one event; false when there is none.
+    /// Handles one event. Returns false if there is none.
     bool process();
 
 private:

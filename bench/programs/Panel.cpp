@@ -19,7 +19,7 @@ struct Unreference {
 };
 using Message = std::unique_ptr<sd_bus_message, Unreference>;
 
-// What was asked for is of no further use, as in a panel that has drawn it.
+// Discards a reply, as does a panel that has drawn it.
 int ignore(sd_bus_message* /*reply*/, void* /*unused*/, sd_bus_error* /*error*/) { return 0; }
 
 std::string text(sd_bus_message* message, char const* type)
@@ -34,7 +34,7 @@ std::string textInVariant(sd_bus_message* message, char const* type)
     return sd_bus_message_read(message, "v", type, &value) > 0 ? value : "";
 }
 
-// Reads a{sv}. The visitor reads the variant of a name that it knows, and returns whether it did.
+// Reads a{sv}. The visitor reads the variants of known names, and returns whether it did.
 template <typename Visitor> void readProperties(sd_bus_message* message, Visitor visit)
 {
     sd_bus_message_enter_container(message, 'a', "{sv}");
@@ -46,7 +46,7 @@ template <typename Visitor> void readProperties(sd_bus_message* message, Visitor
     sd_bus_message_exit_container(message);
 }
 
-// Reads (ia{sv}av), each of the last in turn being one of these.
+// Reads (ia{sv}av), whose last part contains more of the same.
 MenuLine readLine(sd_bus_message* message)
 {
     MenuLine line;
@@ -72,7 +72,7 @@ MenuLine readLine(sd_bus_message* message)
     return line;
 }
 
-// The property that a panel reads when the signal comes.
+// The property that a panel rereads on a signal.
 char const* propertyOf(char const* signal)
 {
     if (std::strcmp(signal, "NewTitle") == 0)
@@ -140,7 +140,7 @@ bool Panel::start()
 
 int Panel::registerItem(sd_bus_message* message, void* panel, sd_bus_error* /*error*/)
 {
-    // A bus name, or the path of an object of the sender's.
+    // The text is a bus name, or the path of an object of the sender.
     auto const item = text(message, "s");
     auto& self = *static_cast<Panel*>(panel);
     if (item.starts_with('/'))

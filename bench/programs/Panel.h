@@ -9,7 +9,7 @@
 #include <poll.h>
 #include <systemd/sd-bus.h>
 
-/// A line of an item's menu, with the lines under it.
+/// A line of an item's menu with its child lines.
 struct MenuLine {
     int id = 0;
     std::string label;
@@ -17,12 +17,12 @@ struct MenuLine {
     std::vector<MenuLine> lines;
 };
 
-/// A panel on the session bus that shows one status item: after the org.kde.StatusNotifierItem protocol, with the label
-/// of the Ayatana indicators and com.canonical.dbusmenu. As panels do, it reads all of an item and of its menu when the
-/// item comes, and anew what the item says has changed.
+/// A panel on the session bus that shows one status item. It supports the org.kde.StatusNotifierItem protocol with the
+/// Ayatana indicators' label, and com.canonical.dbusmenu. Like other panels, it reads everything when an item appears,
+/// and rereads whatever the item reports as changed.
 class Panel {
 public:
-    /// Nothing when there is no bus or another panel is there.
+    /// Returns null if there is no bus, or if there is another panel.
     static std::unique_ptr<Panel> open();
 
     Panel(Panel const&) = delete;
@@ -30,16 +30,16 @@ public:
 
     bool hasItem() const { return !service_.empty(); }
     std::string const& label() const { return label_; }
-    /// How often the item has told a new label.
+    /// The number of new labels that the item has reported.
     int toldLabels() const { return toldLabels_; }
 
-    /// Opens the menu and reads it. Blocks; nothing when the item does not answer.
+    /// Opens the menu and reads it. Blocks; returns nothing if the item does not answer.
     std::optional<MenuLine> openMenu();
     void click(MenuLine const& line);
 
-    /// What to wait on for more to process.
+    /// The descriptor and events to wait for before calling process().
     pollfd awaited() const;
-    /// Handles one message; false when there is none.
+    /// Handles one message. Returns false if there is none.
     bool process();
 
 private:

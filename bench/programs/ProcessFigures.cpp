@@ -28,7 +28,7 @@ std::string nameOf(pid_t process)
     return name;
 }
 
-// The number of a line "Name:   12 kB".
+// Reads the number from a line "Name:   12 kB".
 long field(std::filesystem::path const& path, std::string_view name)
 {
     std::ifstream file(path);

@@ -6,11 +6,11 @@
 #include <memory>
 #include <sys/types.h>
 
-/// A program that was started to be measured. It ends with this object, at last by force.
+/// A program started for measurement. It ends with this object, by force if necessary.
 class Program {
 public:
-    /// Starts it with these arguments, a null pointer behind the last. What it writes goes to our standard error, for
-    /// our standard output is for the figures. Nothing when it cannot be started.
+    /// Starts it with these arguments, which end with a null pointer. Its output goes to our standard error, because
+    /// standard output is for the figures. Returns null if it cannot be started.
     static std::unique_ptr<Program> start(char* const* arguments);
 
     ~Program();
@@ -18,7 +18,7 @@ public:
     Program& operator=(Program const&) = delete;
 
     pid_t id() const { return id_; }
-    /// Just before it was started.
+    /// The time just before it was started.
     Clock::time_point begin() const { return begin_; }
 
 private:

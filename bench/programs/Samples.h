@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-/// What was measured of one subject, as lines "figure, subject, unit, value" with tabs between them.
+/// Prints the measurements of one subject as lines of "figure, subject, unit, value", separated by tabs.
 class Samples {
 public:
     explicit Samples(std::string subject)

@@ -40,7 +40,7 @@ void Screen::send(xcb_window_t receiver, xcb_window_t about, xcb_atom_t type, st
     xcb_send_event(display(), 0, receiver, mask, reinterpret_cast<char const*>(&message));
 }
 
-// The upper left corner tells of the whole window. What is smaller, or is not shown, has none to give.
+// The upper left corner represents the whole window. A smaller or hidden window has none and yields an error.
 bool Screen::isDrawn(xcb_window_t window) const
 {
     auto const request = xcb_get_image(display(), XCB_IMAGE_FORMAT_Z_PIXMAP, window, 0, 0, 200, 150, ~0U);

@@ -14,25 +14,25 @@ struct FreeReply {
     void operator()(void* memory) const { std::free(memory); }
 };
 
-/// What the display answers.
+/// A reply from the display.
 template <typename Type> using Reply = std::unique_ptr<Type, FreeReply>;
 
 /// The display's first screen and the windows on it. There is no window manager.
 class Screen {
 public:
-    /// Nothing when there is no display.
+    /// Returns null if there is no display.
     static std::unique_ptr<Screen> open();
 
     xcb_connection_t* display() const { return display_.get(); }
     xcb_window_t root() const { return root_; }
     xcb_atom_t atom(std::string_view name) const;
-    /// Sends a message of this type about a window.
+    /// Sends a message of this type that refers to a window.
     void send(xcb_window_t receiver, xcb_window_t about, xcb_atom_t type, std::uint32_t mask,
         std::array<std::uint32_t, 5> data) const;
 
-    /// Those that are larger than an icon and show more than one colour, as they do from their first drawing on.
+    /// The windows that are larger than an icon and show more than one colour, which is true once they have been drawn.
     std::vector<xcb_window_t> drawnWindows() const;
-    /// Asks each of them to close, as a window manager does for the user.
+    /// Asks each drawn window to close, as a window manager does for the user.
     void closeWindows() const;
 
 private:

@@ -12,9 +12,9 @@ namespace measurements {
 namespace {
 
 constexpr auto startPatience = 20s;
-// Pages that were needed for the start alone are given back by then.
+// By then, the pages needed only for the start have been freed.
 constexpr auto calm = 2s;
-// The toolkit keeps threads that it needed at the start for half a minute.
+// The toolkit keeps some threads from the start for half a minute.
 constexpr auto deepCalm = 35s;
 
 }
