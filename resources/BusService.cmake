@@ -1,9 +1,9 @@
-# Writes the file by which the session bus starts the program. It is read in when the build is configured, and again when
-# it is installed, for the prefix may be another by then.
+# Writes the file that lets the session bus start the program. It is included when the build is configured and again on
+# installation, because the prefix may have changed by then.
 cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_PREFIX OUTPUT_VARIABLE prefix)
 cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_BINDIR BASE_DIRECTORY ${prefix} NORMALIZE OUTPUT_VARIABLE folder)
 set(program ${folder}/usage-meter)
-# The bus splits the line into words as a shell does.
+# The bus splits the line into words like a shell.
 if(program MATCHES "[^A-Za-z0-9/._+-]")
     string(REPLACE "'" "'\"'\"'" program "${program}")
     set(program "'${program}'")

@@ -1,5 +1,5 @@
-# Whose program it is. Another provider's build sets these when it configures, and shares nothing with this one but the
-# names of its programs.
+# The program's identity. A build for another provider sets these variables and shares only the names of its programs
+# with this one.
 set(USAGE_METER_PROVIDER_HOST tarvo.example
     CACHE STRING "The provider's host, without \"www\": name or name:port"
 )
@@ -19,7 +19,7 @@ function(require_form variable pattern form)
     endif()
 endfunction()
 
-# They are written into property lists, desktop entries and addresses as they are.
+# These values are inserted into property lists, desktop entries and URLs without escaping.
 require_form(USAGE_METER_PROVIDER_HOST "[A-Za-z0-9.-]+(:[0-9]+)?" "a host, or host:port")
 require_form(USAGE_METER_PRODUCT_NAME "[^][\\\\&<>%@;\"'\r\n\t]+" "a text without &, <, >, %, @, ;, quotes, brackets or backslashes")
 require_form(USAGE_METER_IDENTIFIER "[A-Za-z_][A-Za-z0-9_]*(\\.[A-Za-z_][A-Za-z0-9_]*)+" "a reversed domain name")

@@ -1,6 +1,6 @@
-# Brings the texts of the string tables into files that are not read by the program but by the desktop.
+# Inserts the texts of the string tables into files that the desktop reads rather than the program.
 
-# The languages that there are tables of, English first.
+# The languages that have a table, English first.
 function(find_languages output)
     file(GLOB folders CONFIGURE_DEPENDS RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} *.lproj)
     list(REMOVE_ITEM folders en.lproj)
@@ -9,7 +9,7 @@ function(find_languages output)
     set(${output} "${folders}" PARENT_SCOPE)
 endfunction()
 
-# As XML has it.
+# Returns the text in its XML form.
 function(get_text output language key)
     file(READ ${CMAKE_CURRENT_SOURCE_DIR}/${language}.lproj/Localizable.strings table)
     if(NOT table MATCHES "<key>${key}</key>[ \t\r\n]*<string>([^<]*)</string>")
@@ -19,7 +19,7 @@ function(get_text output language key)
     set(${output} "${text}" PARENT_SCOPE)
 endfunction()
 
-# "Comment=...", "Comment[fr]=...": one line a language.
+# Makes one line per language: "Comment=...", "Comment[fr]=...".
 function(desktop_entry_lines output name key)
     set(lines "")
     foreach(language IN LISTS languages)
@@ -37,7 +37,7 @@ function(desktop_entry_lines output name key)
     set(${output} "${lines}" PARENT_SCOPE)
 endfunction()
 
-# <summary>...</summary>, <summary xml:lang="fr">...</summary>: one element a language.
+# Makes one element per language: <summary>...</summary>, <summary xml:lang="fr">...</summary>.
 function(xml_elements output name key)
     set(elements "")
     foreach(language IN LISTS languages)

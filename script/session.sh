@@ -1,8 +1,7 @@
 #!/bin/bash
 # SPDX-License-Identifier: MIT
-# What script/run and script/gallery share: a session of its own for the program, on a stand-in provider, and pictures
-# of its windows. Whoever reads this in has said where the program was built ($build) and what folder it may use
-# ($stage).
+# Shared by script/run and script/gallery: a private session for the program on a stand-in provider, and screenshots of
+# its windows. The caller sets the build folder ($build) and a folder for temporary files ($stage).
 
 log=$stage/log
 shots=$stage/screenshots
@@ -16,7 +15,7 @@ fail() {
     exit 1
 }
 
-# Asks again and again until the answer is yes; fails when that takes longer than the seconds given.
+# Polls until the command succeeds, or fails after the given number of seconds.
 waitFor() {
     local deadline=$((SECONDS + $1))
     shift
@@ -26,7 +25,7 @@ waitFor() {
     done
 }
 
-# Processes that a bus of ours has started are nobody's children; they are known by our runtime folder.
+# Processes started by our bus are not our children, so they are recognized by our runtime folder.
 findStarted() {
     local found
     [[ -n $runtime ]] || return 0
@@ -58,14 +57,14 @@ finish() {
     local status=$?
     trap - EXIT
     trap '' INT TERM HUP
-    # Before its display and its bus go, so that it ends in good order.
+    # Ends the program before its display and its bus, so that it can shut down properly.
     [[ -z $program ]] || waitFor 3 isEndedBy TERM "$program" || true
     waitFor 5 noneLeftAfter TERM || waitFor 5 noneLeftAfter KILL || true
     [[ -z $runtime ]] || rm -rf "$runtime"
     exit "$status"
 }
 
-# A signal interrupts this wait, where it would not interrupt a command in the foreground.
+# A signal interrupts this wait, but would not interrupt a foreground command.
 await() {
     setpriv --pdeathsig TERM -- "$@" &
     started+=($!)
@@ -79,7 +78,7 @@ start() {
     started+=($!)
 }
 
-# Starts a program that announces itself with one line once it is ready, and leaves that line in $announced.
+# Starts a program that prints one line once it is ready, and stores that line in $announced.
 startAnnounced() {
     local name=$1 output
     shift
@@ -98,7 +97,7 @@ stageBundle() {
         -DAUTHORITY="$stage/certificate/authority.pem" -P demo/StageBundle.cmake
 }
 
-# The X server's secret stays where it was although the home moves.
+# The X server's authority file keeps its place when the home is moved.
 useHome() {
     export XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority}
     export HOME=$1
@@ -107,18 +106,18 @@ useHome() {
     mkdir -p "$XDG_CONFIG_HOME" "$XDG_CACHE_HOME" "$XDG_DATA_HOME" "$XDG_STATE_HOME"
 }
 
-# The web engine knows the user's own authorities from a database in the home.
+# The web engine reads the user's own authorities from a database in the home.
 trustProvider() {
     local database=sql:$HOME/.pki/nssdb
     mkdir -p "$HOME/.pki/nssdb"
     certutil -L -d "$database" >/dev/null 2>&1 || certutil -N -d "$database" --empty-password
     certutil -D -d "$database" -n provider 2>/dev/null || true
     certutil -A -d "$database" -n provider -t C,, -i "$stage/certificate/authority.pem"
-    # It isolates its pages, which it cannot do as root.
+    # The engine cannot sandbox its pages as root.
     ((EUID != 0)) || export QTWEBENGINE_DISABLE_SANDBOX=1
 }
 
-# A display of this size, and a bus: an ordinary one, unless dbus-daemon is told otherwise.
+# Starts a display of this size, and an ordinary bus unless dbus-daemon gets another option.
 startSession() {
     runtime=$(mktemp -d)
     export XDG_RUNTIME_DIR=$runtime
@@ -148,7 +147,7 @@ visibleWindows() {
     xdotool search --onlyvisible "$@" 2>/dev/null | sort
 }
 
-# Whether a picture shows something, and the same as the last time: then the drawing is done.
+# Drawing is finished if a picture is not blank and has not changed since the last time.
 isDrawn() {
     local before=$drawn
     import "$@" 2>>"$log/screenshots" || return 1
@@ -163,7 +162,7 @@ capture() {
     echo "$picture"
 }
 
-# The area is a sliver until the item is in it.
+# The area is only a sliver until the item is in it.
 findStatusArea() {
     local width
     window=$(visibleWindows --class notification-area-applet | tail -n 1)
@@ -177,7 +176,7 @@ findMenu() {
     [[ -n $window ]]
 }
 
-# The upper right corner of the screen, with the item in the panel and its menu open.
+# Captures the upper right corner of the screen with the item in the panel and its menu open.
 captureMenu() {
     local area before picture=$shots/$1.png
     waitFor 10 findStatusArea || fail "the panel shows no status area"
@@ -188,7 +187,7 @@ captureMenu() {
     drawn=
     waitFor 10 isDrawn -window root -crop 400x370+880+0 +repage "$picture" || fail "the menu shows nothing"
     echo "$picture"
-    # A click elsewhere closes it.
+    # A click elsewhere closes the menu.
     xdotool mousemove 300 700 click 1
 }
 
@@ -213,7 +212,7 @@ isBlank() {
     [[ $(convert "$1" -crop "$2" -format %k info:) == 1 ]]
 }
 
-# A page takes its time. The choice of a month is shown with it, and its table begins right of there, further down.
+# A page is slow to load. The month picker is shown with it, and its table starts further down and to the right.
 isPageDrawn() {
     isDrawn -window "$window" "$1" && ! isBlank "$1" 100x20+30+12 && ! isBlank "$1" 400x40+30+280
 }
@@ -231,7 +230,7 @@ findAddKeyWindow() {
     [[ -n $window ]]
 }
 
-# Without settings the program asks for a key by itself.
+# Without settings, the program asks for a key by itself.
 captureFirstStart() {
     endProgram
     startProgram XDG_CONFIG_HOME="$HOME/first-start"
@@ -239,7 +238,7 @@ captureFirstStart() {
     capture "$1" "$window"
 }
 
-# However the script ends, nothing of it stays.
+# Cleans up however the script ends.
 endInGoodOrder() {
     trap finish EXIT
     trap 'exit 130' INT
