@@ -5,7 +5,7 @@
 
 #include <string>
 
-/// All text of a document in one, whatever stands between.
+/// Collects all text of a document, regardless of the elements in between.
 struct AllText final : platform::XmlParserDelegate {
     void foundCharacters(std::string_view run) override
     {
@@ -15,6 +15,6 @@ struct AllText final : platform::XmlParserDelegate {
     void foundCData(std::string_view block) override { content += block; }
 
     std::string characters;
-    /// The characters and what CDATA sections hold.
+    /// The characters and the content of CDATA sections.
     std::string content;
 };

@@ -20,7 +20,7 @@ void require(bool holds)
         std::abort();
 }
 
-// As the C library reads it, of which nothing but decimal numbers is let through.
+// Reads a text with the C library's function, but lets only decimal numbers through.
 double numberOf(std::string const& text)
 {
     constexpr double most = std::numeric_limits<double>::max();
@@ -28,7 +28,7 @@ double numberOf(std::string const& text)
     return std::clamp(std::strtod(decimal.c_str(), nullptr), -most, most);
 }
 
-// A figure's text says the figure, to the hundredth.
+// A figure's text must match the figure to the hundredth.
 void checkText(double figure)
 {
     static platform::NumberFormatter const formatter("en_US");
@@ -41,7 +41,7 @@ void checkText(double figure)
 
 }
 
-// A nickname and a key in two lines, which are also a figure of the provider's and a cap as typed.
+// The input is a nickname and a key on two lines. It also serves as one of the provider's figures and as a typed cap.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
     std::string const text(data, data + size);

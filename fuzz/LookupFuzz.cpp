@@ -6,7 +6,7 @@
 
 #include <cstdlib>
 
-// A key stands in a well-formed reply as it is.
+// A key must appear unchanged in a well-formed reply.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
     OneReply reply(data, size);

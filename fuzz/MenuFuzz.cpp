@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The status item and its menu on a connection of their own, with both ends in this process: a panel calls them,
-// rightly and wrongly, while the model changes.
+// Runs the status item and its menu on a private connection, with both ends in this process. A panel makes valid and
+// invalid calls while the model changes.
 #include "demo/PeerBus.h"
 #include "desktop/DBusMenu.h"
 #include "desktop/StatusNotifierItem.h"
@@ -25,7 +25,7 @@ void require(bool holds)
         std::abort();
 }
 
-/// The fuzzer's bytes, and zeros after them.
+/// The fuzzer's bytes, followed by zeros.
 class Bytes {
 public:
     Bytes(std::uint8_t const* data, std::size_t size)
@@ -46,7 +46,7 @@ public:
 
     int number() { return static_cast<int>(below(256)) - 4; }
 
-    /// Without NUL, which no text of the program's can hold.
+    /// Contains no NUL, since the program's texts cannot either.
     std::string text()
     {
         std::string text(below(16), '\0');
@@ -66,7 +66,7 @@ bool shows(Menu const& menu, MenuItem const* wanted)
     });
 }
 
-/// Three menus, each of which can be a submenu of those before it.
+/// Three menus, each of which can be a submenu of the ones before it.
 struct Model {
     Model()
     {
@@ -129,7 +129,7 @@ constexpr char const* menuInterface = "com.canonical.dbusmenu";
 constexpr char const* itemInterface = "org.kde.StatusNotifierItem";
 constexpr char const* propertiesInterface = "org.freedesktop.DBus.Properties";
 
-/// Opens a container of a message. What is written goes into it until this goes.
+/// Opens a container in a message; values written during its lifetime go into it.
 class Container {
 public:
     Container(sd_bus_message* message, char kind, std::string const& contents)
@@ -177,7 +177,7 @@ Argument list(char const* type, std::vector<Argument> elements)
             } };
 }
 
-/// A structure or a dictionary's entry.
+/// A structure or a dictionary entry.
 Argument group(char kind, char const* types, std::vector<Argument> parts)
 {
     return { kind == 'r' ? '(' + std::string(types) + ')' : '{' + std::string(types) + '}',
@@ -188,7 +188,7 @@ Argument group(char kind, char const* types, std::vector<Argument> parts)
         } };
 }
 
-// Made level by level as it is written, for most are never written.
+// Each level is made only when it is written, since most never are.
 Argument nestedNumber(std::size_t depth)
 {
     if (depth == 0)
@@ -196,7 +196,7 @@ Argument nestedNumber(std::size_t depth)
     return { "v", [depth](sd_bus_message* message) { variant(nestedNumber(depth - 1)).write(message); } };
 }
 
-// A line with two lines under it, each of which has two, and so on.
+// A line with two child lines, each of which has two more, and so on.
 Argument tree(std::size_t depth)
 {
     return { "(ia{sv}av)", [depth](sd_bus_message* message) {
@@ -276,7 +276,7 @@ Argument argument(char kind, Bytes& bytes)
     }
 }
 
-/// A line as a panel keeps it, with values of any type as text.
+/// A line as a panel stores it, with values of all types converted to text.
 struct Line {
     int id = 0;
     std::map<std::string, std::string> properties;
@@ -307,7 +307,7 @@ int readNumber(sd_bus_message* message, char const* type = "i")
     return number;
 }
 
-// Nothing at the end of a list.
+// Returns nothing at the end of a list.
 std::optional<std::string> readText(sd_bus_message* message)
 {
     char const* text = nullptr;
@@ -364,7 +364,7 @@ std::string escaped(std::string const& title)
     return label;
 }
 
-// Whether a panel has what it needs to show a menu, told from the model alone, and no id that it has met.
+// Whether a panel's layout matches the model, with an id for each line that has not occurred before.
 bool isMenu(Line const& layout, Menu const& menu, std::set<int>& met)
 {
     using Value = std::optional<std::string>;
@@ -383,7 +383,7 @@ bool isMenu(Line const& layout, Menu const& menu, std::set<int>& met)
     });
 }
 
-/// Calls the item and the menu, and keeps what the menu was said to hold.
+/// Calls the item and the menu, and keeps a copy of the menu as it was reported.
 class Panel {
 public:
     explicit Panel(Bus& bus)
@@ -400,7 +400,7 @@ public:
         struct Member {
             char const* interface;
             char const* name;
-            /// One letter an argument, as argument() reads them.
+            /// One letter per argument, as understood by argument().
             std::string_view arguments;
             std::string_view signature;
         };
@@ -424,12 +424,12 @@ public:
         bool const toMenu = member.interface == menuInterface || fault == 3;
         auto message = bus_.methodCall(nullptr, toMenu ? StatusNotifierItem::menuPath : StatusNotifierItem::path,
             member.interface, fault == 4 ? word(bytes).c_str() : member.name);
-        // Not every word is the name of a member.
+        // Not every word is a valid member name.
         if (!message)
             return;
         for (auto const& each : arguments)
             each.write(message.get());
-        // The library alone answers for properties, and overlooks more of what is said to it.
+        // Properties are handled by sd-bus alone, which tolerates more mistakes.
         bool const isMalformed = member.interface != propertiesInterface && fault != 4
             && sd_bus_message_get_signature(message.get(), 1) != member.signature;
         bool const isNowhere = member.interface == itemInterface && toMenu;
@@ -460,7 +460,7 @@ public:
         });
     }
 
-    /// Whether every call is answered, and nobody has hung up.
+    /// Whether every call was answered and the connection is still open.
     bool isContent() const { return pending_ == 0 && bus_.isConnected(); }
 
     Line copy;
@@ -522,13 +522,13 @@ private:
     BusSlot itemSignals_;
 };
 
-/// Both ends, made once for all inputs.
+/// Both ends, created once for all inputs.
 struct Connection {
     DesktopRunLoop loop;
     PeerBus ends { loop, loop };
 };
 
-/// Has no room for the helper that draws.
+/// Rejects every task, so that the drawing helper is never started.
 struct NoQueues final : platform::BackgroundQueues {
     bool async(std::string const& /*label*/, platform::Task /*task*/) override { return false; }
 };

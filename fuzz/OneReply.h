@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string>
 
-/// Answers every address with the fuzzer's bytes.
+/// Answers every request with the fuzzer's bytes.
 class OneReply final : public platform::UrlLoader {
 public:
     OneReply(std::uint8_t const* data, std::size_t size)

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-// What was read can be written, and what was written reads as the same.
+// What has been read can be written, and reading it back gives the same value.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
     auto const read = platform::readPropertyList(std::string(data, data + size));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Runs the inputs of folders once each, where there is no fuzzer: replay FOLDER...
+// Runs each input of the given folders once, for builds without a fuzzer: replay FOLDER...
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

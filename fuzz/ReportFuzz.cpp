@@ -12,8 +12,8 @@
 
 namespace {
 
-// As libxml2 reads it into a tree, which knows nothing of our runs of text. It refuses some documents that are
-// well-formed to us, such as those of an encoding that it does not know.
+// Reads a document into a tree with libxml2, which is independent of our runs of text. It rejects some documents that
+// are well-formed to us, for instance with an unknown encoding.
 std::optional<std::string> contentOf(std::string_view document)
 {
     constexpr int options = XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
@@ -29,7 +29,7 @@ std::optional<std::string> contentOf(std::string_view document)
 
 }
 
-// A well-formed reply has the six figures at most, each of them a trimmed piece of its text, and no text is lost.
+// A well-formed reply has at most the six figures, each a trimmed piece of its text, and no text is lost.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
     OneReply reply(data, size);

@@ -144,7 +144,7 @@ TEST_F(ProgramTest, ASecondStartShowsThePreferencesOfTheFirstAndTheDisplaysEndLo
     program_.signal(SIGSTOP);
     second.start();
     EXPECT_EQ(second.waitForExit(bound), 1);
-    EXPECT_EQ(second.output(), "usage-meter: it runs already, but does not answer\n");
+    EXPECT_EQ(second.output(), "usage-meter: already running, but not responding\n");
     program_.signal(SIGCONT);
 
     provider_->setReply("secretTwo", { cottageReport_, demo::Manner::Never });
