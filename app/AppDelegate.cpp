@@ -13,6 +13,9 @@ AppDelegate::AppDelegate(platform::Platform& platform, Outlets& outlets)
     , outlets_(outlets)
     , usageStatusItem_(outlets.dropDownMenu)
     , usageFormatter_(platform.numberLocale)
+    , display_(platform, outlets, usageStatusItem_,
+          [this](double volume, auto unit) { return formattedUsageStringWithUsageValue(volume, unit); })
+    , dates_(platform, outlets, [this] { return nextUpdate(); })
 {
 }
 
@@ -24,19 +27,6 @@ IntervalChoice AppDelegate::intervalChoice() const
 }
 
 std::string AppDelegate::text(std::string_view key) const { return platform_.bundle.localizedString(key); }
-
-std::string AppDelegate::text(std::string_view key, std::string_view argument) const
-{
-    constexpr std::string_view place = "%@";
-    auto format = text(key);
-    auto const position = format.find(place);
-    return position == std::string::npos ? format : format.replace(position, place.size(), argument);
-}
-
-std::string AppDelegate::labelled(std::string_view labelKey, std::string_view value) const
-{
-    return text(labelKey).append(" ").append(value);
-}
 
 CacheData AppDelegate::cacheData() const
 {

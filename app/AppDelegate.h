@@ -2,6 +2,8 @@
 #pragma once
 
 #include "app/NextTimer.h"
+#include "app/UpdateDates.h"
+#include "app/UsageDisplay.h"
 #include "platform/ComboBox.h"
 #include "platform/NotificationCenter.h"
 #include "platform/NumberFormatter.h"
@@ -29,7 +31,6 @@ class CacheData;
 class DetailedUsageViewController;
 class ProviderAddresses;
 struct Outlets;
-struct UsageFigures;
 
 /// The application's controller. It owns the current report, the timers and the status item, and drives everything
 /// through the models of its outlets. Lives for the whole run; main thread only.
@@ -188,29 +189,18 @@ private:
     void acceptCachedReport(Refresh const& refresh, platform::Dictionary const& report);
     void acceptFetchedReport(Refresh const& refresh, platform::Dictionary report, platform::Date lastUpdate);
     void acceptFailure(std::string const& usageKey);
-    void followSelection();
     void notify();
 
     // Schedule
     void armUpdateInterval(std::optional<platform::Date> fireDate, platform::Seconds interval);
     void noteLastUpdate();
-    void showDates();
-    void tellDates(std::string_view lastUpdate, std::string_view nextUpdate);
-    void keepDatesRight(bool visible);
+    std::optional<platform::Date> nextUpdate() const;
 
     // Presentation
     void presentReport();
-    void showError();
-    void showToolTips(UsageFigures const& figures);
-    void showLevel(UsageFigures const& figures);
-    void showFields(UsageFigures const& figures, std::string_view unit);
-    void showMenu(UsageFigures const& figures, std::string_view unit);
-    void showWindowTitle();
-    std::string statusTitle(UsageFigures const& figures, std::string_view unit) const;
-    /// Formats a volume, or returns the text for "unlimited" without a cap.
-    std::string capped(double volume, UsageFigures const& figures, std::string_view unit) const;
-    void fadeLevel(double opacity);
-    void setLevelHidden(bool hidden);
+    void presentFailure();
+    UsageFigures currentFigures() const;
+    void followSelection();
 
     // Key management
     void showKeyStatus();
@@ -224,6 +214,7 @@ private:
     void storeKeyEntries(std::vector<std::string> const& entries);
 
     // Preferences
+    void followControls();
     void showCapReading();
     void showStartAtLogin();
     void fadeMessage(double opacity, platform::Seconds duration, platform::Task completion);
@@ -236,10 +227,6 @@ private:
 
     IntervalChoice intervalChoice() const;
     std::string text(std::string_view key) const;
-    /// The text with its "%@" replaced by an argument.
-    std::string text(std::string_view key, std::string_view argument) const;
-    /// A label and a value, separated by a space.
-    std::string labelled(std::string_view labelKey, std::string_view value) const;
     CacheData cacheData() const;
     ProviderAddresses addresses() const;
 
@@ -260,25 +247,10 @@ private:
     IntervalChoice indexOfSelectedItemUpdateInterval_ = 0;
     std::unique_ptr<platform::Timer> updateInterval_;
     std::unique_ptr<platform::Timer> fixErrorTimer_;
-    /// Set while the menu's dates do not reflect the refresh timer yet.
-    std::unique_ptr<platform::Timer> datesTimer_;
-    /// Runs while the usage window is open.
-    std::unique_ptr<platform::Timer> datesCheck_;
-    /// The last update shown in the menu, if any.
-    std::optional<platform::Date> shownLastUpdate_;
-    /// The values that the menu's dates were formatted from.
-    struct WrittenDates {
-        platform::Date lastUpdate;
-        std::optional<platform::Date> nextUpdate;
-        std::string dayMark;
-
-        bool operator==(WrittenDates const&) const = default;
-    };
-    std::optional<WrittenDates> writtenDates_;
+    UsageDisplay display_;
+    UpdateDates dates_;
     /// Set when a connection was picked from the submenu; useConnection() then stores no cap and closes nothing.
     bool usedMenuItemForSelection_ = false;
-    /// Whether the status item is waiting for a refresh.
-    bool waiting_ = false;
     bool animationRanAlready_ = false;
     bool touchBarAvailable_ = false;
     std::unique_ptr<DetailedUsageViewController> detailedUsageController_;

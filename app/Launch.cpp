@@ -19,7 +19,7 @@ void AppDelegate::applicationDidFinishLaunching()
 {
     updateMenuBarLoading();
     updateDarkAppearance();
-    outlets_.versionText.text.set(labelled("Version", platform_.bundle.shortVersion()));
+    outlets_.versionText.text.set(platform_.bundle.labelledString("Version", platform_.bundle.shortVersion()));
     usageDictionary_ = platform::Dictionary {};
     performStartupActions();
 }
@@ -33,6 +33,7 @@ void AppDelegate::performStartupActions()
     outlets_.tarvoUsageKeysComboBox.delegate = this;
     doUpdateUsageCapText();
     fileNotifications();
+    followControls();
     updateDesign();
     showStartAtLogin();
     if (!prefs_->contains(settings::menuBarSelector))

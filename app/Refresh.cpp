@@ -71,8 +71,8 @@ void AppDelegate::acceptCachedReport(Refresh const& refresh, platform::Dictionar
 void AppDelegate::acceptFetchedReport(Refresh const& refresh, platform::Dictionary report, platform::Date lastUpdate)
 {
     report.insert_or_assign(reportEntry::lastUpdate, lastUpdate);
-    if (updateInterval_ && updateInterval_->isValid())
-        report.insert_or_assign(reportEntry::nextUpdate, updateInterval_->fireDate());
+    if (auto const next = nextUpdate())
+        report.insert_or_assign(reportEntry::nextUpdate, *next);
     indexOfSelectedItemUpdateInterval_ = intervalChoice();
     report.insert_or_assign(reportEntry::updateInterval, indexOfSelectedItemUpdateInterval_);
 
@@ -106,31 +106,4 @@ void AppDelegate::didActivateNotification(platform::NotificationId id)
 {
     platform_.notificationCenter->removeDelivered(id);
     showUsageWindow();
-}
-
-void AppDelegate::updateTitleBar()
-{
-    platform_.runLoop.perform([this] {
-        if (usageDictionary_)
-            presentReport();
-        else
-            showError();
-        followSelection();
-    });
-}
-
-// A refresh keeps the key it was started with, so its outcome can arrive after the user has selected another connection
-// or removed the last one. It is presented, but must not stay on screen under another connection's name. The next
-// refresh uses the key that is current by then, so this ends when the user stops switching.
-void AppDelegate::followSelection()
-{
-    if (!reportKey_)
-        return;
-    if (getCurrentlySelectedKey()) {
-        if (*reportKey_ != selectedKey_)
-            updateUsageWithCache(true);
-        return;
-    }
-    updateMenuBarLoading();
-    showWindowTitle();
 }

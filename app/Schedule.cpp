@@ -1,20 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
-#include "platform/Calendar.h"
-#include "platform/DateFormatter.h"
 #include "platform/Platform.h"
 #include "storage/UsageReport.h"
-
-namespace {
-
-using namespace std::chrono_literals;
-
-// Formatting dates is slow, and the user should first see that the program is working. By then a cached report has also
-// arrived, so its dates are formatted only once.
-constexpr platform::Seconds timeToShowWork = 10ms;
-
-}
 
 bool AppDelegate::updateTimer(std::optional<platform::Date> withFireDate, std::int64_t orWithInterval)
 {
@@ -34,13 +22,13 @@ void AppDelegate::armUpdateInterval(std::optional<platform::Date> fireDate, plat
     if (plan)
         updateInterval_ = platform_.runLoop.repeat(plan->first, plan->period, [this] { updateUsageWithCacheTimer(); });
     noteLastUpdate();
-    datesTimer_ = platform_.runLoop.after(timeToShowWork, [this] { showDates(); });
+    dates_.showSoon();
 }
 
 void AppDelegate::updateTitleBarDates()
 {
     noteLastUpdate();
-    showDates();
+    dates_.show();
 }
 
 void AppDelegate::noteLastUpdate()
@@ -50,47 +38,15 @@ void AppDelegate::noteLastUpdate()
         if (auto const* const stored = platform::entry<platform::Date>(*usageDictionary_, reportEntry::lastUpdate))
             lastUpdate = *stored;
     }
-    shownLastUpdate_ = lastUpdate;
+    dates_.setLastUpdate(lastUpdate);
 }
 
-void AppDelegate::menuNeedsUpdate()
-{
-    if (shownLastUpdate_)
-        showDates();
-}
+void AppDelegate::menuNeedsUpdate() { dates_.refresh(); }
 
-// An open window shows the dates too, and the time zone may change. A quarter of an hour is enough, since in every time
-// zone the day begins on one.
-void AppDelegate::keepDatesRight(bool visible)
+std::optional<platform::Date> AppDelegate::nextUpdate() const
 {
-    datesCheck_.reset();
-    if (!visible)
-        return;
-    menuNeedsUpdate();
-    auto const quarter
-        = std::chrono::floor<std::chrono::duration<std::int64_t, std::ratio<900>>>(platform_.runLoop.now());
-    datesCheck_ = platform_.runLoop.repeat(quarter + 15min, 15min, [this] { menuNeedsUpdate(); });
-}
-
-// Formatting dates is slow, and must not delay opening a menu whose dates are still right.
-void AppDelegate::showDates()
-{
-    datesTimer_.reset();
-    bool const armed = updateInterval_ && updateInterval_->isValid();
-    auto const nextUpdate = armed ? std::optional(updateInterval_->fireDate()) : std::nullopt;
-    WrittenDates const dates { *shownLastUpdate_, nextUpdate, platform::dayMark(platform_.runLoop.now()) };
-    if (std::exchange(writtenDates_, dates) == dates)
-        return;
-    platform::DateFormatter const formatter(platform_.dateLocale);
-    tellDates(formatter.string(*shownLastUpdate_), nextUpdate ? formatter.string(*nextUpdate) : text("NO_NEXT_UPDATE"));
-}
-
-void AppDelegate::tellDates(std::string_view lastUpdate, std::string_view nextUpdate)
-{
-    outlets_.lastUpdateText.text.set(labelled("LAST_UPDATE", lastUpdate));
-    outlets_.nextUpdateText.text.set(labelled("NEXT_UPDATE", nextUpdate));
-    outlets_.lastUpdateMenuItem->title.set(outlets_.lastUpdateText.text.get());
-    outlets_.nextUpdateMenuItem->title.set(outlets_.nextUpdateText.text.get());
+    bool const isArmed = updateInterval_ && updateInterval_->isValid();
+    return isArmed ? std::optional(updateInterval_->fireDate()) : std::nullopt;
 }
 
 void AppDelegate::doChangeUpdateIntervalDropdown()
@@ -105,9 +61,7 @@ void AppDelegate::doFixError() { updateUsageWithCache(false); }
 
 void AppDelegate::receiveWakeNote()
 {
-    bool const overdue
-        = updateInterval_ && updateInterval_->isValid() && platform_.runLoop.now() > updateInterval_->fireDate();
-    if (overdue)
+    if (auto const next = nextUpdate(); next && platform_.runLoop.now() > *next)
         updateUsageWithCache(false);
 }
 
@@ -115,9 +69,8 @@ void AppDelegate::receiveClockNote()
 {
     // A small correction of the clock is ignored.
     constexpr platform::Seconds slack = std::chrono::minutes(1);
-    bool const putOff = updateInterval_ && updateInterval_->isValid()
-        && updateInterval_->fireDate() - platform_.runLoop.now() > periodOf(intervalChoice()) + slack;
-    if (!putOff)
+    auto const next = nextUpdate();
+    if (!next || *next - platform_.runLoop.now() <= periodOf(intervalChoice()) + slack)
         return;
     clearCache();
     updateUsageWithCache(false);

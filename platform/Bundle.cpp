@@ -68,6 +68,15 @@ std::optional<Color> parseColor(std::string_view text)
 
 }
 
+std::string withArgument(std::string text, std::string_view argument)
+{
+    for (std::string_view const place : { "%@", "%i" }) {
+        if (auto const position = text.find(place); position != std::string::npos)
+            return text.replace(position, place.size(), argument);
+    }
+    return text;
+}
+
 std::optional<Bundle> Bundle::open(std::filesystem::path const& folder, std::vector<std::string> const& languages)
 {
     auto info = readDictionary(folder / "Info.plist");
@@ -104,6 +113,16 @@ std::string Bundle::localizedString(std::string_view key) const
 {
     auto const* const text = entry<std::string>(strings_, key);
     return text ? *text : std::string(key);
+}
+
+std::string Bundle::localizedString(std::string_view key, std::string_view argument) const
+{
+    return withArgument(localizedString(key), argument);
+}
+
+std::string Bundle::labelledString(std::string_view labelKey, std::string_view value) const
+{
+    return localizedString(labelKey).append(" ").append(value);
 }
 
 std::string Bundle::localizedString(std::string_view key, int count) const

@@ -12,6 +12,9 @@
 
 namespace platform {
 
+/// Returns a text with an argument in place of its first "%@" or "%i", or the text itself if it has neither.
+std::string withArgument(std::string text, std::string_view argument);
+
 /// The program's own resources: its identity, texts and colours. They are read once and never change.
 class Bundle {
 public:
@@ -27,6 +30,12 @@ public:
 
     /// Returns the text of a localized-string key, or the key itself if it has no text.
     std::string localizedString(std::string_view key) const;
+
+    /// Returns the text of a key with an argument in place of its first "%@" or "%i".
+    std::string localizedString(std::string_view key, std::string_view argument) const;
+
+    /// Returns the text of a label's key, followed by a space and a value.
+    std::string labelledString(std::string_view labelKey, std::string_view value) const;
 
     /// Returns the text of a key for a count. The plural form that the language's rules give for the count is appended
     /// to the key ("_ONE", "_FEW", ...); without an entry for that form, the key's own text is used. Main thread only.

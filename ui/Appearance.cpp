@@ -20,18 +20,4 @@ void AppDelegate::fileNotifications()
     observations_.push_back(platform_.runLoop.observeClockChange([this] { receiveClockNote(); }));
     observations_.push_back(
         outlets_.window.effectiveAppearance.observeChanges([this](platform::Appearance) { updateDarkAppearance(); }));
-    observations_.push_back(outlets_.usageLimit.text.observe([this](std::string const&) { showCapReading(); }));
-    observations_.push_back(outlets_.usageID.text.observeChanges([this](std::string const&) { showKeyStatus(); }));
-    observations_.push_back(outlets_.tarvoUsageKeysComboBox.text.observe(
-        [this](std::string const& entry) { outlets_.removeKeyButton.enabled.set(!entry.empty()); }));
-    observations_.push_back(
-        usageStatusItem_.title.observe([this](std::string const& title) { outlets_.headline.text.set(title); }));
-    observations_.push_back(outlets_.statusBarDropdown.indexOfSelectedItem.observe([this](int index) {
-        auto const& choices = outlets_.statusBarDropdown.items.get();
-        bool const isChoice = index >= 0 && static_cast<std::size_t>(index) < choices.size();
-        outlets_.headlineCaption.text.set(isChoice ? choices[static_cast<std::size_t>(index)] : std::string());
-    }));
-    observations_.push_back(outlets_.monitorWindow.visible.observe([this](bool visible) { keepDatesRight(visible); }));
-    // Other programs can change it too.
-    observations_.push_back(outlets_.window.observeFrontRequests([this] { showStartAtLogin(); }));
 }

@@ -5,6 +5,7 @@
 #include "detail/DetailedUsageViewController.h"
 #include "platform/Application.h"
 #include "platform/BackgroundQueues.h"
+#include "platform/Bundle.h"
 #include "platform/Platform.h"
 #include "platform/UrlLoader.h"
 #include "platform/UserDefaults.h"
@@ -156,7 +157,8 @@ void AppDelegate::removeKeyButton()
         [this](std::string const&) { outlets_.window.endAlerts(text("REMOVE_KEY_CONFIRM_TITLE")); });
     outlets_.window.beginSheet(
         { .messageText = text("REMOVE_KEY_CONFIRM_TITLE"),
-            .informativeText = text("REMOVE_KEY_CONFIRM_INFORMATIVE_TEXT", getCurrentlySelectedKey().value_or("")),
+            .informativeText = platform_.bundle.localizedString(
+                "REMOVE_KEY_CONFIRM_INFORMATIVE_TEXT", getCurrentlySelectedKey().value_or("")),
             .buttons = { text("REMOVE_KEY_CONFIRM_REMOVE_BUTTON"), text("REMOVE_KEY_CONFIRM_DONT_REMOVE_BUTTON") },
             .isDestructive = true },
         [this](int returnCode) { doRemoveKeyAndAlert(returnCode); });
@@ -211,8 +213,8 @@ void AppDelegate::getUsageCode()
 {
     auto const page = addresses().helpPage();
     if (!platform_.workspace.open(page))
-        addKeyAlertWindow().beginSheet(
-            { .messageText = text("GET_KEY_FAILURE_TITLE"), .informativeText = text("GET_KEY_FAILURE_MESSAGE", page) });
+        addKeyAlertWindow().beginSheet({ .messageText = text("GET_KEY_FAILURE_TITLE"),
+            .informativeText = platform_.bundle.localizedString("GET_KEY_FAILURE_MESSAGE", page) });
 }
 
 // Does nothing, since updates come with the system's packages.

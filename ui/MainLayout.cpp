@@ -13,22 +13,14 @@ namespace {
 
 // In hours.
 constexpr int maximumInterval = 24;
-// The placeholder for a text's number.
-constexpr std::string_view numberPlace = "%i";
-
-std::string filled(std::string format, std::string const& number)
-{
-    std::size_t const place = format.find(numberPlace);
-    return place == std::string::npos ? format : format.replace(place, numberPlace.size(), number);
-}
-
 std::vector<std::string> intervalTitles(platform::Bundle const& bundle, std::string const& numberLocale)
 {
     std::vector<std::string> titles { bundle.localizedString("INTERVAL_NEVER"),
         bundle.localizedString("INTERVAL_HOUR") };
     platform::NumberFormatter const numbers(numberLocale);
     for (int hours = 2; hours <= maximumInterval; ++hours)
-        titles.push_back(filled(bundle.localizedString("INTERVAL_HOURS", hours), numbers.string(hours)));
+        titles.push_back(
+            platform::withArgument(bundle.localizedString("INTERVAL_HOURS", hours), numbers.string(hours)));
     return titles;
 }
 
@@ -52,7 +44,7 @@ MainLayout::MainLayout(Outlets& outlets, platform::Bundle const& bundle, platfor
     outlets.changeConnectionMenuItem->title.set(bundle.localizedString("CHANGE_CONNECTION"));
     for (auto const& [item, label] : { std::pair(outlets.usageCapMenuItem, "USAGE_CAP"),
              std::pair(outlets.remainingUsageMenuItem, "REMAINING_USAGE") })
-        item->title.set(bundle.localizedString(label) + " " + bundle.localizedString("SELECT_KEY"));
+        item->title.set(bundle.labelledString(label, bundle.localizedString("SELECT_KEY")));
     // These lines have nothing to show before the first report.
     for (auto const& item : { outlets.uploadedMenuItem, outlets.usageCapMenuItem, outlets.remainingUsageMenuItem,
              outlets.changeConnectionMenuItem })

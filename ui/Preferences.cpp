@@ -2,7 +2,7 @@
 // The controller's part in the preferences window.
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
-#include "app/UsageFigures.h"
+#include "platform/Bundle.h"
 #include "platform/LeadingNumber.h"
 #include "platform/LoginItem.h"
 #include "platform/Platform.h"
@@ -36,6 +36,16 @@ void AppDelegate::updateDesign()
         toggle->titleColor.set(white);
 }
 
+void AppDelegate::followControls()
+{
+    observations_.push_back(outlets_.usageLimit.text.observe([this](std::string const&) { showCapReading(); }));
+    observations_.push_back(outlets_.usageID.text.observeChanges([this](std::string const&) { showKeyStatus(); }));
+    observations_.push_back(outlets_.tarvoUsageKeysComboBox.text.observe(
+        [this](std::string const& entry) { outlets_.removeKeyButton.enabled.set(!entry.empty()); }));
+    // Other programs can change it, too.
+    observations_.push_back(outlets_.window.observeFrontRequests([this] { showStartAtLogin(); }));
+}
+
 void AppDelegate::doUpdateUsageCapText()
 {
     auto const entry = getCurrentlySelectedKey();
@@ -53,7 +63,7 @@ void AppDelegate::showCapReading()
     double const cap = platform::leadingNumber(typed);
     outlets_.usageLimitReading.text.set(cap == 0
             ? text("USAGE_CAP_READING_NONE")
-            : text("USAGE_CAP_READING", formattedUsageStringWithUsageValue(cap, "GB")));
+            : platform_.bundle.localizedString("USAGE_CAP_READING", formattedUsageStringWithUsageValue(cap, "GB")));
 }
 
 void AppDelegate::clearCache() { cacheData().clearCache(); }
@@ -111,11 +121,8 @@ void AppDelegate::changeOnlyKeyNicknames()
 
 void AppDelegate::changeStatusBarDropdown()
 {
-    if (waiting_ || !usageDictionary_)
-        return;
-    auto figures = UsageFigures::fromReport(*usageDictionary_, outlets_.usageLimit.text.get());
-    auto const unit = figures.scaleToDisplayUnit();
-    usageStatusItem_.title.set(statusTitle(figures, unit));
+    if (!display_.isWaiting() && usageDictionary_)
+        display_.showStatusTitle(currentFigures());
 }
 
 void AppDelegate::showStartAtLogin()

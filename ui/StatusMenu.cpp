@@ -3,6 +3,7 @@
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
 #include "platform/Application.h"
+#include "platform/Bundle.h"
 #include "platform/Platform.h"
 #include "platform/UserDefaults.h"
 #include "storage/KeyEntry.h"
@@ -10,17 +11,8 @@
 
 void AppDelegate::updateMenuBarLoading()
 {
-    waiting_ = true;
-    datesTimer_.reset();
-    shownLastUpdate_.reset();
-    writtenDates_.reset();
-    usageStatusItem_.title.set(text("PLEASE_WAIT"));
-    outlets_.refreshStatus.text.set(text(getCurrentlySelectedKey() ? "REFRESH_WAITING" : "NO_CONNECTION_YET"));
-    auto const placeholder = text("SELECT_KEY");
-    outlets_.downloadedMenuItem->title.set(labelled("DOWNLOADED_QUOTA", placeholder));
-    outlets_.freeDownloadedMenuItem->title.set(labelled("DOWNLOADED_GRACE", placeholder));
-    outlets_.totalUsageMenuItem->title.set(labelled("TOTAL_USAGE", placeholder));
-    tellDates(placeholder, placeholder);
+    display_.showWaiting(getCurrentlySelectedKey().has_value());
+    dates_.showPlaceholder();
 }
 
 void AppDelegate::clickMenuItem() { outlets_.window.makeKeyAndOrderFront(); }
@@ -48,7 +40,7 @@ void AppDelegate::doUpdateSubMenu()
         auto item = std::make_shared<platform::MenuItem>();
         item->title.set(onlyNicknames ? KeyEntry::parse(entry).nickname : entry);
         item->tag = static_cast<int>(items.size());
-        item->placeholder = text("UNNAMED_CONNECTION", std::to_string(items.size() + 1));
+        item->placeholder = platform_.bundle.localizedString("UNNAMED_CONNECTION", std::to_string(items.size() + 1));
         item->on.set(entry == selected);
         item->action = [this](platform::Sender sender) { doSelectSubMenuWithMenuItem(sender); };
         items.push_back(std::move(item));

@@ -275,7 +275,7 @@ void Binder::bindFigure(char const* outlet, platform::TextField& model)
     constexpr int maximumWidth = 24;
     bindLabel(outlet, model);
     auto& label = child<QLabel>(outlet);
-    auto const show = [&label, &model, spoken = label.accessibleName()](std::string const&) {
+    auto const show = [&label, &model, spoken = label.accessibleName().toStdString()](std::string const&) {
         auto const whole = toQt(model.text.get());
         auto const& metrics = label.fontMetrics();
         auto const shown = metrics.elidedText(whole, Qt::ElideRight, maximumWidth * metrics.averageCharWidth());
@@ -285,7 +285,7 @@ void Binder::bindFigure(char const* outlet, platform::TextField& model)
             toolTip.prepend(inLines(whole));
         label.setToolTip(toolTip.join(QLatin1Char('\n')).trimmed());
         // On screen, the surrounding table explains a figure; a screen reader needs its name.
-        label.setAccessibleName(filledIn(spoken, whole));
+        label.setAccessibleName(toQt(platform::withArgument(spoken, model.text.get())));
     };
     keep(model.text.observe(show));
     keep(model.toolTip.observeChanges(show));

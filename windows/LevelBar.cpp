@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "windows/LevelBar.h"
 
+#include "platform/Bundle.h"
 #include "windows/Text.h"
 
 #include <QAccessibleWidget>
@@ -118,7 +119,7 @@ int LevelBar::percentage() const
 
 QString LevelBar::description() const
 {
-    return filledIn(zone().description, QString::number(percentage()) + QLatin1Char('%'));
+    return toQt(platform::withArgument(zone().description.toStdString(), std::to_string(percentage()) + '%'));
 }
 
 LevelBar::Zone LevelBar::zone() const

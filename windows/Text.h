@@ -25,9 +25,6 @@ inline QString asLabel(QString text)
 }
 inline QString asLabel(std::string_view text) { return asLabel(toQt(text)); }
 
-/// Replaces "%@" in a pattern with a text.
-inline QString filledIn(QString pattern, QString const& text) { return pattern.replace(QLatin1String("%@"), text); }
-
 /// Breaks a text without spaces into lines that fit on a screen.
 inline QString inLines(QString text)
 {

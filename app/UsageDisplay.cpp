@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: MIT
+#include "app/UsageDisplay.h"
+
+#include "app/Outlets.h"
+#include "platform/Bundle.h"
+#include "platform/Platform.h"
+#include "platform/StatusItem.h"
+#include "storage/KeyEntry.h"
+
+#include <array>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr platform::Seconds fadeDuration = 500ms;
+constexpr std::string_view megabyte = "MB";
+constexpr std::string_view error = "Error";
+
+/// Where a figure is shown.
+struct FigurePlace {
+    double UsageFigures::* figure;
+    platform::TextField Outlets::* field;
+    /// The figure's line in the menu, if it has one, and the key of the line's label.
+    Outlets::MenuItem Outlets::* line = nullptr;
+    std::string_view label {};
+    /// Whether the figure exists only if there is a cap.
+    bool needsCap = false;
+};
+
+constexpr std::array places {
+    FigurePlace {
+        &UsageFigures::downloaded, &Outlets::downloadUsage, &Outlets::downloadedMenuItem, "DOWNLOADED_QUOTA" },
+    FigurePlace { &UsageFigures::uploaded, &Outlets::uploadUsage },
+    FigurePlace { &UsageFigures::usedTotal, &Outlets::totalUsage },
+    FigurePlace { &UsageFigures::graceDownloaded, &Outlets::downloadFreeUsage, &Outlets::freeDownloadedMenuItem,
+        "DOWNLOADED_GRACE" },
+    FigurePlace { &UsageFigures::graceUploaded, &Outlets::uploadFreeUsage },
+    FigurePlace { &UsageFigures::graceTotal, &Outlets::totalFreeUsage },
+    FigurePlace { &UsageFigures::overallTotal, &Outlets::finalTotalUsage, &Outlets::totalUsageMenuItem, "TOTAL_USAGE" },
+    FigurePlace { &UsageFigures::cap, &Outlets::usageCapText, &Outlets::usageCapMenuItem, "USAGE_CAP", true },
+    FigurePlace { &UsageFigures::remaining, &Outlets::usageRemainingText, &Outlets::remainingUsageMenuItem,
+        "REMAINING_USAGE", true },
+};
+
+}
+
+UsageDisplay::UsageDisplay(
+    platform::Platform& platform, Outlets& outlets, platform::StatusItem& statusItem, FormatVolume formatVolume)
+    : platform_(platform)
+    , outlets_(outlets)
+    , statusItem_(statusItem)
+    , formatVolume_(std::move(formatVolume))
+    , titleObservation_(
+          statusItem.title.observe([&outlets](std::string const& title) { outlets.headline.text.set(title); }))
+    , choiceObservation_(
+          outlets.statusBarDropdown.indexOfSelectedItem.observe([this](int choice) { showHeadlineCaption(choice); }))
+{
+}
+
+std::string UsageDisplay::text(std::string_view key) const { return platform_.bundle.localizedString(key); }
+
+void UsageDisplay::showHeadlineCaption(int choice)
+{
+    auto const& choices = outlets_.statusBarDropdown.items.get();
+    bool const isChoice = choice >= 0 && static_cast<std::size_t>(choice) < choices.size();
+    outlets_.headlineCaption.text.set(isChoice ? choices[static_cast<std::size_t>(choice)] : std::string());
+}
+
+void UsageDisplay::showWaiting(bool hasConnection)
+{
+    isWaiting_ = true;
+    statusItem_.title.set(text("PLEASE_WAIT"));
+    outlets_.refreshStatus.text.set(text(hasConnection ? "REFRESH_WAITING" : "NO_CONNECTION_YET"));
+    showVolumeLines(text("SELECT_KEY"));
+}
+
+void UsageDisplay::showFailure()
+{
+    isWaiting_ = false;
+    outlets_.refreshStatus.text.set(text("REFRESH_FAILED"));
+    auto const failure = text("FAILURE_SHORT_RESPONSE");
+    for (auto const& place : places)
+        (outlets_.*place.field).text.set(failure);
+    statusItem_.title.set(failure);
+    showVolumeLines(error);
+}
+
+void UsageDisplay::showFigures(UsageFigures figures)
+{
+    isWaiting_ = false;
+    outlets_.refreshStatus.text.set({});
+    showToolTips(figures);
+    showLevel(figures);
+    outlets_.setCapButton.hidden.set(figures.hasCap());
+    auto const unit = figures.scaleToDisplayUnit();
+    showFields(figures, unit);
+    showMenu(figures, unit);
+    statusItem_.title.set(statusTitle(figures, unit));
+}
+
+void UsageDisplay::showStatusTitle(UsageFigures figures)
+{
+    auto const unit = figures.scaleToDisplayUnit();
+    statusItem_.title.set(statusTitle(figures, unit));
+}
+
+void UsageDisplay::showConnection(std::optional<std::string> const& entry)
+{
+    auto title = text("TARVO_TITLE_NEW");
+    if (entry)
+        title.append(" - ").append(KeyEntry::parse(*entry).nickname);
+    outlets_.monitorWindow.title.set(std::move(title));
+}
+
+// The lines of the cap keep their last values while there is no report.
+void UsageDisplay::showVolumeLines(std::string_view value)
+{
+    for (auto const& place : places) {
+        if (place.line && !place.needsCap)
+            (outlets_.*place.line)->title.set(platform_.bundle.labelledString(place.label, value));
+    }
+}
+
+std::string UsageDisplay::capped(double volume, UsageFigures const& figures, std::string_view unit) const
+{
+    return figures.hasCap() ? formatVolume_(volume, unit) : formatVolume_(0.0, std::nullopt);
+}
+
+void UsageDisplay::showToolTips(UsageFigures const& figures)
+{
+    for (auto const& place : places) {
+        double const volume = figures.*place.figure;
+        (outlets_.*place.field)
+            .toolTip.set(place.needsCap ? capped(volume, figures, megabyte) : formatVolume_(volume, megabyte));
+    }
+}
+
+void UsageDisplay::showFields(UsageFigures const& figures, std::string_view unit)
+{
+    for (auto const& place : places) {
+        bool const isEndless = place.needsCap && !figures.hasCap();
+        (outlets_.*place.field)
+            .text.set(isEndless ? formatVolume_(-1.0, std::nullopt) : formatVolume_(figures.*place.figure, unit));
+    }
+}
+
+void UsageDisplay::showMenu(UsageFigures const& figures, std::string_view unit)
+{
+    for (auto const& place : places) {
+        if (!place.line)
+            continue;
+        double const volume = figures.*place.figure;
+        auto const value = place.needsCap ? capped(volume, figures, unit) : formatVolume_(volume, unit);
+        (outlets_.*place.line)->title.set(platform_.bundle.labelledString(place.label, value));
+    }
+    outlets_.usageCapMenuItem->hidden.set(!outlets_.usageCapToggle.on.get());
+    outlets_.remainingUsageMenuItem->hidden.set(!outlets_.remainingUsageToggle.on.get());
+    outlets_.lastUpdateMenuItem->hidden.set(!outlets_.lastUpdateToggle.on.get());
+    outlets_.nextUpdateMenuItem->hidden.set(!outlets_.nextUpdateToggle.on.get());
+}
+
+std::string UsageDisplay::statusTitle(UsageFigures const& figures, std::string_view unit) const
+{
+    switch (outlets_.statusBarDropdown.indexOfSelectedItem.get()) {
+    case 0:
+        return formatVolume_(figures.usedTotal, unit);
+    case 1:
+        return formatVolume_(figures.graceTotal, unit);
+    case 2:
+        return formatVolume_(figures.overallTotal, unit);
+    case 3:
+        return capped(figures.remaining, figures, unit);
+    default:
+        return std::string(error);
+    }
+}
+
+void UsageDisplay::showLevel(UsageFigures const& figures)
+{
+    double const opacity = outlets_.usageBar.opacity.at(platform_.runLoop.uptime());
+    if (!figures.hasCap()) {
+        if (opacity != 0.0)
+            fadeLevel(0.0);
+        return;
+    }
+
+    outlets_.usageBar.maxValue.set(figures.cap);
+    outlets_.usageBar.doubleValue.set(figures.usedTotal);
+    outlets_.usageBar.warningValue.set(0.7 * figures.cap);
+    outlets_.usageBar.criticalValue.set(0.85 * figures.cap);
+    outlets_.usageCapPercentageText.text.set(formatVolume_(figures.percentage(), "%"));
+    if (opacity == 1.0)
+        return;
+    outlets_.usageBar.opacity.set(0.0);
+    outlets_.usageCapPercentageText.opacity.set(0.0);
+    setLevelHidden(false);
+    fadeLevel(1.0);
+}
+
+void UsageDisplay::fadeLevel(double opacity)
+{
+    platform::animate(platform_.runLoop, { &outlets_.usageBar.opacity, &outlets_.usageCapPercentageText.opacity },
+        opacity, fadeDuration, [this, hidden = opacity == 0.0] { setLevelHidden(hidden); });
+}
+
+void UsageDisplay::setLevelHidden(bool hidden)
+{
+    outlets_.usageBar.hidden.set(hidden);
+    outlets_.usageCapPercentageText.hidden.set(hidden);
+}
