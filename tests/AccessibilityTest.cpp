@@ -89,7 +89,7 @@ TEST_F(AccessibilityTest, EveryWindowSaysWhatItShowsAndHowToReachIt)
             "label: Status area shows:", "combo box: All traffic", "label: Show in the menu:", "check box: Usage cap",
             "check box: Remaining", "check box: Last update", "check box: Next update",
             "check box: Show nicknames only", "label: Program:", "check box: Start at login",
-            "push button: Delete Saved Reports", "label: Version 1.0.0" }));
+            "push button: Delete Saved Reports", "label: Version 1.1.0" }));
     expectKeys(preferences);
 
     tree_.act(find(preferences, "Remove…"));
