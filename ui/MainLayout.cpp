@@ -38,48 +38,61 @@ MainLayout::MainLayout(Outlets& outlets, platform::Bundle const& bundle, platfor
     : outlets_(outlets)
     , bundle_(bundle)
 {
-    outlets.window.title.set(bundle.localizedString("PREFERENCES_TITLE"));
-    outlets.addKeyWindow.title.set(bundle.localizedString("ADD_KEY_TITLE"));
-    outlets.monitorWindow.title.set(bundle.localizedString("TARVO_TITLE_NEW"));
-    outlets.changeConnectionMenuItem->title.set(bundle.localizedString("CHANGE_CONNECTION"));
-    for (auto const& [item, label] : { std::pair(outlets.usageCapMenuItem, "USAGE_CAP"),
-             std::pair(outlets.remainingUsageMenuItem, "REMAINING_USAGE") })
-        item->title.set(bundle.labelledString(label, bundle.localizedString("SELECT_KEY")));
+    showInitialState();
+    fillChoices(numberLocale);
+    bindSettings(userDefaults);
+}
+
+void MainLayout::showInitialState()
+{
+    outlets_.window.title.set(bundle_.localizedString("PREFERENCES_TITLE"));
+    outlets_.addKeyWindow.title.set(bundle_.localizedString("ADD_KEY_TITLE"));
+    outlets_.monitorWindow.title.set(bundle_.localizedString("TARVO_TITLE_NEW"));
+    outlets_.changeConnectionMenuItem->title.set(bundle_.localizedString("CHANGE_CONNECTION"));
+    for (auto const& [item, label] : { std::pair(outlets_.usageCapMenuItem, "USAGE_CAP"),
+             std::pair(outlets_.remainingUsageMenuItem, "REMAINING_USAGE") })
+        item->title.set(bundle_.labelledString(label, bundle_.localizedString("SELECT_KEY")));
     // These lines have nothing to show before the first report.
-    for (auto const& item : { outlets.uploadedMenuItem, outlets.usageCapMenuItem, outlets.remainingUsageMenuItem,
-             outlets.changeConnectionMenuItem })
+    for (auto const& item : { outlets_.uploadedMenuItem, outlets_.usageCapMenuItem, outlets_.remainingUsageMenuItem,
+             outlets_.changeConnectionMenuItem })
         item->hidden.set(true);
-    for (auto* const toggle : { &outlets.usageCapToggle, &outlets.remainingUsageToggle, &outlets.lastUpdateToggle,
-             &outlets.nextUpdateToggle })
+    for (auto* const toggle : { &outlets_.usageCapToggle, &outlets_.remainingUsageToggle, &outlets_.lastUpdateToggle,
+             &outlets_.nextUpdateToggle })
         toggle->on.set(true);
-    outlets.usageBar.hidden.set(true);
-    outlets.usageBar.opacity.set(0.0);
-    outlets.usageCapPercentageText.hidden.set(true);
-    outlets.usageCapPercentageText.opacity.set(0.0);
-    outlets.cacheClearedText.text.set(bundle.localizedString("CACHE_CLEARED"));
-    outlets.cacheClearedText.hidden.set(true);
-    outlets.setCapButton.hidden.set(true);
-    outlets.detailedUsageButton.tag = detailedUsageButtonTag;
+    outlets_.usageBar.hidden.set(true);
+    outlets_.usageBar.opacity.set(0.0);
+    outlets_.usageCapPercentageText.hidden.set(true);
+    outlets_.usageCapPercentageText.opacity.set(0.0);
+    outlets_.cacheClearedText.text.set(bundle_.localizedString("CACHE_CLEARED"));
+    outlets_.cacheClearedText.hidden.set(true);
+    outlets_.setCapButton.hidden.set(true);
+    outlets_.detailedUsageButton.tag = detailedUsageButtonTag;
+}
 
-    outlets.updateIntervalPopupButton.items.set(intervalTitles(bundle, numberLocale));
-    outlets.statusBarDropdown.items.set({ bundle.localizedString("TITLE_USED"), bundle.localizedString("TITLE_FREE"),
-        bundle.localizedString("TITLE_TOTAL"), bundle.localizedString("TITLE_REMAINING") });
+void MainLayout::fillChoices(std::string const& numberLocale)
+{
+    outlets_.updateIntervalPopupButton.items.set(intervalTitles(bundle_, numberLocale));
+    outlets_.statusBarDropdown.items.set({ bundle_.localizedString("TITLE_USED"), bundle_.localizedString("TITLE_FREE"),
+        bundle_.localizedString("TITLE_TOTAL"), bundle_.localizedString("TITLE_REMAINING") });
+}
 
+void MainLayout::bindSettings(platform::UserDefaults& userDefaults)
+{
     auto const keep = [&](char const* key, auto& control) {
         bindings_.push_back(platform::bindToSetting(userDefaults, key, control));
     };
-    keep(settings::tarvoKeySelected, outlets.tarvoUsageKeysComboBox);
-    keep(settings::menuBarSelector, outlets.statusBarDropdown);
-    keep(settings::hourUpdateInterval, outlets.updateIntervalPopupButton);
-    keep(settings::showNotificationsMenu, outlets.showNotificationsToggle);
-    keep(settings::showUsageCap, outlets.usageCapToggle);
-    keep(settings::showRemainingUsage, outlets.remainingUsageToggle);
-    keep(settings::showLastUpdate, outlets.lastUpdateToggle);
-    keep(settings::showNextUpdate, outlets.nextUpdateToggle);
-    keep(settings::showOnlyNicknames, outlets.onlyKeyNicknamesToggle);
-    keep(settings::preferencesWindowPlace, outlets.window);
-    keep(settings::usageWindowPlace, outlets.monitorWindow);
-    keep(settings::dailyUsageWindowPlace, outlets.detailedUsage.window);
+    keep(settings::tarvoKeySelected, outlets_.tarvoUsageKeysComboBox);
+    keep(settings::menuBarSelector, outlets_.statusBarDropdown);
+    keep(settings::hourUpdateInterval, outlets_.updateIntervalPopupButton);
+    keep(settings::showNotificationsMenu, outlets_.showNotificationsToggle);
+    keep(settings::showUsageCap, outlets_.usageCapToggle);
+    keep(settings::showRemainingUsage, outlets_.remainingUsageToggle);
+    keep(settings::showLastUpdate, outlets_.lastUpdateToggle);
+    keep(settings::showNextUpdate, outlets_.nextUpdateToggle);
+    keep(settings::showOnlyNicknames, outlets_.onlyKeyNicknamesToggle);
+    keep(settings::preferencesWindowPlace, outlets_.window);
+    keep(settings::usageWindowPlace, outlets_.monitorWindow);
+    keep(settings::dailyUsageWindowPlace, outlets_.detailedUsage.window);
 }
 
 void MainLayout::wire(AppDelegate& controller)

@@ -24,6 +24,9 @@ public:
     void wire(AppDelegate& controller);
 
 private:
+    void showInitialState();
+    void fillChoices(std::string const& numberLocale);
+    void bindSettings(platform::UserDefaults& userDefaults);
     void fillMenu(AppDelegate& controller);
 
     Outlets& outlets_;

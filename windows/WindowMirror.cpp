@@ -3,18 +3,17 @@
 
 #include "desktop/ActivationToken.h"
 #include "platform/Bundle.h"
+#include "windows/AlertBox.h"
 #include "windows/Mnemonics.h"
 #include "windows/Text.h"
 
 #include <QApplication>
 #include <QDialog>
 #include <QIcon>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
-#include <QMessageBox>
-#include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
 #include <QStyle>
@@ -24,24 +23,6 @@
 #include <algorithm>
 
 namespace {
-
-constexpr char const* returnCodeProperty = "returnCode";
-constexpr char const* dismissedProperty = "dismissed";
-// In pixels. However long an alert's text is, its buttons stay on the screen.
-constexpr int maximumDetailsHeight = 240;
-
-QMessageBox::Icon icon(platform::Alert::Style style)
-{
-    switch (style) {
-    case platform::Alert::Style::Informational:
-        return QMessageBox::Information;
-    case platform::Alert::Style::Critical:
-        return QMessageBox::Critical;
-    case platform::Alert::Style::Warning:
-        break;
-    }
-    return QMessageBox::Warning;
-}
 
 // Allows for a title bar and borders, whose size is unknown before the window is shown.
 constexpr QSize roomForFrame { 16, 48 };
@@ -57,13 +38,6 @@ private:
 };
 
 bool isOnWayland() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
-
-bool isDismissal(QEvent* event)
-{
-    bool const isEscape
-        = event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel);
-    return isEscape || event->type() == QEvent::Close;
-}
 
 }
 
@@ -281,9 +255,6 @@ bool WindowMirror::eventFilter(QObject* watched, QEvent* event)
         growToFit();
     if (event->type() == QEvent::WindowStateChange && watched == widget_.get())
         model_.fullScreen.set(widget_->isFullScreen());
-    // The order matters: a sheet that is being destroyed still receives events, but is no longer a QMessageBox.
-    if (isDismissal(event) && watched == sheet_)
-        sheet_->setProperty(dismissedProperty, true);
     return QObject::eventFilter(watched, event);
 }
 
@@ -297,41 +268,8 @@ void WindowMirror::showAlert()
     if (!attached || !model_.visible.get())
         return;
 
-    auto const alert = *attached;
-    sheet_ = new QMessageBox(widget_.get());
-    sheet_->setWindowModality(Qt::WindowModal);
-    sheet_->setIcon(icon(alert->style));
-    sheet_->setText(toQt(alert->messageText));
-    sheet_->setAccessibleName(sheet_->text());
-    sheet_->setInformativeText(toQt(alert->informativeText));
-    // The box's own text format does not apply to its informative text.
-    for (auto* const label : sheet_->findChildren<QLabel*>())
-        label->setTextFormat(Qt::PlainText);
-    if (auto* const details = sheet_->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel")))
-        details->setMaximumHeight(maximumDetailsHeight);
-    auto titles = alert->buttons;
-    if (titles.empty())
-        titles.push_back(bundle_.localizedString("OK"));
-    int returnCode = platform::Alert::firstButtonReturn;
-    for (auto const& title : titles) {
-        bool const isFirst = returnCode == platform::Alert::firstButtonReturn;
-        bool const isDefault = alert->isDestructive ? &title == &titles.back() : isFirst;
-        auto* const button
-            = sheet_->addButton(asLabel(title), isFirst ? QMessageBox::AcceptRole : QMessageBox::RejectRole);
-        button->setProperty(returnCodeProperty, returnCode++);
-        if (isDefault)
-            sheet_->setDefaultButton(button);
-        sheet_->setEscapeButton(button);
-    }
-    QObject::connect(sheet_, &QMessageBox::finished, this, [this, sheet = sheet_] {
-        auto const* const clicked = sheet->clickedButton();
-        // If there is only one button, the toolkit treats Escape as pressing it.
-        bool const dismissed
-            = !clicked || (sheet->buttons().size() == 1 && sheet->property(dismissedProperty).toBool());
-        model_.userAnswered(
-            dismissed ? platform::Alert::dismissedReturn : clicked->property(returnCodeProperty).toInt());
-    });
-    assignMnemonics(*sheet_);
-    sheet_->installEventFilter(this);
+    sheet_ = new AlertBox(**attached, bundle_.localizedString("OK"), *widget_);
+    QObject::connect(
+        sheet_, &QMessageBox::finished, this, [this, sheet = sheet_] { model_.userAnswered(sheet->returnCode()); });
     sheet_->open();
 }

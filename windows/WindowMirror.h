@@ -10,8 +10,8 @@
 #include <functional>
 #include <memory>
 
+class AlertBox;
 class QDialog;
-class QMessageBox;
 
 /// Shows a window's model as a real window. Its widgets are built when it is first shown.
 class WindowMirror final : public QObject {
@@ -58,7 +58,7 @@ private:
     WindowMirror* parent_;
     std::unique_ptr<QDialog> widget_;
     std::unique_ptr<Binder> binder_;
-    QPointer<QMessageBox> sheet_;
+    QPointer<AlertBox> sheet_;
     /// True until the end of the main-loop turn in which the window was shown.
     bool isNew_ = false;
     bool isBeingShownAnew_ = false;
