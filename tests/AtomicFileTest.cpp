@@ -2,80 +2,87 @@
 #include "platform/AtomicFile.h"
 
 #include "platform/Descriptor.h"
-#include "tests/support/FullDisk.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
 #include <sys/file.h>
+#include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
-#include <vector>
 
 namespace fs = std::filesystem;
 using platform::readFile;
 using platform::writeFileAtomically;
 
-namespace {
-
-class AtomicFileTest : public testing::Test {
-protected:
+struct AtomicFileTest : testing::Test {
     auto entries() const { return std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()); }
+    static fs::perms rightsIn(fs::path const& place) { return fs::status(place).permissions(); }
+
+    static pid_t startProcess(std::function<void()> const& task)
+    {
+        pid_t const process = ::fork();
+        if (process == 0) {
+            task();
+            ::_exit(HasFailure() ? 1 : 0);
+        }
+        return process;
+    }
 
     TemporaryFolder folder;
-    fs::path file = folder.path() / "key";
+    fs::path const file = folder.path() / "key";
+    fs::path const unfinished = folder.path() / platform::unfinishedFileName;
 };
 
-}
-
-TEST_F(AtomicFileTest, FilesAndFoldersAreTheirOwnersAlone)
+TEST_F(AtomicFileTest, WhatIsMadeIsItsOwnersAlone)
 {
     std::ofstream(file) << "old and longer";
     fs::permissions(file, fs::perms::all);
     EXPECT_TRUE(writeFileAtomically(file, "new"));
     EXPECT_EQ(readFile(file), "new");
-    EXPECT_EQ(fs::status(file).permissions(), fs::perms(0600));
+    EXPECT_EQ(rightsIn(file), fs::perms(0600));
 
     fs::path const made = folder.path() / "a" / "b", link = folder.path() / "link";
     EXPECT_TRUE(platform::makeFolder(made));
-    for (fs::path const& place : { made.parent_path(), made })
-        EXPECT_EQ(fs::status(place).permissions(), fs::perms(0700));
+    EXPECT_EQ(rightsIn(made.parent_path()) | rightsIn(made), fs::perms(0700));
     fs::permissions(made, fs::perms(0755));
     fs::create_directory_symlink(made, link);
     EXPECT_TRUE(platform::makePrivateFolder(link) && platform::makeFolder(made));
-    EXPECT_EQ(fs::status(made).permissions(), fs::perms(0755)) << "neither through a link nor by itself";
+    EXPECT_EQ(rightsIn(made), fs::perms(0755)) << "neither through a link nor by itself";
     EXPECT_TRUE(platform::makePrivateFolder(made));
-    EXPECT_EQ(fs::status(made).permissions(), fs::perms(0700));
+    EXPECT_EQ(rightsIn(made), fs::perms(0700));
 }
 
 TEST_F(AtomicFileTest, AFailedSaveKeepsTheOldFileAndLeavesNothingBehind)
 {
-    ASSERT_TRUE(writeFileAtomically(file, "old"));
-    withFullDisk([&] { EXPECT_FALSE(writeFileAtomically(file, std::string(1000, 'n'))); });
-    EXPECT_FALSE(writeFileAtomically(file, std::string(platform::maximumFileSize + 1, 'n'))) << "nobody would read it";
-    EXPECT_EQ(readFile(file), "old");
-    fs::create_directories(folder.path() / "taken" / ".unfinished");
-    for (fs::path const& place :
-        { folder.path() / "taken", folder.path() / "taken" / "key", folder.path() / "missing" / "key", file / "key" })
-        EXPECT_FALSE(writeFileAtomically(place, "new")) << place;
+    std::string const largest(platform::maximumFileSize, 'o');
+    ASSERT_TRUE(writeFileAtomically(file, largest));
+    // For root too, a write fails as on a full disk.
+    std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(std::system("prlimit --fsize=16: --pid $PPID"), 0);
+    EXPECT_FALSE(writeFileAtomically(file, largest));
+    ASSERT_EQ(std::system("prlimit --fsize=unlimited: --pid $PPID"), 0);
+    EXPECT_FALSE(writeFileAtomically(file, largest + 'n')) << "nobody would read it";
+    EXPECT_TRUE(readFile(file) == largest);
+    fs::create_directories(folder.path() / "taken" / platform::unfinishedFileName);
+    for (char const* const place : { "taken", "taken/key", "missing/key", "key/key" })
+        EXPECT_FALSE(writeFileAtomically(folder.path() / place, "new")) << place;
     EXPECT_EQ(entries(), 2);
 }
 
 TEST_F(AtomicFileTest, OnlyAnotherProcessesSaveHoldsUpASaveAndNotForLong)
 {
     // Others may lock a folder or a file that they can open, but not an unfinished file.
-    for (auto const& [name, mode] : { std::pair("", 0755), { ".unfinished", 0644 }, { ".unfinished", 0600 } }) {
-        std::ofstream(folder.path() / ".unfinished") << "unfinished";
-        fs::permissions(folder.path() / name, fs::perms(mode));
-        platform::Descriptor const other(::open((folder.path() / name).c_str(), O_RDONLY | O_CLOEXEC));
+    for (auto const& [place, mode] : { std::pair(folder.path(), 0755), { unfinished, 0644 }, { unfinished, 0600 } }) {
+        std::ofstream(unfinished) << "unfinished";
+        fs::permissions(place, fs::perms(mode));
+        platform::Descriptor const other(::open(place.c_str(), O_RDONLY | O_CLOEXEC));
         ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
         auto const start = std::chrono::steady_clock::now();
-        EXPECT_EQ(writeFileAtomically(file, name), mode != 0600);
+        EXPECT_EQ(writeFileAtomically(file, "new"), mode != 0600) << place << mode;
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
     }
     EXPECT_TRUE(writeFileAtomically(file, "new"));
@@ -83,43 +90,29 @@ TEST_F(AtomicFileTest, OnlyAnotherProcessesSaveHoldsUpASaveAndNotForLong)
 
 TEST_F(AtomicFileTest, AProcessThatIsBeingStartedHoldsUpNoSave)
 {
-    std::vector<pid_t> children;
-    std::jthread starting([&children] {
-        while (children.size() < 50) {
-            children.push_back(::fork());
-            if (children.back() == 0) {
-                ::alarm(30);
-                ::pause();
-            }
-        }
+    std::vector<pid_t> started;
+    std::jthread starting([&started] {
+        while (started.size() < 50)
+            started.push_back(startProcess([] { ::alarm(30), ::pause(); }));
     });
     for (int i = 0; i < 300 && !HasFailure(); ++i)
         EXPECT_TRUE(writeFileAtomically(file, "new"));
     starting.join();
-    for (pid_t const child : children) {
-        ::kill(child, SIGKILL);
-        ::waitpid(child, nullptr, 0);
-    }
+    for (pid_t const process : started)
+        ::kill(process, SIGKILL), ::waitpid(process, nullptr, 0);
 }
 
 TEST_F(AtomicFileTest, TwoProcessesThatSaveAtOnceNeitherFailNorMixTheirFiles)
 {
     auto const startSaving = [this](char letter) {
-        pid_t const child = ::fork();
-        if (child == 0) {
-            for (int i = 0; i < 300; ++i) {
-                if (!writeFileAtomically(file, std::string(5000, letter)))
-                    ::_exit(1);
-            }
-            ::_exit(0);
-        }
-        return child;
+        return startProcess([this, letter] {
+            for (int i = 0; i < 300 && !HasFailure(); ++i)
+                EXPECT_TRUE(writeFileAtomically(file, std::string(5000, letter)));
+        });
     };
     ASSERT_TRUE(writeFileAtomically(file, std::string(5000, 'x')));
-    std::vector const children { startSaving('a'), startSaving('b') };
-    for (pid_t const child : children) {
-        int status = 0;
-        while (::waitpid(child, &status, WNOHANG) == 0) {
+    for (int status = 0; pid_t const process : { startSaving('a'), startSaving('b') }) {
+        while (::waitpid(process, &status, WNOHANG) == 0) {
             auto const content = readFile(file).value_or("");
             ASSERT_TRUE(content.size() == 5000 && content.find_first_not_of(content.front()) == std::string::npos);
         }
@@ -128,13 +121,41 @@ TEST_F(AtomicFileTest, TwoProcessesThatSaveAtOnceNeitherFailNorMixTheirFiles)
     EXPECT_EQ(entries(), 1);
 }
 
+// USAGE_METER_ROUNDS says how often, 200 times without it.
+TEST_F(AtomicFileTest, ASaveThatIsKilledLeavesTheOldFileOrTheNewOne)
+{
+    char const* const wanted = std::getenv("USAGE_METER_ROUNDS");
+    auto const contentOf = [](int number) { return std::string(number * 7919 % 100'000, 'x'); };
+    ASSERT_TRUE(writeFileAtomically(file, ""));
+    int number = 0, kills = 0, stop = 1;
+    while (kills < (wanted ? std::atoi(wanted) : 200)) {
+        pid_t const process = startProcess([&] {
+            ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+            std::raise(SIGSTOP);
+            writeFileAtomically(file, contentOf(number + 1));
+        });
+        // A system call is a stop before it, and another after it.
+        int status = 0;
+        for (int stops = 1; ::waitpid(process, &status, 0), WIFSTOPPED(status); ++stops)
+            stops < stop ? ::ptrace(PTRACE_SYSCALL, process, nullptr, nullptr) : ::kill(process, SIGKILL);
+        kills += WIFSIGNALED(status);
+        stop = WIFSIGNALED(status) ? stop + 1 : 1;
+        auto const stored = readFile(file);
+        ASSERT_TRUE(stored == contentOf(number) || stored == contentOf(number + 1)) << kills;
+        number += stored == contentOf(number + 1);
+        ASSERT_EQ(entries(), 1 + fs::exists(unfinished));
+    }
+    EXPECT_GT(number, 0);
+    EXPECT_TRUE(writeFileAtomically(file, "new"));
+    EXPECT_EQ(entries(), 1);
+}
+
 TEST_F(AtomicFileTest, ALinkPlantedForTheUnfinishedFileIsNotFollowed)
 {
     fs::path const victim = folder.path() / "victim";
     std::ofstream(victim) << "precious";
     for (bool const hard : { false, true }) {
-        fs::path const planted = folder.path() / ".unfinished";
-        hard ? fs::create_hard_link(victim, planted) : fs::create_symlink(victim, planted);
+        hard ? fs::create_hard_link(victim, unfinished) : fs::create_symlink(victim, unfinished);
         EXPECT_TRUE(writeFileAtomically(file, "new"));
         EXPECT_EQ(readFile(victim), "precious");
         EXPECT_EQ(entries(), 2);

@@ -6,24 +6,22 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+namespace fs = std::filesystem;
 
 struct AutostartEntryTest : testing::Test {
-    static void write(std::filesystem::path const& file, std::string const& lines)
+    static void write(fs::path const& file, std::string const& lines)
     {
-        std::filesystem::create_directories(file.parent_path());
+        fs::create_directories(file.parent_path());
         ASSERT_TRUE(platform::writeFileAtomically(file, "[Desktop Entry]\n" + lines));
     }
 
     TemporaryFolder folder_;
-    std::filesystem::path const user_ = folder_.path() / "user" / "org.example.Meter.desktop";
-    std::filesystem::path const system_ = folder_.path() / "system" / "org.example.Meter.desktop";
-    std::filesystem::path const program_ = folder_.path() / "a $100% \"meter\"";
+    fs::path const user_ = folder_.path() / "user" / "org.example.Meter.desktop";
+    fs::path const system_ = folder_.path() / "system" / "org.example.Meter.desktop";
+    fs::path const program_ = folder_.path() / "a $100% \"meter\"";
     AutostartEntry entry_ { { "org.example.Meter", "Meter", program_ }, user_.parent_path(),
         { folder_.path() / "none", system_.parent_path() } };
 };
-
-}
 
 TEST_F(AutostartEntryTest, IsWhatStandsOnDiskTheUsersBeforeTheSystems)
 {
@@ -38,10 +36,9 @@ TEST_F(AutostartEntryTest, IsWhatStandsOnDiskTheUsersBeforeTheSystems)
     }
 }
 
-TEST_F(AutostartEntryTest, IsMadeForThisVeryProgramAndGoesWithoutATraceOrHidesTheSystems)
+TEST_F(AutostartEntryTest, StartsThisVeryProgramAndGoesWithoutATrace)
 {
-    write(program_, "");
-    std::filesystem::permissions(program_, std::filesystem::perms::owner_all);
+    fs::rename(folder_.script("true"), program_);
     EXPECT_TRUE(entry_.setEnabled(true));
     EXPECT_TRUE(entry_.isEnabled());
     auto const folder = folder_.path().string();
@@ -49,14 +46,18 @@ TEST_F(AutostartEntryTest, IsMadeForThisVeryProgramAndGoesWithoutATraceOrHidesTh
         "[Desktop Entry]\nType=Application\nName=Meter\nIcon=org.example.Meter\nTryExec=" + folder
             + "/a $100% \"meter\"\nExec=\"" + folder + R"(/a \\$100%% \\"meter\\"")" + "\n");
     EXPECT_TRUE(entry_.setEnabled(false));
-    EXPECT_TRUE(std::filesystem::is_empty(user_.parent_path()));
-
-    write(system_, "Exec=usage-meter\n");
-    std::filesystem::permissions(user_.parent_path(), std::filesystem::perms(0755));
-    EXPECT_TRUE(entry_.setEnabled(false));
-    EXPECT_FALSE(entry_.isEnabled());
-    EXPECT_EQ(std::filesystem::status(user_.parent_path()).permissions(), std::filesystem::perms(0755)) << "not ours";
-    std::filesystem::remove_all(user_.parent_path());
+    EXPECT_TRUE(fs::is_empty(user_.parent_path()));
+    fs::remove(user_.parent_path());
     write(user_.parent_path(), "a file where the folder should be");
     EXPECT_FALSE(entry_.setEnabled(true));
+}
+
+TEST_F(AutostartEntryTest, HidesTheSystemsFromItsUserInAFolderThatStaysAsItIs)
+{
+    write(system_, "Exec=usage-meter\n");
+    fs::create_directory(user_.parent_path());
+    fs::permissions(user_.parent_path(), fs::perms(0755));
+    EXPECT_TRUE(entry_.setEnabled(false));
+    EXPECT_FALSE(entry_.isEnabled());
+    EXPECT_EQ(fs::status(user_.parent_path()).permissions(), fs::perms(0755));
 }

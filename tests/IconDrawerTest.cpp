@@ -10,8 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 using namespace std::chrono_literals;
 using Pictures = std::vector<StatusPixmap>;
 using Answers = std::vector<std::pair<std::string, Pictures>>;
@@ -23,17 +21,11 @@ struct IconDrawerTest : testing::Test {
         QCoreApplication::processEvents();
     }
 
-    IconDrawer drawerOf(std::string const& script, std::chrono::milliseconds limit)
-    {
-        auto const file = folder.path() / "helper";
-        std::ofstream(file) << "#!/bin/sh\n" << script << '\n';
-        std::filesystem::permissions(file, std::filesystem::perms::owner_all);
-        return { file, loop, queues, limit };
-    }
-
     /// What is answered to each title that is answered, when all are asked for in one turn.
-    Answers answers(IconDrawer&& drawer, std::vector<std::string> const& titles, StatusLook look = StatusLook::Icon)
+    Answers answers(
+        std::filesystem::path const& helper, std::vector<std::string> const& titles, StatusLook look = StatusLook::Icon)
     {
+        IconDrawer drawer(helper, loop, queues, 60s);
         Answers all;
         for (auto const& title : titles)
             drawer.draw(title, look, [&all, title](Pictures const& each) { all.emplace_back(title, each); });
@@ -51,21 +43,22 @@ TEST_F(IconDrawerTest, TheHelperDrawsWhatTheProgramWouldDrawAndOnlyTheLatestOfWh
 {
     for (auto const look : { StatusLook::Icon, StatusLook::WideIcon, StatusLook::Label }) {
         Answers const expected { { "5 é", statusPixmaps("5 é", look) }, { "漢\n", statusPixmaps("漢\n", look) } };
-        EXPECT_TRUE(answers({ USAGE_METER_DRAW, loop, queues }, { "5 é", "1", "2", "漢\n" }, look) == expected);
+        EXPECT_TRUE(answers(USAGE_METER_DRAW, { "5 é", "1", "2", "漢\n" }, look) == expected);
     }
 }
 
 TEST_F(IconDrawerTest, NothingComesOfADrawingThatWentWrong)
 {
-    EXPECT_EQ(answers({ USAGE_METER_DRAW, loop, queues }, { "\xFF" })[0].second, Pictures());
-    EXPECT_EQ(answers({ "/nonexistent", loop, queues }, { "1" })[0].second, Pictures());
-    for (char const* script : { "kill -STOP $$", "exec cat /dev/zero", "echo nonsense", "printf '1 1\\nabc'",
-             "printf '0 1\\n'", "printf '65536 65536\\n'", "printf '1 1\\nabcd'; exit 1", "printf '1 1\\nabcde'" })
-        EXPECT_EQ(answers(drawerOf(script, 200ms), { "1" })[0].second, Pictures()) << script;
+    EXPECT_EQ(answers(USAGE_METER_DRAW, { "\xFF" }), (Answers { { "\xFF", {} } }));
+    for (char const* script : { "exec cat /dev/zero", "echo nonsense", "printf '1 1\\nabc'", "printf '0 1\\n'",
+             "printf '65536 65536\\n'", "printf '1 1\\nabcd'; exit 1", "printf '1 1\\nabcde'" })
+        EXPECT_EQ(answers(folder.script(script), { "1" }), (Answers { { "1", {} } })) << script;
 }
 
-TEST_F(IconDrawerTest, ADrawerThatGoesEndsItsHelperAndAnswersNoMore)
+TEST_F(IconDrawerTest, ADrawerThatHangsHoldsUpNoOtherAndEndsItsHelperWhenItGoes)
 {
-    for (char const* script : { "kill -STOP $$", "exit 0" })
-        drawerOf(script, 60s).draw("57.3GB", StatusLook::Icon, [](Pictures const&) { FAIL(); });
+    IconDrawer drawer(folder.script("kill -STOP $$"), loop, queues, 60s);
+    drawer.draw("1", StatusLook::Icon, [](Pictures const&) { FAIL(); });
+    EXPECT_FALSE(queues.waitUntilIdle(1ms));
+    EXPECT_EQ(answers(USAGE_METER_DRAW, { "1" }).size(), 1U);
 }

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 /// An empty folder of its own for a test, gone with all that is in it afterwards.
@@ -22,6 +23,14 @@ public:
     }
 
     std::filesystem::path const& path() const { return path_; }
+
+    /// A shell script for a program's place.
+    std::filesystem::path script(std::string const& lines) const
+    {
+        std::ofstream(path_ / "script") << "#!/bin/sh\n" << lines << '\n';
+        std::filesystem::permissions(path_ / "script", std::filesystem::perms::owner_all);
+        return path_ / "script";
+    }
 
 private:
     std::filesystem::path path_;
