@@ -7,37 +7,19 @@
 #include <csignal>
 #include <sys/socket.h>
 
-namespace {
-
-demo::CertificateTerms termsOf(ServerFault fault)
-{
-    demo::CertificateTerms terms;
-    if (fault == ServerFault::expired)
-        terms.validUntil = std::chrono::minutes(-1);
-    if (fault == ServerFault::notYetValid)
-        terms.validFrom = std::chrono::hours(1);
-    if (fault == ServerFault::wrongHost)
-        terms.hosts = { "elsewhere.example" };
-    return terms;
-}
-
-}
-
 TlsServer::TlsServer(std::filesystem::path const& folder, ServerFault fault, Handler handler, std::string const& port)
     : fault_(fault)
     , handler_(std::move(handler))
     , context_(SSL_CTX_new(TLS_server_method()), &SSL_CTX_free)
     , listening_(BIO_new_accept(("127.0.0.1:" + port).c_str()), &BIO_free)
 {
-    demo::CertificateFiles const files = demo::makeCertificate(folder, termsOf(fault)).value();
+    demo::CertificateTerms terms;
+    if (fault == ServerFault::wrongHost)
+        terms.hosts = { "elsewhere.example" };
+    demo::CertificateFiles const files = demo::makeCertificate(folder, terms).value();
     authority_ = files.authority;
     SSL_CTX_use_certificate_file(context_.get(), files.certificate.c_str(), SSL_FILETYPE_PEM);
     SSL_CTX_use_PrivateKey_file(context_.get(), files.privateKey.c_str(), SSL_FILETYPE_PEM);
-    if (fault == ServerFault::selfSigned) {
-        X509* const certificate = SSL_CTX_get0_certificate(context_.get());
-        X509_set_issuer_name(certificate, X509_get_subject_name(certificate));
-        X509_sign(certificate, SSL_CTX_get0_privatekey(context_.get()), EVP_sha256());
-    }
     if (fault == ServerFault::oldProtocol) {
         SSL_CTX_set_security_level(context_.get(), 0);
         SSL_CTX_set_min_proto_version(context_.get(), TLS1_VERSION);

@@ -13,7 +13,7 @@
 #include <vector>
 
 /// What is wrong with a server whatever it is asked. A plain one answers the first bytes that come, without TLS.
-enum class ServerFault { none, expired, notYetValid, wrongHost, selfSigned, oldProtocol, plain };
+enum class ServerFault { none, wrongHost, oldProtocol, plain };
 
 /// How a connection ends: in order, without TLS's farewell, with a TCP reset, or not as long as there is the server.
 enum class Ending { closed, cutOff, reset, silent };
