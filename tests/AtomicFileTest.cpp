@@ -12,7 +12,6 @@
 #include <sys/file.h>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
-#include <thread>
 
 namespace fs = std::filesystem;
 using platform::readFile;
@@ -86,20 +85,6 @@ TEST_F(AtomicFileTest, OnlyAnotherProcessesSaveHoldsUpASaveAndNotForLong)
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
     }
     EXPECT_TRUE(writeFileAtomically(file, "new"));
-}
-
-TEST_F(AtomicFileTest, AProcessThatIsBeingStartedHoldsUpNoSave)
-{
-    std::vector<pid_t> started;
-    std::jthread starting([&started] {
-        while (started.size() < 50)
-            started.push_back(startProcess([] { ::alarm(30), ::pause(); }));
-    });
-    for (int i = 0; i < 300 && !HasFailure(); ++i)
-        EXPECT_TRUE(writeFileAtomically(file, "new"));
-    starting.join();
-    for (pid_t const process : started)
-        ::kill(process, SIGKILL), ::waitpid(process, nullptr, 0);
 }
 
 TEST_F(AtomicFileTest, TwoProcessesThatSaveAtOnceNeitherFailNorMixTheirFiles)
