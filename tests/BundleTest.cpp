@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <ranges>
+
 using platform::Bundle;
 namespace fs = std::filesystem;
 
@@ -16,7 +19,7 @@ fs::path const shipped = USAGE_METER_BUNDLE;
 
 platform::Dictionary strings(char const* folder)
 {
-    return *platform::readPropertyList(*platform::readFile(shipped / folder / "Localizable.strings"));
+    return platform::readPropertyList(platform::readFile(shipped / folder / "Localizable.strings").value()).value();
 }
 
 }
@@ -24,8 +27,7 @@ platform::Dictionary strings(char const* folder)
 TEST(Bundle, HasEveryTextInBothLanguagesAndPicksTheFirstItHasOrEnglish)
 {
     auto const english = strings("en.lproj"), french = strings("fr.lproj");
-    EXPECT_TRUE(std::ranges::equal(
-        english, french, {}, [](auto const& text) { return text.first; }, [](auto const& text) { return text.first; }));
+    EXPECT_TRUE(std::ranges::equal(english | std::views::keys, french | std::views::keys));
     // It stands between single quotes in a script.
     for (auto const* const table : { &english, &french })
         EXPECT_EQ(

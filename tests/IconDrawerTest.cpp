@@ -27,9 +27,17 @@ struct IconDrawerTest : testing::Test {
     {
         IconDrawer drawer(helper, loop, queues, 60s);
         Answers all;
-        for (auto const& title : titles)
+        auto const draw = [&](std::string const& title) {
             drawer.draw(title, look, [&all, title](Pictures const& each) { all.emplace_back(title, each); });
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !all.empty() && all.back().first == titles.back(); }, 20'000));
+        };
+        auto const waitFor = [&all](std::string const& title) {
+            EXPECT_TRUE(QTest::qWaitFor([&] { return !all.empty() && all.back().first == title; }, 20'000));
+        };
+        std::ranges::for_each(titles, draw);
+        waitFor(titles.back());
+        draw("later");
+        waitFor("later");
+        all.pop_back();
         return all;
     }
 
