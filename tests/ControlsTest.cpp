@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/Window.h"
+#include "platform/Property.h"
 
 #include <gtest/gtest.h>
 
@@ -10,10 +10,7 @@ TEST(Property, AnObserverMayEndItselfSetTheValueAndOutliveTheProperty)
     auto number = std::make_unique<Property<int>>(1);
     std::vector<int> seen;
     // The one who sets comes first: those after it are told the newer value alone.
-    auto raising = number->observe([&](int value) {
-        if (value == 2)
-            number->set(3);
-    });
+    auto raising = number->observe([&](int value) { number->set(value == 2 ? 3 : value); });
     Subscription subscription;
     subscription = number->observeChanges([&](int value) {
         seen.push_back(value);
@@ -24,17 +21,4 @@ TEST(Property, AnObserverMayEndItselfSetTheValueAndOutliveTheProperty)
     EXPECT_EQ(seen, (std::vector { 3 }));
     number.reset();
     raising = {};
-}
-
-TEST(Window, ShowsOneSheetAtATimeInTheOrderOfTheirCalls)
-{
-    Window window;
-    Window sheet;
-    window.beginSheet({ .messageText = "first" });
-    window.beginSheet(sheet);
-    EXPECT_FALSE(sheet.visible.get());
-    window.userAnswered(1000);
-    EXPECT_EQ(window.attachedSheet.get(), Sheet(&sheet));
-    window.endSheet(sheet);
-    EXPECT_EQ(window.attachedSheet.get(), Sheet());
 }

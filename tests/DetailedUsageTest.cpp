@@ -1,58 +1,41 @@
 // SPDX-License-Identifier: MIT
 #include "detail/PageScripts.h"
 #include "platform/Calendar.h"
-#include "services/ProviderAddresses.h"
 #include "tests/support/ControllerTest.h"
-
-#include <algorithm>
-
-namespace {
 
 using platform::LoadError;
 
-/// Writes down what it is to load and to run; a test plays the page.
+/// Writes down what it is to load and to run; a test plays the page, which speaks of an error whatever it is asked.
 struct ScriptedEngine final : platform::WebEngine {
     void load(std::string const& url) override { urls.push_back(url); }
     bool isLoading() const override { return loading; }
     void run(std::string const& script) override { scripts.push_back(script); }
-    void evaluate(std::string const& script, platform::WebView::Completion completion) override
+    void evaluate(std::string const& /*script*/, platform::WebView::Completion completion) override
     {
-        scripts.push_back(script);
-        pending.emplace_back([this, script, goOn = std::move(completion)] {
-            goOn(script == pageScripts::hasFailureNotice() && hasNotice);
-        });
+        pending.push_back(std::move(completion));
     }
 
     /// The page answers every script, and those that follow from the answers.
     void answer()
     {
-        while (!pending.empty()) {
-            auto const next = pending.front();
-            pending.erase(pending.begin());
-            next();
-        }
+        for (; !pending.empty(); pending.pop_front())
+            pending.front()(true);
     }
 
     bool loading = false;
-    bool hasNotice = false;
     Texts urls;
     Texts scripts;
-    std::vector<platform::Task> pending;
+    std::deque<platform::WebView::Completion> pending;
 };
 
-class DetailedUsageTest : public ControllerTest {
-protected:
+struct DetailedUsageTest : LaunchedTest {
     DetailedUsageTest()
     {
-        platform.systemColors
-            = [](platform::Appearance) { return platform::SystemColors { { 4, 4, 4 }, { 5, 5, 5 }, { 6, 6, 6 } }; };
-        launchWith({ home, cottage });
-        page().engine = &engine;
+        detailed.usageWebView.engine = &engine;
+        show();
     }
 
-    DetailedUsageLayout& detailed() { return outlets->detailedUsage; }
-    platform::WebView& page() { return detailed().usageWebView; }
-    platform::WebViewDelegate& events() { return *page().delegate; }
+    platform::WebViewDelegate& events() const { return *detailed.usageWebView.delegate; }
 
     void show()
     {
@@ -60,13 +43,13 @@ protected:
         settle();
     }
 
-    void pick(int year, unsigned month, unsigned day)
+    void pick(std::chrono::year_month month)
     {
-        detailed().usageMonthPicker.userPicked(
-            std::chrono::sys_days(std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(day)) + 12h);
+        detailed.usageMonthPicker.userPicked(std::chrono::sys_days(month / 10) + 12h);
+        advance(400ms);
     }
 
-    /// A load from its start to its end; what the page answers is up to the test.
+    /// A load from its start to its end; the page has not answered yet.
     void load()
     {
         events().didStartProvisionalLoadForFrame();
@@ -74,199 +57,121 @@ protected:
         events().didFinishLoadForFrame();
     }
 
-    void loadAndAnswer()
+    bool isShown() const
     {
-        load();
-        engine.answer();
+        bool const shown = !detailed.usageWebView.hidden.get();
+        EXPECT_EQ(detailed.usageMonthPicker.hidden.get(), !shown);
+        EXPECT_TRUE(detailed.progressIndicator.hidden.get() == shown && detailed.loadingText.hidden.get() == shown);
+        return shown;
     }
 
-    std::string state() const
-    {
-        auto const& window = outlets->detailedUsage;
-        bool const isLoading = !window.progressIndicator.hidden.get() && !window.loadingText.hidden.get();
-        bool const isShown = !window.usageWebView.hidden.get() && !window.usageMonthPicker.hidden.get();
-        return isLoading == isShown ? "mixed" : isShown ? "shown" : "loading";
-    }
-
-    bool ran(std::string const& script) const
-    {
-        return std::ranges::find(engine.scripts, script) != engine.scripts.end();
-    }
-
+    bool ran(std::string const& script) const { return std::ranges::count(engine.scripts, script) == 1; }
     static std::string address(std::string const& query) { return "https://tarvo.example/support/usage?" + query; }
 
-    std::string const banner = pageScripts::banner(bundle.localizedString("DETAILED_USAGE_WARNING"));
+    DetailedUsageLayout& detailed = outlets->detailedUsage;
+    std::string const banner = pageScripts::banner(textOf("DETAILED_USAGE_WARNING"));
     ScriptedEngine engine;
 };
 
-}
-
-TEST_F(DetailedUsageTest, EveryShowingLoadsThePresentMonthAndLetsAYearBackBePicked)
+TEST_F(DetailedUsageTest, EveryShowingLoadsThePresentMonthOfTheUsersCalendar)
 {
-    show();
-    EXPECT_EQ(engine.urls, Texts { address("year=2026&month=3") });
-    EXPECT_EQ(detailed().window.title.get(), "Daily Usage");
-    EXPECT_EQ(detailed().usageMonthPicker.minDate.get(), std::chrono::sys_days(std::chrono::year(2025) / 3 / 10) + 10h);
-
-    pick(2025, 3, 10);
-    advance(1s);
-    EXPECT_EQ(engine.urls.back(), address("year=2025&month=3"));
-    loadAndAnswer();
+    load();
+    EXPECT_TRUE(ran(pageScripts::todayHighlight()));
+    // A quick change is passed over.
+    pick(2026y / 2);
+    pick(2025y / 3);
+    advance(100ms);
+    load();
     EXPECT_FALSE(ran(pageScripts::todayHighlight())) << "the same month of another year";
-    detailed().window.userClosed();
-    // The run goes on into another month, named as the user's calendar has it.
+    // The run goes on into another month.
+    detailed.window.userClosed();
     advance(24h * 30);
     platform.dateLocale = "th_TH";
     show();
-    EXPECT_EQ(state(), "loading");
-    EXPECT_EQ(detailed().usageMonthPicker.minDate.get(), platform::addingMonths(runLoop.now(), -12));
-    EXPECT_EQ(engine.urls.back(), address("year=2569&month=4"));
-    EXPECT_EQ(detailed().usageMonthPicker.maxDate.get(), runLoop.now());
-    EXPECT_EQ(engine.urls.size(), 3U);
+    EXPECT_EQ(engine.urls,
+        (Texts { address("year=2026&month=3"), address("year=2025&month=3"), address("year=2569&month=4") }));
+    EXPECT_EQ(detailed.usageMonthPicker.minDate.get(), platform::addingMonths(runLoop.now(), -12));
+    EXPECT_EQ(detailed.usageMonthPicker.maxDate.get(), runLoop.now());
 }
 
-TEST_F(DetailedUsageTest, QuickChangesOfTheMonthLeadToOneLoadOfTheLastOne)
+TEST_F(DetailedUsageTest, ThePageMayLeadOnlyToTheHostWithoutWwwOverHttps)
 {
-    show();
-    for (unsigned const month : { 2U, 1U, 3U }) {
-        pick(2026, month, 1);
-        advance(400ms);
-    }
-    EXPECT_EQ(engine.urls.size(), 1U);
-    advance(100ms);
-    EXPECT_EQ(engine.urls, (Texts { address("year=2026&month=3"), address("year=2026&month=3") }));
-}
-
-TEST_F(DetailedUsageTest, ThePageMayLeadToTheHostWithoutWwwOverHttpsAndNowhereElse)
-{
-    show();
     for (auto const& [url, expected] : { std::pair("https://tarvo.example/support/usage?year=2026&month=3", true),
-             std::pair("https://tarvo.example", true), std::pair("https://www.tarvo.example/", false),
-             std::pair("http://tarvo.example/", false), std::pair("https://example.org/", false),
-             std::pair("about:blank", false), std::pair("file:///etc/passwd", false), std::pair("", false),
+             { "https://tarvo.example", true }, { "https://www.tarvo.example/", false },
+             { "http://tarvo.example/", false }, { "about:blank", false }, { "file:///etc/passwd", false },
              // Anywhere in the text: as far as the rule reaches.
-             std::pair("https://example.org/?back=https://tarvo.example/", true),
-             std::pair("https://tarvo.example.org/", true) })
+             { "https://example.org/?back=https://tarvo.example/", true } })
         EXPECT_EQ(events().decidePolicyForNavigationAction(url) == platform::NavigationPolicy::Use, expected) << url;
 }
 
-TEST_F(DetailedUsageTest, APageIsShownOnceItIsRestyledAndThenColoured)
+TEST_F(DetailedUsageTest, APageIsShownOnceItIsRestyled)
 {
-    show();
-    EXPECT_EQ(state(), "loading");
-    EXPECT_TRUE(detailed().progressIndicator.spinning.get());
+    EXPECT_TRUE(detailed.progressIndicator.spinning.get());
     engine.loading = true;
     load();
     EXPECT_EQ(engine.scripts, Texts()) << "another frame is still on its way";
     engine.loading = false;
-    events().didFinishLoadForFrame();
-    EXPECT_EQ(engine.scripts,
-        (Texts { pageScripts::restyling(), pageScripts::todayHighlight(), pageScripts::todayLegend(), banner,
-            pageScripts::nothing() }));
-    EXPECT_EQ(state(), "loading");
-    engine.scripts.clear();
+    load();
+    EXPECT_EQ(engine.scripts.front(), pageScripts::restyling());
+    EXPECT_FALSE(isShown());
     engine.answer();
-    EXPECT_EQ(state(), "shown");
-    Texts const colouring { pageScripts::pageBackground({ 4, 4, 4 }), pageScripts::pageText({ 5, 5, 5 }),
-        pageScripts::boxBackground({ 6, 6, 6 }), pageScripts::rowBackground({ 6, 6, 6 }, true),
-        pageScripts::hasFailureNotice() };
-    EXPECT_EQ(engine.scripts, colouring);
+    EXPECT_TRUE(isShown());
+    show();
+    EXPECT_FALSE(isShown());
+}
 
-    // The same load may end once more, and keeps its banner.
-    engine.scripts.clear();
+TEST_F(DetailedUsageTest, EveryLoadHasOneBanner)
+{
+    load();
     events().didFinishLoadForFrame();
-    EXPECT_FALSE(ran(banner));
-    engine.answer();
-    EXPECT_EQ(state(), "shown");
-
-    pick(2026, 2, 28);
-    advance(1s);
-    loadAndAnswer();
     EXPECT_TRUE(ran(banner));
-    EXPECT_FALSE(ran(pageScripts::todayHighlight()) || ran(pageScripts::todayLegend()));
-    EXPECT_TRUE(ran(pageScripts::rowBackground({ 6, 6, 6 }, false)));
+    // A load that ends while the next one is prepared leaves that one its own.
+    controller->viewDailyUsageDataButton({});
+    load();
+    settle();
+    load();
+    EXPECT_TRUE(ran(banner));
 }
 
 TEST_F(DetailedUsageTest, LateAnswersOfAnOlderLoadChangeNothing)
 {
-    show();
-    engine.hasNotice = true;
-    load();
-    events().didStartProvisionalLoadForFrame();
-    engine.answer();
-    EXPECT_EQ(state(), "loading");
-
-    // The page is shown, but its notice is read too late.
-    load();
-    while (state() == "loading")
-        std::exchange(engine.pending, {}).back()();
-    events().didStartProvisionalLoadForFrame();
-    engine.answer();
-    EXPECT_EQ(state(), "loading");
-    EXPECT_EQ(alertOn(detailed().window), "");
-}
-
-TEST_F(DetailedUsageTest, ALoadThatEndsWhileTheNextOneIsPreparedLeavesThatOneItsBanner)
-{
-    show();
-    controller->viewDailyUsageDataButton({});
-    loadAndAnswer();
-    settle();
-    load();
-    EXPECT_TRUE(ran(banner));
-}
-
-TEST_F(DetailedUsageTest, AFailedLoadAsksWhetherToTryAgain)
-{
-    show();
-    pick(2026, 1, 5);
-    advance(1s);
-    events().didStartProvisionalLoadForFrame();
-    events().didFailProvisionalLoadWithError(LoadError::CertificateNotTrusted);
-    auto const alert = *std::get_if<std::shared_ptr<platform::Alert const>>(&detailed().window.attachedSheet.get());
-    EXPECT_EQ(alert->informativeText, "Your provider’s page did not load. The site’s certificate is not trusted.");
-    EXPECT_EQ(alert->buttons, (Texts { "Try Again", "Cancel" }));
-    EXPECT_EQ(state(), "loading");
-
-    detailed().window.userAnswered(platform::Alert::firstButtonReturn);
-    settle();
-    EXPECT_EQ(engine.urls.back(), address("year=2026&month=1"));
-    EXPECT_EQ(engine.urls.size(), 3U);
+    // The first time before the page is shown, the second time before its notice is read.
+    for (bool const isNoticeLate : { false, true }) {
+        load();
+        if (isNoticeLate)
+            engine.pending.front()(true);
+        EXPECT_EQ(isShown(), isNoticeLate);
+        events().didStartProvisionalLoadForFrame();
+        engine.answer();
+        EXPECT_FALSE(isShown());
+        EXPECT_EQ(alertOn(detailed.window), "");
+    }
 }
 
 TEST_F(DetailedUsageTest, HoweverOftenAPageFailsThereIsOnePromptAndOneNotice)
 {
-    engine.hasNotice = true;
-    show();
-    for (int i = 0; i < 3; ++i)
-        loadAndAnswer();
-    detailed().window.userAnswered(platform::Alert::firstButtonReturn);
-    EXPECT_EQ(alertOn(detailed().window), "");
-    auto const failAgainAndAgain = [this] {
+    auto& window = detailed.window;
+    for (auto const& leave : std::vector<std::function<void()>> { [&] { window.userAnswered(firstButton + 1); },
+             [&] { window.userClosed(); }, [&] { pick(2026y / 2), advance(1s); },
+             [&] { window.userAnswered(firstButton); } }) {
+        show();
+        pick(2026y / 1);
+        advance(1s);
         for (int i = 0; i < 3; ++i) {
-            loadAndAnswer();
+            load();
+            engine.answer();
+            EXPECT_EQ(alertOn(window), textOf("USAGE_ERROR_TITLE"));
             events().didFailProvisionalLoadWithError(LoadError::Stopped);
             events().didFailLoadWithError(LoadError::PageLost);
         }
-        EXPECT_EQ(alertOn(detailed().window), bundle.localizedString("USAGE_ERROR_TITLE"));
-    };
-    auto& window = detailed().window;
-    failAgainAndAgain();
-    window.userAnswered(platform::Alert::firstButtonReturn);
-    EXPECT_EQ(alertOn(window), bundle.localizedString("USAGE_DETAIL_ERROR_LOAD_TITLE"));
-    loadAndAnswer();
-    window.userAnswered(platform::Alert::firstButtonReturn + 1);
-    EXPECT_FALSE(window.visible.get()) << "a notice that waits does not hold it up";
-
-    for (auto const& leave : { std::function<void()>([&] { window.userClosed(); }), std::function<void()>([this] {
-                                  pick(2026, 2, 1);
-                                  advance(1s);
-                              }) }) {
-        show();
-        failAgainAndAgain();
+        window.userAnswered(firstButton);
+        EXPECT_EQ(std::get<1>(window.attachedSheet.get())->buttons, (Texts { "Try Again", "Cancel" }));
+        load();
+        engine.answer();
         leave();
-        EXPECT_EQ(alertOn(window), "");
+        EXPECT_EQ(alertOn(window), "") << "a notice that waits does not hold it up";
     }
-    EXPECT_TRUE(window.visible.get());
-    EXPECT_EQ(engine.urls.back(), address("year=2026&month=2"));
+    settle();
+    EXPECT_EQ(engine.urls.size(), 11U);
+    EXPECT_EQ(engine.urls.back(), address("year=2026&month=1"));
 }

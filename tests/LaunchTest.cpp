@@ -5,83 +5,71 @@
 
 using LaunchTest = ControllerTest;
 
-TEST_F(LaunchTest, AFreshInstallationAsksForAKeyAndStoresOnlyItsVersion)
+TEST_F(LaunchTest, AFreshInstallationAsksForAKeyOnly)
 {
     defaults.remove(settings::lastInstalledVersion);
     cache().saveCacheFile({ { "used:download", "1" } }, "K1");
-    loader.replies["https://www.tarvo.example/account/usage/api?request=key"] = "<r><key>K1</key></r>";
+    loader.replies[lookupAddress] = "<r><key>K1</key></r>";
     launchAndSettle();
-    EXPECT_EQ(cache().retrieveCachedFileWithName("K1"), std::nullopt);
+    EXPECT_EQ(cache().retrieveCachedFileWithName("K1"), std::nullopt) << "it may be another version's";
     EXPECT_EQ(*defaults.get<std::string>(settings::lastInstalledVersion), bundle.shortVersion());
     EXPECT_EQ(outlets->statusBarDropdown.indexOfSelectedItem.get(), 2);
-    EXPECT_EQ(outlets->updateIntervalPopupButton.indexOfSelectedItem.get(), 2);
     EXPECT_TRUE(outlets->showNotificationsToggle.on.get());
-    for (char const* const key : { settings::menuBarSelector, settings::hourUpdateInterval,
-             settings::showNotificationsMenu, settings::fixedCache })
-        EXPECT_FALSE(defaults.contains(key)) << key;
-    EXPECT_TRUE(outlets->window.visible.get());
-    EXPECT_EQ(desktop.activations, 1);
-    EXPECT_EQ(title(), "…");
     EXPECT_EQ(outlets->versionText.text.get(), "Version " + bundle.shortVersion());
+    EXPECT_EQ(outlets->refreshStatus.text.get(), textOf("NO_CONNECTION_YET"));
+    EXPECT_FALSE(outlets->removeKeyButton.enabled.get());
 
     // The key has been looked up; only its name is missing.
-    EXPECT_TRUE(outlets->addKeyWindow.visible.get());
-    EXPECT_EQ(outlets->usageID.text.get(), "K1");
+    EXPECT_TRUE(outlets->window.visible.get() && outlets->addKeyWindow.visible.get());
+    EXPECT_EQ(desktop.calls, Texts { "activate" });
     outlets->keyNewNickname.userTyped("Home");
     outlets->confirmKeyButton.userClicked();
     settle();
-    EXPECT_FALSE(outlets->addKeyWindow.visible.get());
-    EXPECT_EQ(*defaults.get<platform::Array>(settings::tarvoKeys), platform::Array { home });
+    EXPECT_EQ(stored(), platform::Array { home });
     EXPECT_EQ(title(), "10GB");
+    EXPECT_EQ(nextLine(), nextUpdate(at(12, 0)));
+    EXPECT_TRUE(outlets->removeKeyButton.enabled.get());
 }
 
 TEST_F(LaunchTest, ConvertsTheKeyOfEarlierVersions)
 {
-    storeKeys({ cottage }, cottage);
     defaults.set(settings::fixedCache, 1);
     defaults.set(settings::tarvoId, "K1");
+    defaults.set(settings::tarvoKeys, platform::Array { cottage });
     launchAndSettle();
-    EXPECT_EQ(*defaults.get<platform::Array>(settings::tarvoKeys), platform::Array { home });
-    EXPECT_EQ(*defaults.get<std::string>(settings::tarvoKeySelected), home);
-    EXPECT_EQ(outlets->tarvoUsageKeysComboBox.items.get(), Texts { home });
+    EXPECT_EQ(stored(), platform::Array { home });
     EXPECT_FALSE(defaults.contains(settings::tarvoId));
-    EXPECT_TRUE(outlets->window.visible.get());
-    EXPECT_EQ(alertOn(outlets->window), bundle.localizedString("CONVERSION_COMPLETE"));
+    EXPECT_EQ(alertOn(outlets->window), textOf("CONVERSION_COMPLETE"));
     EXPECT_EQ(title(), "…");
-
     // The first report comes with the user's confirmation.
-    controller->useConnection();
+    outlets->window.userClosed();
     settle();
     EXPECT_EQ(title(), "10GB");
-    EXPECT_FALSE(outlets->window.visible.get());
+    launchAndSettle();
+    EXPECT_EQ(title(), "10GB") << "it lasts";
 }
 
 TEST_F(LaunchTest, RepairsTheCacheOnceThereAreKeys)
 {
     auto const old = folder.path() / "K1";
-    auto const report = "<plist><dict><key>used:upload</key><string>1</string></dict></plist>";
-    std::ofstream(old) << report;
-    launchAndSettle();
-    EXPECT_TRUE(std::filesystem::exists(old));
-    launchWith({ home });
-    EXPECT_FALSE(std::filesystem::exists(old));
-    std::ofstream(old) << report;
-    launchAndSettle();
-    EXPECT_TRUE(std::filesystem::exists(old));
+    for (bool const isRepaired : { false, true, false }) {
+        std::ofstream(old) << "<plist><dict><key>used:upload</key><string>1</string></dict></plist>";
+        isRepaired ? launchWith({ home }) : launchAndSettle();
+        EXPECT_EQ(std::filesystem::exists(old), !isRepaired);
+    }
 }
 
 TEST_F(LaunchTest, ForeignSettingsOfTheWrongTypeDoNoHarm)
 {
-    storeKeys({}, home);
+    defaults.set(settings::tarvoKeySelected, home);
     defaults.set(settings::tarvoKeys, platform::Array { 5, home, platform::Dictionary {} });
-    defaults.set(settings::usageCapValues, "none");
-    defaults.set(settings::hourUpdateInterval, "2");
+    for (auto const* const key : { settings::usageCapValues, settings::hourUpdateInterval, settings::showUsageCap })
+        defaults.set(key, "none");
     defaults.set(settings::menuBarSelector, 99);
     defaults.set(settings::tarvoId, 1);
     launchAndSettle();
     EXPECT_EQ(title(), "6GB");
-    EXPECT_EQ(outlets->statusBarDropdown.indexOfSelectedItem.get(), 0);
-    EXPECT_EQ(outlets->updateIntervalPopupButton.indexOfSelectedItem.get(), 0);
+    EXPECT_EQ(nextLine(), "Next update: never");
     EXPECT_EQ(outlets->tarvoUsageKeysComboBox.items.get(), (Texts { home }));
     EXPECT_EQ(outlets->usageLimit.text.get(), "");
 }

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ControllerTest.h"
 
-namespace {
-
-class PresentationTest : public ControllerTest {
-protected:
-    void launchWithCap(char const* cap)
+struct PresentationTest : ControllerTest {
+    PresentationTest()
     {
-        defaults.set(settings::usageCapValues, platform::Dictionary { { home, cap } });
-        loader.replies[addressOf("K1")] = report;
-        launchWith({ home, cottage });
+        defaults.set(settings::usageCapValues, platform::Dictionary { { home, "100" } });
+        loader.replies[addressOf("K1")]
+            = "<u><used><download>52345678901</download><upload>3456789012</upload></used><grace><download>1200000000"
+              "</download><upload>300000000</upload></grace><total><download>53545678901</download><upload>3756789012"
+              "</upload></total></u>";
+        launchWith({ home });
     }
 
     void presentWithCap(char const* cap)
@@ -29,77 +29,70 @@ protected:
             texts.push_back(field->text.get() + " = " + field->toolTip.get());
         return texts;
     }
-
-    double levelOpacity() const { return outlets->usageBar.opacity.at(runLoop.uptime()); }
-
-    std::string const report = "<u><used><download>52345678901</download><upload>3456789012</upload></used><grace>"
-                               "<download>1200000000</download><upload>300000000</upload></grace><total>"
-                               "<download>53545678901</download><upload>3756789012</upload></total></u>";
 };
 
-}
-
-TEST_F(PresentationTest, ShowsAReportUnderItsCapOverItAndWithoutOne)
+TEST_F(PresentationTest, ShowsAReportWithOrWithoutACap)
 {
-    launchWithCap("100");
-    EXPECT_EQ(title(), "57.3GB");
     EXPECT_EQ(volumes(),
         (Texts { "52.35GB = 52,345.68MB", "3.46GB = 3,456.79MB", "55.8GB = 55,802.47MB", "1.2GB = 1,200MB",
             "0.3GB = 300MB", "1.5GB = 1,500MB", "57.3GB = 57,302.47MB", "100GB = 100,000MB", "44.2GB = 44,197.53MB" }));
-    EXPECT_EQ(outlets->usageBar.maxValue.get(), 100000);
-    EXPECT_DOUBLE_EQ(outlets->usageBar.doubleValue.get(), 55802.467913);
-    EXPECT_EQ(outlets->usageBar.warningValue.get(), 70000);
-    EXPECT_EQ(outlets->usageBar.criticalValue.get(), 85000);
-    EXPECT_EQ(outlets->usageCapPercentageText.text.get(), "55.8%");
+    EXPECT_EQ(outlets->headline.text.get(), "57.3GB");
+    EXPECT_EQ(outlets->headlineCaption.text.get(), "All traffic");
+    auto const& bar = outlets->usageBar;
+    for (auto const& [shown, expected] : { std::pair(&bar.maxValue, 1e5), { &bar.doubleValue, 55802.467913 },
+             { &bar.warningValue, 70000 }, { &bar.criticalValue, 85000 } })
+        EXPECT_DOUBLE_EQ(shown->get(), expected);
     EXPECT_EQ(outlets->monitorWindow.title.get(), "Usage Meter - Home");
+    EXPECT_TRUE(outlets->setCapButton.hidden.get());
 
     // The field counts, not what is stored.
     presentWithCap("50");
     EXPECT_EQ(volumes().back(), "-5.8GB = -5,802.47MB");
     EXPECT_EQ(outlets->usageCapPercentageText.text.get(), "111.6%");
-    EXPECT_EQ(controller->usageCapForKey(home), "100");
-
     presentWithCap("");
     EXPECT_EQ(volumes().at(7), "∞ = Unlimited");
     EXPECT_EQ(volumes().at(8), "∞ = Unlimited");
+    EXPECT_FALSE(outlets->setCapButton.hidden.get());
+}
+
+TEST_F(PresentationTest, AReportOfOneFigureHasATotalOfAtMostAThousandWhereTheUnitsReach)
+{
+    for (auto const& [total, shown] : { std::pair("<download>1000000000</download>", "1,000MB"),
+             { "<download>1010000000</download>", "1.01GB" }, { "<upload>2500000000000000</upload>", "2.5PB" },
+             { "<upload>5000000000000000000</upload>", "5,000PB" }, { "<upload/>", "0MB" }, { "", "No data" } }) {
+        loader.replies[addressOf("K1")] = std::string("<u><total>") + total + "</total></u>";
+        refresh();
+        EXPECT_EQ(title(), shown);
+    }
+    loader.replies[addressOf("K1")] = "<u><used><download>1e999</download></used></u>";
+    refresh();
+    EXPECT_EQ(outlets->usageCapPercentageText.text.get().find("∞"), std::string::npos);
 }
 
 TEST_F(PresentationTest, FadesTheLevelWithTheCap)
 {
-    launchWithCap("100");
-    EXPECT_FALSE(outlets->usageBar.hidden.get());
-    EXPECT_EQ(levelOpacity(), 0.0);
-    // A fade goes on from where the one before has come to.
-    advance(250ms);
-    presentWithCap("");
-    advance(250ms);
-    EXPECT_EQ(levelOpacity(), 0.25);
-    presentWithCap("100");
-    advance(500ms);
-    EXPECT_EQ(levelOpacity(), 1.0);
-    // Shown already: nothing to fade.
-    presentWithCap("100");
-    EXPECT_EQ(levelOpacity(), 1.0);
-
-    presentWithCap("");
-    advance(250ms);
-    EXPECT_EQ(levelOpacity(), 0.5);
-    // The cap is back before the bar has gone: it fades in from nothing, and the old fade's end does not keep it away.
-    presentWithCap("50");
-    EXPECT_EQ(levelOpacity(), 0.0);
-    advance(250ms);
-    EXPECT_TRUE(outlets->usageBar.hidden.get());
-    advance(250ms);
-    EXPECT_FALSE(outlets->usageBar.hidden.get());
-    EXPECT_FALSE(outlets->usageCapPercentageText.hidden.get());
-    EXPECT_EQ(levelOpacity(), 1.0);
+    auto const opacity = [this] { return outlets->usageBar.opacity.at(runLoop.uptime()); };
+    // A fade goes on from where the one before has come to. What is shown already has nothing to fade; a cap that is
+    // back before the bar has gone begins from nothing, and the old fade's end does not keep it away.
+    for (auto const& [cap, first, wait, then] :
+        { std::tuple("100", 0.0, 250ms, 0.5), { "", 0.5, 250ms, 0.25 }, { "100", 0.0, 500ms, 1.0 },
+            { "100", 1.0, 0ms, 1.0 }, { "", 1.0, 250ms, 0.5 }, { "50", 0.0, 250ms, 0.5 } }) {
+        presentWithCap(cap);
+        EXPECT_EQ(opacity(), first);
+        advance(wait);
+        EXPECT_EQ(opacity(), then);
+    }
+    for (bool const hidden : { true, false }) {
+        EXPECT_EQ(outlets->usageBar.hidden.get(), hidden);
+        EXPECT_EQ(outlets->usageCapPercentageText.hidden.get(), hidden);
+        advance(250ms);
+    }
 }
 
 TEST_F(PresentationTest, AFailureLeavesTheLastGoodFiguresBesideItsTexts)
 {
-    launchWithCap("100");
-    advance(1min);
     failReply("K1");
+    advance(1h);
     refresh();
     advance(1s);
     EXPECT_EQ(title(), "No data");
@@ -112,14 +105,13 @@ TEST_F(PresentationTest, AFailureLeavesTheLastGoodFiguresBesideItsTexts)
         EXPECT_TRUE(volume.starts_with("No data = ")) << volume;
     EXPECT_EQ(volumes().at(7), "No data = 100,000MB");
     EXPECT_EQ(outlets->usageCapPercentageText.text.get(), "55.8%");
-    EXPECT_EQ(outlets->monitorWindow.title.get(), "Usage Meter - Home");
 
     // Why is said in words, until the next success.
     auto const& status = outlets->refreshStatus.text;
-    EXPECT_EQ(status.get(), bundle.localizedString("REFRESH_FAILED"));
-    controller->updateButton();
-    EXPECT_EQ(status.get(), bundle.localizedString("REFRESH_WAITING"));
+    EXPECT_EQ(status.get(), textOf("REFRESH_FAILED"));
     setReply("K1", 10);
+    controller->updateButton();
+    EXPECT_EQ(status.get(), textOf("REFRESH_WAITING"));
     settle();
     EXPECT_EQ(status.get(), "");
 }

@@ -1,54 +1,44 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ControllerTest.h"
 
-namespace {
+using StatusMenuTest = LaunchedTest;
 
-class StatusMenuTest : public ControllerTest {
-protected:
-    StatusMenuTest() { launchWith({ home, cottage }); }
-
-    void click(std::string const& title) const
-    {
-        for (auto const& item : outlets->dropDownMenu.items()) {
-            if (item->title.get() == title)
-                return item->userClicked();
-        }
-        FAIL() << title;
-    }
-};
-
-}
-
-TEST_F(StatusMenuTest, PickingAConnectionSwitchesToItAndLeavesCapsAndWindowAlone)
+TEST_F(StatusMenuTest, PickingAConnectionSwitchesToItAlone)
 {
     defaults.set(settings::usageCapValues, platform::Dictionary { { cottage, "40" } });
-    outlets->window.makeKeyAndOrderFront();
+    controller->showPreferences();
     outlets->usageLimit.userTyped("77");
     connection(1).userClicked();
     EXPECT_EQ(title(), "…");
-    auto lines = linesOf(outlets->dropDownMenu);
-    std::erase_if(lines, [](std::string const& line) { return !line.ends_with(" …"); });
-    EXPECT_EQ(lines,
-        (Texts {
-            "Downloaded: …", "Downloaded free of charge: …", "All traffic: …", "Last update: …", "Next update: …" }));
+    EXPECT_EQ(linesOf(outlets->dropDownMenu),
+        (Texts { "Downloaded: …", "Downloaded free of charge: …", "All traffic: …", "Usage cap: Unlimited",
+            "Remaining: Unlimited", "Last update: …", "Next update: …", "", "Connection", "Update Now", "",
+            "Usage Window", "Daily Usage", "Preferences…", "", "Quit" }));
     settle();
-    EXPECT_EQ(title(), "20GB");
-    EXPECT_EQ(outlets->usageCapText.text.get(), "40GB");
+    auto lines = linesOf(outlets->dropDownMenu);
+    lines.resize(7);
+    EXPECT_EQ(lines,
+        (Texts { "Downloaded: 12GB", "Downloaded free of charge: 8GB", "All traffic: 20GB", "Usage cap: 40GB",
+            "Remaining: 28GB", lastUpdate(at(10, 0)), nextUpdate(at(12, 0)) }));
     EXPECT_EQ(controller->usageCapForKey(home), std::nullopt);
     EXPECT_TRUE(outlets->window.visible.get());
+    EXPECT_EQ(linesOf(outlets->connectionMenu), (Texts { home, "* Cottage - K2" }));
+    launchAndSettle();
+    EXPECT_EQ(title(), "20GB") << "it lasts";
 }
 
-TEST_F(StatusMenuTest, ConfirmingStoresTheCapAndHidesTheWindowEvenAfterAnEmptyPickThatWasRefused)
+TEST_F(StatusMenuTest, ConfirmingStoresTheCapEvenAfterAnEmptyPickThatWasRefused)
 {
-    storeKeys({ "", cottage }, cottage);
-    launchAndSettle();
+    launchWith({ "", cottage });
     outlets->usageLimit.userTyped("40");
     connection(0).userClicked();
-    EXPECT_TRUE(outlets->window.visible.get());
-    EXPECT_EQ(alertOn(outlets->window), bundle.localizedString("FAILURE_BLANK_CODE"));
+    EXPECT_EQ(alertOn(outlets->window), textOf("FAILURE_BLANK_CODE"));
+    outlets->addKeyButton.userClicked();
+    EXPECT_FALSE(outlets->addKeyWindow.visible.get()) << "one sheet at a time";
+    outlets->window.userAnswered(firstButton);
+    EXPECT_TRUE(outlets->addKeyWindow.visible.get());
 
     outlets->tarvoUsageKeysComboBox.userSelected(1);
-    EXPECT_EQ(outlets->usageLimit.text.get(), "");
     defaults.set(settings::usageCapValues, platform::Dictionary { { home, "90" } });
     for (auto const& [typed, shown] : { std::pair("12,5", "12GB"), { "", "∞" }, { "40", "40GB" } }) {
         outlets->usageLimit.userTyped(typed);
@@ -59,30 +49,27 @@ TEST_F(StatusMenuTest, ConfirmingStoresTheCapAndHidesTheWindowEvenAfterAnEmptyPi
     }
     EXPECT_EQ(controller->usageCapForKey(home), "90");
     EXPECT_FALSE(outlets->window.visible.get());
-    EXPECT_EQ(title(), "20GB");
 }
 
 TEST_F(StatusMenuTest, CommandsDoWhatTheySay)
 {
-    click("Update Now");
-    settle();
-    EXPECT_EQ(requests(), 2U);
-    EXPECT_EQ(outlets->window.touchBar.get(), nullptr) << "most desktops have no touch bar";
-    click("Usage cap: Unlimited");
+    auto const& lines = outlets->dropDownMenu.items();
+    lines[4]->userClicked();
     EXPECT_TRUE(outlets->window.visible.get());
-    click("Usage Window");
-    EXPECT_EQ(desktop.activations, 0);
-    click("Daily Usage");
-    EXPECT_TRUE(outlets->detailedUsage.window.visible.get());
-    EXPECT_TRUE(outlets->monitorWindow.visible.get());
+    lines[10]->userClicked();
+    EXPECT_EQ(requests(), 2U);
+    lines[12]->userClicked();
+    lines[13]->userClicked();
+    EXPECT_TRUE(outlets->monitorWindow.visible.get() && outlets->detailedUsage.window.visible.get());
     // Its own button has the day-by-day window take its place.
     outlets->detailedUsageButton.userClicked();
     EXPECT_FALSE(outlets->monitorWindow.visible.get());
-    EXPECT_EQ(desktop.activations, 2);
-    click("Preferences…");
-    EXPECT_EQ(desktop.activations, 3);
-    click("Quit");
-    EXPECT_EQ(desktop.terminations, 1);
+    lines[14]->userClicked();
+    lines[16]->userClicked();
+    desktop.hasBrowser = false;
     outlets->getUsageCodeButton.userClicked();
-    EXPECT_EQ(desktop.opened, (Texts { "https://www.tarvo.example/support/usage/api" }));
+    EXPECT_EQ(alertOn(outlets->window), textOf("GET_KEY_FAILURE_TITLE"));
+    EXPECT_EQ(desktop.calls,
+        (Texts {
+            "activate", "activate", "activate", "terminate", "open https://www.tarvo.example/support/usage/api" }));
 }

@@ -30,10 +30,9 @@ using Texts = std::vector<std::string>;
 struct ManualQueues final : platform::BackgroundQueues {
     bool async(std::string const& /*label*/, platform::Task task) override
     {
-        if (isFull)
-            return false;
-        tasks.push_back(std::move(task));
-        return true;
+        if (!isFull)
+            tasks.push_back(std::move(task));
+        return !isFull;
     }
 
     void run(std::size_t position)
@@ -51,12 +50,12 @@ struct ManualQueues final : platform::BackgroundQueues {
 struct ScriptedLoader final : platform::UrlLoader {
     std::optional<std::string> load(std::string const& url) override
     {
-        requests.push_back(url);
+        ++requests;
         return replies.contains(url) ? std::optional(replies.at(url)) : std::nullopt;
     }
 
     std::map<std::string, std::string> replies;
-    Texts requests;
+    std::size_t requests = 0;
 };
 
 /// Writes down what the program asks of the desktop.
@@ -64,33 +63,25 @@ struct RecordedDesktop final : platform::Application,
                                platform::Workspace,
                                platform::NotificationCenter,
                                platform::LoginItem {
-    void activateIgnoringOtherApps() override { ++activations; }
-    void terminate() override { ++terminations; }
+    void activateIgnoringOtherApps() override { calls.emplace_back("activate"); }
+    void terminate() override { calls.emplace_back("terminate"); }
     bool open(std::string const& url) override
     {
-        opened.push_back(url);
+        calls.push_back("open " + url);
         return hasBrowser;
     }
     void setDelegate(platform::NotificationCenterDelegate* newDelegate) override { delegate = newDelegate; }
-    void deliver(platform::UserNotification const& notification) override
-    {
-        notified.push_back(notification.title + ": " + notification.informativeText);
-    }
-    void removeDelivered(platform::NotificationId id) override { removed.push_back(id); }
+    void deliver(platform::UserNotification const& note) override { calls.push_back("notify " + note.title); }
+    void removeDelivered(platform::NotificationId id) override { calls.push_back("remove " + std::to_string(id)); }
 
     bool isEnabled() const override { return startsAtLogin; }
     bool setEnabled(bool enabled) override
     {
-        if (!isDiskFull)
-            startsAtLogin = enabled;
+        startsAtLogin = enabled && !isDiskFull;
         return !isDiskFull;
     }
 
-    int activations = 0;
-    int terminations = 0;
-    Texts opened;
-    Texts notified;
-    std::vector<platform::NotificationId> removed;
+    Texts calls;
     platform::NotificationCenterDelegate* delegate = nullptr;
     bool startsAtLogin = false;
     bool isDiskFull = false;
@@ -101,7 +92,9 @@ struct RecordedDesktop final : platform::Application,
 class ControllerTest : public ::testing::Test {
 protected:
     static constexpr char const* home = "Home - K1";
+    static constexpr int firstButton = platform::Alert::firstButtonReturn;
     static constexpr char const* cottage = "Cottage - K2";
+    static constexpr char const* lookupAddress = "https://www.tarvo.example/account/usage/api?request=key";
 
     ControllerTest()
     {
@@ -127,11 +120,8 @@ protected:
     /// Runs all that is queued and all background work, until nothing is left.
     void settle()
     {
-        runLoop.runQueued();
-        while (!queues.tasks.empty()) {
+        for (runLoop.runQueued(); !queues.tasks.empty(); runLoop.runQueued())
             queues.run(0);
-            runLoop.runQueued();
-        }
     }
 
     void launchAndSettle()
@@ -140,9 +130,11 @@ protected:
         settle();
     }
 
+    /// Launches it on these connections, of which the first one is selected.
     void launchWith(Texts const& entries)
     {
-        storeKeys(entries, entries.front());
+        defaults.set(settings::tarvoKeys, platform::Array(entries.begin(), entries.end()));
+        defaults.set(settings::tarvoKeySelected, entries.front());
         launchAndSettle();
     }
 
@@ -159,12 +151,6 @@ protected:
         settle();
     }
 
-    void storeKeys(Texts const& entries, std::string const& selected)
-    {
-        defaults.set(settings::tarvoKeys, platform::Array(entries.begin(), entries.end()));
-        defaults.set(settings::tarvoKeySelected, selected);
-    }
-
     static std::string addressOf(std::string const& key)
     {
         return "https://tarvo.example/account/usage/api?key=" + key;
@@ -173,22 +159,30 @@ protected:
     /// What the provider answers for a key: a report with so many gigabytes in all, of which 40 percent are free.
     void setReply(std::string const& key, int gigabytes)
     {
-        auto const group = [gigabytes](int download, int upload) {
-            auto const bytes = [gigabytes](int tenths) { return std::to_string(gigabytes * tenths) + "00000000"; };
-            return "<download>" + bytes(download) + "</download><upload>" + bytes(upload) + "</upload>";
+        auto const volume = [gigabytes](int tenths) {
+            return "<download>" + std::to_string(gigabytes * tenths) + "00000000</download>";
         };
-        loader.replies[addressOf(key)] = "<r><used>" + group(5, 1) + "</used><grace>" + group(3, 1) + "</grace><total>"
-            + group(8, 2) + "</total></r>";
+        loader.replies[addressOf(key)]
+            = "<r><used>" + volume(6) + "</used><grace>" + volume(4) + "</grace><total>" + volume(10) + "</total></r>";
     }
 
     void failReply(char const* key) { loader.replies.erase(addressOf(key)); }
-    std::size_t requests() const { return loader.requests.size(); }
+
+    /// How often the provider was asked, once all has come to rest.
+    std::size_t requests()
+    {
+        settle();
+        return loader.requests;
+    }
+
+    platform::Array stored() const { return *defaults.get<platform::Array>(settings::tarvoKeys); }
 
     std::string const& title() { return controller->usageStatusItem().title.get(); }
     std::string const& lastLine() const { return outlets->lastUpdateMenuItem->title.get(); }
     std::string const& nextLine() const { return outlets->nextUpdateMenuItem->title.get(); }
     std::string lastUpdate(platform::Date date) const { return "Last update: " + dates.string(date); }
     std::string nextUpdate(platform::Date date) const { return "Next update: " + dates.string(date); }
+    std::string textOf(char const* key) const { return bundle.localizedString(key); }
     platform::MenuItem& connection(std::size_t position) { return *outlets->connectionMenu.items().at(position); }
 
     /// The visible lines of a menu, each with its check mark.
@@ -228,4 +222,9 @@ protected:
     std::optional<Outlets> outlets;
     std::optional<MainLayout> layout;
     std::optional<AppDelegate> controller;
+};
+
+/// The same, launched on two connections.
+struct LaunchedTest : ControllerTest {
+    LaunchedTest() { launchWith({ home, cottage }); }
 };
