@@ -5,7 +5,7 @@
 
 using namespace platform;
 
-TEST(Property, AnObserverMayEndItselfSetTheValueAndOutliveTheProperty)
+TEST(Property, AnObserverMayDoWhatItLikesWhileItIsTold)
 {
     auto number = std::make_unique<Property<int>>(1);
     std::vector<int> seen;

@@ -148,7 +148,7 @@ TEST_F(DetailedUsageTest, LateAnswersOfAnOlderLoadChangeNothing)
     }
 }
 
-TEST_F(DetailedUsageTest, HoweverOftenAPageFailsThereIsOnePromptAndOneNotice)
+TEST_F(DetailedUsageTest, HoweverOftenAPageFailsNothingIsSaidTwice)
 {
     auto& window = detailed.window;
     for (auto const& leave : std::vector<std::function<void()>> { [&] { window.userAnswered(firstButton + 1); },

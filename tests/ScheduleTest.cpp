@@ -137,6 +137,8 @@ TEST_F(Schedule, RetriesEveryThirtySecondsUntilTheProviderAnswers)
     // A success in between takes the retry back, also that of another refresh.
     controller->updateButton();
     controller->updateButton();
+    runLoop.advance(1min);
+    EXPECT_EQ(queues.tasks.size(), 2U) << "nothing is asked a third time meanwhile";
     queues.run(0);
     setReply("K1", 10);
     settle();

@@ -65,11 +65,12 @@ TEST_F(StatusMenuTest, CommandsDoWhatTheySay)
     outlets->detailedUsageButton.userClicked();
     EXPECT_FALSE(outlets->monitorWindow.visible.get());
     lines[14]->userClicked();
+    outlets->setCapButton.userClicked();
     lines[16]->userClicked();
     desktop.hasBrowser = false;
     outlets->getUsageCodeButton.userClicked();
     EXPECT_EQ(alertOn(outlets->window), textOf("GET_KEY_FAILURE_TITLE"));
     EXPECT_EQ(desktop.calls,
-        (Texts {
-            "activate", "activate", "activate", "terminate", "open https://www.tarvo.example/support/usage/api" }));
+        (Texts { "activate", "activate", "activate", "activate", "terminate",
+            "open https://www.tarvo.example/support/usage/api" }));
 }

@@ -91,8 +91,8 @@ struct RecordedDesktop final : platform::Application,
 /// The whole core on virtual time, from settings and cache files on disk to the models that a user would see.
 class ControllerTest : public ::testing::Test {
 protected:
-    static constexpr char const* home = "Home - K1";
     static constexpr int firstButton = platform::Alert::firstButtonReturn;
+    static constexpr char const* home = "Home - K1";
     static constexpr char const* cottage = "Cottage - K2";
     static constexpr char const* lookupAddress = "https://www.tarvo.example/account/usage/api?request=key";
 
