@@ -30,10 +30,10 @@ QPalette darkPalette()
     palette.setColor(QPalette::AlternateBase, QColor(0x2B, 0x2D, 0x30));
     palette.setColor(QPalette::Highlight, QColor(0x37, 0x85, 0x3F));
     palette.setColor(QPalette::Mid, QColor(0x80, 0x84, 0x8B));
-    palette.setColor(QPalette::PlaceholderText, QColor(0xB4, 0xB8, 0xBF));
+    palette.setColor(QPalette::PlaceholderText, QColor(0xBE, 0xC2, 0xC9));
     palette.setColor(QPalette::ToolTipBase, QColor(0x2B, 0x2D, 0x30));
     palette.setColor(QPalette::ToolTipText, Qt::white);
-    setDisabledText(palette, QColor(0xB4, 0xB8, 0xBF));
+    setDisabledText(palette, QColor(0xBE, 0xC2, 0xC9));
     return palette;
 }
 
