@@ -38,36 +38,38 @@ QStringList textsOf(QWidget const& widget)
     return texts.replaceInStrings(QRegularExpression(QStringLiteral("&(.)")), QStringLiteral("\\1"));
 }
 
-bool fits(QWidget const& widget, QString const& text, int flags, QRect const& place)
-{
-    auto const needed = widget.fontMetrics().boundingRect(QRect(0, 0, place.width(), 9999), flags, text);
-    return needed.width() <= place.width() && needed.height() <= place.height();
-}
-
 bool isCutOff(QWidget const& widget)
 {
-    if (auto const* const label = qobject_cast<QLabel const*>(&widget))
-        return !fits(widget, label->text(),
-            (label->wordWrap() ? Qt::TextWordWrap : 0) | (label->buddy() ? Qt::TextShowMnemonic : 0),
-            label->contentsRect());
-    if (qobject_cast<QAbstractButton const*>(&widget))
-        return widget.sizeHint().width() > widget.width() || widget.sizeHint().height() > widget.height();
     if (auto const* const input = qobject_cast<QLineEdit const*>(&widget)) {
-        QStyleOptionFrame option;
-        option.initFrom(input);
-        // The field keeps a margin of two pixels of its own.
-        auto const place = input->style()->subElementRect(QStyle::SE_LineEditContents, &option, input);
-        return !fits(widget, input->placeholderText(), 0, place.adjusted(2, 0, -2, 0));
+        // Beside the margins, in pixels.
+        int const room = widget.width() - 4;
+        return widget.fontMetrics().horizontalAdvance(input->placeholderText()) > room;
     }
-    auto const* const box = qobject_cast<QComboBox const*>(&widget);
+    bool const hasWords = qobject_cast<QLabel const*>(&widget) || qobject_cast<QAbstractButton const*>(&widget)
+        || qobject_cast<QComboBox const*>(&widget);
     // What the user named does not widen a window.
-    if (!box || box->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored)
+    if (!hasWords || widget.sizePolicy().horizontalPolicy() == QSizePolicy::Ignored)
         return false;
-    QStyleOptionComboBox option;
-    option.initFrom(box);
-    auto const place = box->style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, box);
-    auto const texts = textsOf(widget);
-    return std::ranges::any_of(texts, [&](QString const& text) { return !fits(widget, text, 0, place); });
+    auto const needed = widget.hasHeightForWidth()
+        ? QSize(widget.minimumSizeHint().width(), widget.heightForWidth(widget.width()))
+        : widget.sizeHint();
+    return needed != needed.boundedTo(widget.size());
+}
+
+using Keys = std::vector<QKeySequence>;
+
+/// The mark of the key that reaches each control of a window, and each field by its label.
+Keys keysOf(QWidget const& window)
+{
+    Keys keys;
+    for (auto const* const widget : window.findChildren<QWidget*>()) {
+        auto const* const label = qobject_cast<QLabel const*>(widget);
+        bool const hasKey = label ? label->buddy() != nullptr
+                                  : qobject_cast<QPushButton const*>(widget) || qobject_cast<QCheckBox const*>(widget);
+        if (hasKey && widget->window() == &window && widget->isVisible())
+            keys.push_back(QKeySequence::mnemonic(widget->property("text").toString()));
+    }
+    return keys;
 }
 
 class LanguageTest : public EveryWindowTest {
@@ -100,6 +102,10 @@ protected:
                 problems_.insert(name + " is cut off: " + texts.join(QLatin1Char('|')).toStdString());
             if (widget->isVisible() && widget->isWindow() && (widget->width() > 1000 || widget->height() > 720))
                 problems_.insert(name + " is too large");
+            // The letters of the test language are on no keyboard.
+            auto const keys = bundle.language() == "qps" ? Keys() : keysOf(*widget);
+            if (widget->isVisible() && widget->isWindow() && std::set(keys.begin(), keys.end()).size() < keys.size())
+                problems_.insert(name + " has one key twice");
         }
     }
 

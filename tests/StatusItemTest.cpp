@@ -2,6 +2,7 @@
 // The status item as a panel finds it on a real session bus.
 #include "desktop/StatusArea.h"
 #include "platform/ThreadQueues.h"
+#include "tests/support/FakeService.h"
 #include "tests/support/PanelTest.h"
 #include "tests/support/Slowness.h"
 #include "windows/ToolkitLoop.h"
@@ -9,7 +10,6 @@
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QDBusVirtualObject>
 #include <QElapsedTimer>
 #include <QProcess>
 
@@ -82,32 +82,38 @@ protected:
         return waitFor([&] { return lines() == expected; });
     }
 
-    QDBusPendingCall callMenu(char const* method, QVariantList const& arguments)
+    QDBusPendingCall call(char const* path, char const* interface, char const* method, QVariantList const& arguments)
     {
-        auto message = QDBusMessage::createMethodCall(QString::fromUtf8(bus_->uniqueName()),
-            QStringLiteral("/StatusMenu"), QStringLiteral("com.canonical.dbusmenu"), QLatin1String(method));
+        auto message = QDBusMessage::createMethodCall(QString::fromUtf8(bus_->uniqueName()), QLatin1String(path),
+            QLatin1String(interface), QLatin1String(method));
         message.setArguments(arguments);
         return panel_.asyncCall(message);
     }
 
     // The program shares this process, so the main loop has to run for its answer.
-    QDBusMessage::MessageType answerOf(char const* method, QVariantList const& arguments)
+    QDBusMessage answerOf(QDBusPendingCall const& pending)
     {
-        QDBusPendingCallWatcher const call(callMenu(method, arguments));
-        EXPECT_TRUE(waitFor([&call] { return call.isFinished(); })) << method;
-        return call.reply().type();
+        QDBusPendingCallWatcher const watcher(pending);
+        EXPECT_TRUE(waitFor([&watcher] { return watcher.isFinished(); }));
+        return pending.reply();
+    }
+
+    QDBusPendingCall callMenu(char const* method, QVariantList const& arguments)
+    {
+        return call("/StatusMenu", "com.canonical.dbusmenu", method, arguments);
+    }
+
+    QDBusMessage askMenu(char const* method, QVariantList const& arguments)
+    {
+        return answerOf(callMenu(method, arguments));
     }
 
     /// As a panel reads it.
-    QString property(char const* name)
+    QVariant property(char const* name)
     {
-        auto message = QDBusMessage::createMethodCall(QString::fromUtf8(bus_->uniqueName()),
-            QStringLiteral("/StatusNotifierItem"), QStringLiteral("org.freedesktop.DBus.Properties"),
-            QStringLiteral("Get"));
-        message.setArguments({ QStringLiteral("org.kde.StatusNotifierItem"), QLatin1String(name) });
-        QDBusPendingCallWatcher const call(panel_.asyncCall(message));
-        EXPECT_TRUE(waitFor([&call] { return call.isFinished(); })) << name;
-        return QDBusPendingReply<QDBusVariant>(call).value().variant().toString();
+        auto const answer = answerOf(call("/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get",
+            { "org.kde.StatusNotifierItem", QLatin1String(name) }));
+        return answer.arguments().value(0).value<QDBusVariant>().variant();
     }
 
     static constexpr std::chrono::seconds longerThanGrace { 2 };
@@ -148,7 +154,7 @@ public:
     Names names;
 };
 
-TEST_F(StatusItem, ShowsItsTitleAndItsMenuAndRebuildsTenThousandLinesInLittleTime)
+TEST_F(StatusItem, ShowsWhatAPanelHasRoomFor)
 {
     update_->submenu = &submenu_;
     submenu_.setItems({ makeLine("Home"), makeLine("Cottage_by_the__sea") });
@@ -156,28 +162,41 @@ TEST_F(StatusItem, ShowsItsTitleAndItsMenuAndRebuildsTenThousandLinesInLittleTim
     menu_.setItems({ figure_, makeLine("Cap: 100GB"), makeLine(""), makeLine(std::string(81, 'x')), update_ });
     menu_.items()[1]->hidden.set(true);
     menu_.items()[2]->isSeparator = true;
-    start();
-    EXPECT_EQ(reader_.title(), "57.3GB");
     item_.title.set(std::string(248, '9'));
-    EXPECT_TRUE(waitFor([this] { return reader_.title() == QString(31, '9') + "…"; })) << "no panel has room for it";
+    start();
+    EXPECT_EQ(reader_.title(), QString(31, '9') + "…");
     EXPECT_TRUE(waitForLines({ "Downloaded: 52.35GB", "--", std::string(79, 'x') + "…", "Update now", "  * Home",
         "  Cottage_by_the__sea" }));
+    QString name;
+    QString details;
+    auto const toolTip = property("ToolTip").value<QDBusArgument>();
+    toolTip.beginStructure();
+    toolTip >> name;
+    toolTip.beginArray();
+    toolTip.endArray();
+    toolTip >> name >> details;
+    EXPECT_EQ(name, QString(248, '9'));
+    EXPECT_EQ(details, "Downloaded: 52.35GB") << "of what shows before the first separator";
+}
 
+TEST_F(StatusItem, RebuildsTenThousandLinesInLittleTime)
+{
+    start();
     Menu::Items items;
     for (int i = 0; i < 10'000; ++i)
         items.push_back(makeLine(std::to_string(i)));
     QElapsedTimer timer;
     timer.start();
-    submenu_.setItems(std::move(items));
-    EXPECT_TRUE(waitFor([this] { return lines().back() == "  9999"; }));
+    menu_.setItems(std::move(items));
+    EXPECT_TRUE(waitFor([this] { return lines().back() == "9999"; }));
     EXPECT_LT(timer.elapsed(), 2500 * slowness);
 }
 
-TEST_F(StatusItem, TellsTheChangesOfOneTurnAsOneUpdateAndNothingThatIsNotNew)
+TEST_F(StatusItem, TellsOnlyWhatIsNewAndOnceATurn)
 {
     figure_->on.set(true);
     start();
-    ASSERT_TRUE(waitFor([this] { return property("IconName").isEmpty(); })) << "the title is drawn";
+    ASSERT_TRUE(waitFor([this] { return property("IconName") == ""; })) << "the title is drawn";
     SignalLog log(panel_, QString::fromUtf8(bus_->uniqueName()));
     item_.title.set("Please wait");
     item_.title.set("58GB");
@@ -200,11 +219,11 @@ TEST_F(StatusItem, TellsTheChangesOfOneTurnAsOneUpdateAndNothingThatIsNotNew)
     EXPECT_EQ(log.names, (Names { "LayoutUpdated", "NewToolTip" }));
 
     menu_.needsUpdate = [this] { figure_->title.set("Downloaded: 54GB"); };
-    EXPECT_EQ(answerOf("AboutToShow", { 0 }), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(askMenu("AboutToShow", { 0 }).arguments(), QVariantList { false });
     EXPECT_TRUE(waitForLines({ "Downloaded: 54GB" }));
 }
 
-TEST_F(StatusItem, AnswersAClickBeforeItActsOnItAndForgetsClicksOnLinesThatItTookAway)
+TEST_F(StatusItem, AClickIsAnsweredBeforeItTakesItsLineAway)
 {
     start();
     qDBusRegisterMetaType<Click>();
@@ -224,7 +243,7 @@ TEST_F(StatusItem, AnswersAClickBeforeItActsOnItAndForgetsClicksOnLinesThatItToo
     EXPECT_TRUE(waitFor([&clicks] { return clicks == 1; }));
     EXPECT_TRUE(waitForLines({}));
     EXPECT_EQ(clicks, 1);
-    EXPECT_EQ(answerOf("EventGroup", both), QDBusMessage::ErrorMessage) << "the lines have gone";
+    EXPECT_EQ(askMenu("EventGroup", both).type(), QDBusMessage::ErrorMessage) << "the lines have gone";
 }
 
 TEST_F(StatusItem, RefusesMalformedCallsAndLivesOn)
@@ -232,88 +251,77 @@ TEST_F(StatusItem, RefusesMalformedCallsAndLivesOn)
     start();
     auto const nothing = QVariant::fromValue(QDBusVariant(0));
     auto const many = QVariant::fromValue(QList<int>(100'000, 1));
-    struct Case {
-        char const* method;
-        QVariantList arguments;
-        QDBusMessage::MessageType answer = QDBusMessage::ErrorMessage;
-    };
-    std::vector<Case> const cases {
+    std::vector<std::pair<char const*, QVariantList>> const refused {
         { "GetLayout", { -1, -1, QStringList() } },
         { "GetLayout", { QStringLiteral("0") } },
         { "Event", { 999, QStringLiteral("clicked"), nothing, 0U } },
         { "Event", { 0, QStringLiteral("clacked"), nothing, 0U } },
         { "AboutToShowGroup", { QVariant::fromValue(QList<int> { 999, 999 }) } },
         { "Explode", {} },
-        { "GetLayout", { 0, std::numeric_limits<int>::min(), QStringList() }, QDBusMessage::ReplyMessage },
-        { "GetGroupProperties", { many, QStringList() }, QDBusMessage::ReplyMessage },
-        { "AboutToShowGroup", { many }, QDBusMessage::ReplyMessage },
+        { "GetProperty", { 0, QStringLiteral("colour") } },
     };
-    for (auto const& [method, arguments, answer] : cases)
-        EXPECT_EQ(answerOf(method, arguments), answer) << method;
+    std::vector<std::pair<char const*, QVariantList>> const answered {
+        { "GetLayout", { 0, std::numeric_limits<int>::min(), QStringList() } },
+        { "GetGroupProperties", { many, QStringList() } },
+        { "AboutToShowGroup", { many } },
+        { "Event", { 0, QStringLiteral("x-wheel"), nothing, 0U } },
+    };
+    for (auto const& [method, arguments] : refused)
+        EXPECT_EQ(askMenu(method, arguments).type(), QDBusMessage::ErrorMessage) << method;
+    for (auto const& [method, arguments] : answered)
+        EXPECT_EQ(askMenu(method, arguments).type(), QDBusMessage::ReplyMessage) << method;
 }
 
-/// A panel that counts the registrations. One that hangs answers none.
-class CountingPanel : public QDBusVirtualObject {
-public:
-    explicit CountingPanel(QDBusConnection bus, bool isHanging = false)
-        : isHanging_(isHanging)
+/// A panel that is asked to show the item. One that hangs does not answer.
+struct FakePanel : FakeService {
+    explicit FakePanel(bool isHanging = false)
+        : FakeService(
+              "org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
+              isHanging ? Answer() : [](QDBusMessage const&) { return QVariantList(); })
     {
-        bus.registerVirtualObject(QStringLiteral("/StatusNotifierWatcher"), this);
-        EXPECT_TRUE(bus.registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
     }
 
-    bool handleMessage(QDBusMessage const& message, QDBusConnection const& bus) override
+    std::ptrdiff_t registrations() const
     {
-        calls += message.member() == QStringLiteral("RegisterStatusNotifierItem") ? 1 : 0;
-        return isHanging_ || bus.send(message.createReply());
+        return std::ranges::count(calls, QStringLiteral("RegisterStatusNotifierItem"), &QDBusMessage::member);
     }
-    QString introspect(QString const&) const override { return {}; }
-
-    int calls = 0;
-
-private:
-    bool isHanging_;
 };
 
 TEST_F(StatusItem, MakesUpForWhatALabelPanelGetsWrong)
 {
     ::prctl(PR_SET_NAME, "gnome-shell");
-    auto bus = connectionOf("label panel");
-    CountingPanel const panel(bus);
+    std::optional<FakePanel> panel(std::in_place);
     figure_->title.set("_Cottage_by_the__sea");
     item_.title.set("Please wait…");
     startArea();
     item_.title.set("57.3GB");
-    EXPECT_TRUE(waitFor([&panel] { return panel.calls == 2; }));
+    EXPECT_TRUE(waitFor([&panel] { return panel->registrations() == 2; }));
     EXPECT_EQ(timesPlaced_, 1);
     EXPECT_EQ(property("XAyatanaLabel"), "57.3GB");
     EXPECT_EQ(property("XAyatanaLabelGuide"), "Please wait…");
     EXPECT_EQ(property("IconName"), "meter-symbolic");
     EXPECT_EQ(property("IconThemePath"), "/share/icons");
-    EXPECT_EQ(answerOf("GetLayout", { 0, -1, QStringList() }), QDBusMessage::ReplyMessage);
-    QDBusPendingCallWatcher const call(callMenu("GetProperty", { 1, QStringLiteral("label") }));
-    EXPECT_TRUE(waitFor([&call] { return call.isFinished(); }));
-    auto const label = QDBusPendingReply<QDBusVariant>(call).value().variant();
-    EXPECT_EQ(label, "__Cottage_by_the__sea") << "only its first mark is read";
-    bus.unregisterService(QStringLiteral("org.kde.StatusNotifierWatcher"));
+    EXPECT_EQ(property("IconAccessibleDesc"), "Meter: 57.3GB");
+    EXPECT_EQ(askMenu("GetLayout", { 0, -1, QStringList() }).type(), QDBusMessage::ReplyMessage);
+    auto const label = askMenu("GetProperty", { 1, QStringLiteral("label") }).arguments().value(0);
+    EXPECT_EQ(label.value<QDBusVariant>().variant(), "__Cottage_by_the__sea") << "only its first mark is read";
+    panel.reset();
     ::prctl(PR_SET_NAME, "another-panel");
     startWatcher();
-    EXPECT_TRUE(waitFor([this] { return timesPlaced_ == 2 && property("IconName").isEmpty(); }));
+    EXPECT_TRUE(waitFor([this] { return timesPlaced_ == 2 && property("IconName") == ""; }));
 }
 
 TEST_F(StatusItem, WaitsForAPanelThatHangsUntilAnotherHasTakenItsPlace)
 {
-    std::optional bus = connectionOf("silent");
     startArea();
-    CountingPanel const silent(*bus, true);
-    ASSERT_TRUE(waitFor([&silent] { return silent.calls > 0; }));
+    std::optional<FakePanel> silent(std::in_place, true);
+    ASSERT_TRUE(waitFor([&silent] { return silent->registrations() > 0; }));
     EXPECT_FALSE(reader_.waitFor([this] { return timesWithoutPlace_ > 0; }, longerThanGrace));
-    ASSERT_TRUE(bus->unregisterService(QStringLiteral("org.kde.StatusNotifierWatcher")));
+    ASSERT_TRUE(silent->bus.unregisterService(QStringLiteral("org.kde.StatusNotifierWatcher")));
     startWatcher();
     ASSERT_TRUE(waitFor([this] { return timesPlaced_ == 1; }));
     // With its last connection goes what it was asked, and the bus says so.
-    bus.reset();
-    QDBusConnection::disconnectFromBus(QStringLiteral("silent"));
+    silent.reset();
     EXPECT_FALSE(reader_.waitFor([this] { return timesWithoutPlace_ > 0; }, longerThanGrace));
 }
 
@@ -335,7 +343,7 @@ TEST_F(StatusItem, SaysThatThereIsNoPlaceWhenItsBusGoes)
     EXPECT_TRUE(waitFor([this] { return timesWithoutPlace_ == 1; }));
 }
 
-TEST_F(StatusItem, SaysThatThereIsNoPlaceButNotWhileTheUserLogsInNorWhenAPanelGoes)
+TEST_F(StatusItem, SaysThatThereIsNoPlaceOnceTheUserHasLoggedIn)
 {
     startArea(StatusArea::usualLoginTime);
     EXPECT_FALSE(reader_.waitFor([this] { return timesWithoutPlace_ > 0; }, longerThanGrace));
