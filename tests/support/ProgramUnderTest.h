@@ -45,14 +45,6 @@ public:
         setInfo("ProviderCertificateAuthority", authority);
     }
 
-    /// As a package manager puts a new one into the place of a part while the program runs.
-    void replacePart(char const* file) const
-    {
-        auto const part = find(file);
-        std::filesystem::remove(part);
-        platform::writeFileAtomically(part, "another build's");
-    }
-
     void setVariable(char const* name, char const* value)
     {
         environment_.insert(QLatin1String(name), QString::fromUtf8(value));
@@ -84,6 +76,16 @@ public:
             auto const file = std::filesystem::read_symlink(process.path() / "exe", gone);
             return file.filename() == "usage-meter-fetch" && file.string().starts_with(folder_.path().string());
         });
+    }
+
+    /// A file of the program, wherever it is.
+    std::filesystem::path find(char const* file) const
+    {
+        for (auto const& entry : std::filesystem::recursive_directory_iterator(root_)) {
+            if (entry.is_regular_file() && entry.path().filename() == file)
+                return entry.path();
+        }
+        throw std::logic_error(file);
     }
 
     qint64 processId() const { return process_.processId(); }
@@ -119,15 +121,6 @@ private:
             std::filesystem::copy(part, copy, std::filesystem::copy_options::recursive);
         }
         return folder_.path();
-    }
-
-    std::filesystem::path find(char const* file) const
-    {
-        for (auto const& entry : std::filesystem::recursive_directory_iterator(root_)) {
-            if (entry.is_regular_file() && entry.path().filename() == file)
-                return entry.path();
-        }
-        throw std::logic_error(file);
     }
 
     TemporaryFolder folder_;
