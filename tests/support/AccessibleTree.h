@@ -6,7 +6,6 @@
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QProcess>
@@ -19,24 +18,6 @@ struct AccessiblePlace {
     QString service;
     QDBusObjectPath path;
 };
-
-Q_DECLARE_METATYPE(AccessiblePlace)
-
-inline QDBusArgument& operator<<(QDBusArgument& argument, AccessiblePlace const& place)
-{
-    argument.beginStructure();
-    argument << place.service << place.path;
-    argument.endStructure();
-    return argument;
-}
-
-inline QDBusArgument const& operator>>(QDBusArgument const& argument, AccessiblePlace& place)
-{
-    argument.beginStructure();
-    argument >> place.service >> place.path;
-    argument.endStructure();
-    return argument;
-}
 
 /// What they are told of it.
 struct Accessible {
@@ -51,7 +32,6 @@ class AccessibleTree {
 public:
     AccessibleTree()
     {
-        qDBusRegisterMetaType<AccessiblePlace>();
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), QString::fromStdString(runtime_.path().string()));
         launcher_.setProcessEnvironment(environment);
@@ -113,9 +93,19 @@ private:
         return qvariant_cast<QDBusVariant>(answer).variant().toString().toStdString();
     }
 
-    QList<AccessiblePlace> children(AccessiblePlace const& place) const
+    std::vector<AccessiblePlace> children(AccessiblePlace const& place) const
     {
-        return qdbus_cast<QList<AccessiblePlace>>(call(place, object, "GetChildren"));
+        std::vector<AccessiblePlace> found;
+        auto const list = call(place, object, "GetChildren").value<QDBusArgument>();
+        if (list.currentType() != QDBusArgument::ArrayType)
+            return found;
+        for (list.beginArray(); !list.atEnd();) {
+            auto& child = found.emplace_back();
+            list.beginStructure();
+            list >> child.service >> child.path;
+            list.endStructure();
+        }
+        return found;
     }
 
     void addShowing(std::vector<Accessible>& found, AccessiblePlace const& place) const
