@@ -32,6 +32,7 @@ TEST_F(PreferencesTest, ChoicesTakeEffectAtOnceThatLasts)
         EXPECT_EQ(connection(1).title.get(), "Cottage");
         EXPECT_EQ(title(), "6GB");
         EXPECT_EQ(nextLine(), nextUpdate(at(16, 0)));
+        advance(1h);
         launch();
     }
     outlets->window.effectiveAppearance.set(platform::Appearance::Dark);
