@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The real program as a screen reader finds it: over the accessibility bus.
+// Reads the real program over the accessibility bus, as a screen reader does.
 #include "tests/support/AccessibleTree.h"
 #include "tests/support/RunningProgramTest.h"
 
@@ -65,7 +65,7 @@ struct AccessibilityTest : RunningProgramTest {
 TEST_F(AccessibilityTest, AWindowIsReadInTheOrderOfItsLines)
 {
     ASSERT_TRUE(click("Preferences…"));
-    find(preferences, "label", "Version 1.0.0");
+    find(preferences, "label", "Version 1.1.0");
     EXPECT_EQ(said(),
         (Texts { "dialog: Usage Meter Preferences", "label: Connection and cap", "label: Connection:",
             "combo box: Home - secretOne", "push button: Add…", "push button: Remove…", "label: Usage cap in GB:",

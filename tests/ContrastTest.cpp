@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Whether every text can be read: its contrast with its ground, measured on the pixels of every window in every look.
+// Checks that every text is legible, by measuring its contrast with its background on the pixels of every window in
+// every look.
 #include "windows/Contrast.h"
 #include "draw/StatusIcon.h"
 #include "tests/support/EveryWindowTest.h"

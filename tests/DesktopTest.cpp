@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The desktop's half of the program: real event loop, real widgets, a real bus.
+// The desktop side of the program: a real event loop, real widgets and a real bus.
 #include "desktop/ActivationToken.h"
 #include "desktop/ColorScheme.h"
 #include "desktop/FreedesktopNotifications.h"
@@ -425,7 +425,7 @@ TEST(FreedesktopNotifications, EachTakesThePlaceOfTheLastUnlessThatHasGone)
 
 }
 
-/// Takes the place of the C library's function, so that a test can have the computer sleep.
+/// Replaces the C library's function, so that a test can make the computer sleep.
 extern "C" int readClock(clockid_t clock, timespec* time) __asm__("clock_gettime");
 
 int readClock(clockid_t clock, timespec* time)

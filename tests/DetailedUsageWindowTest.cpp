@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The detailed usage window with a real web engine, on a real provider.
+// Tests the detailed usage window with a real web engine and a real provider.
 #include "demo/Provider.h"
 #include "desktop/SystemColors.h"
 #include "detail/DetailedUsageViewController.h"
@@ -30,7 +30,7 @@ std::vector<pid_t> childrenOf(pid_t process)
     return { std::istream_iterator<pid_t>(file), {} };
 }
 
-/// The processes of this program that show pages; the engine starts them through another process.
+/// The processes that render this program's pages; the engine starts them through an intermediate process.
 std::vector<pid_t> renderers()
 {
     std::vector<pid_t> found;
@@ -45,14 +45,14 @@ std::vector<pid_t> renderers()
 }
 
 struct DetailedUsageWindowTest : WindowsTest {
-    /// A home whose user trusts the provider's certificate, which the engine reads once in a process.
+    /// Sets up a home whose user trusts the provider's certificate. The engine reads it once per process.
     static void SetUpTestSuite()
     {
         qputenv("HOME", home_.c_str());
         qputenv("NO_PROXY", "localhost");
         qputenv("SSLKEYLOGFILE", secrets_.c_str());
         std::filesystem::create_directories(home_ / ".pki/nssdb");
-        // Not by the toolkit, whose way of starting a process leaves the thread sanitizer blind.
+        // Not started with the toolkit, whose way of starting processes blinds the thread sanitizer.
         std::string const certutil = "certutil -d sql:" + (home_ / ".pki/nssdb").string();
         ASSERT_EQ(std::system((certutil + " -N --empty-password").c_str()), 0) << "is libnss3-tools installed?";
         auto const add = certutil + " -A -n provider -t C,, -i " + certificate_.authority.string();
@@ -61,7 +61,7 @@ struct DetailedUsageWindowTest : WindowsTest {
 
     DetailedUsageWindowTest()
     {
-        // The engine isolates its pages, but never as root.
+        // The engine cannot sandbox its pages as root.
         if (::geteuid() == 0)
             qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
         auto const folder = folder_.path() / "bundle";
@@ -73,7 +73,7 @@ struct DetailedUsageWindowTest : WindowsTest {
         windows_ = std::make_unique<MainWindows>(outlets_, bundle_, loop_, USAGE_METER_WEB);
     }
 
-    /// The event loop runs freely meanwhile: the engine does its work there, in many small pieces.
+    /// The event loop keeps running meanwhile, since the engine does its work there in many small steps.
     static bool waitFor(std::function<bool()> const& condition)
     {
         QEventLoop eventLoop;
@@ -90,7 +90,7 @@ struct DetailedUsageWindowTest : WindowsTest {
 
     void open() { controller_.doShowUsageWindow(); }
 
-    /// Opens the window on a page of the test's own.
+    /// Opens the window on a page that the test provides.
     void openOn(demo::Reply page)
     {
         provider_->setPage(pagePath, std::move(page));
@@ -127,7 +127,7 @@ struct DetailedUsageWindowTest : WindowsTest {
 
     inline static TemporaryFolder const shared_;
     inline static std::filesystem::path const home_ = shared_.path() / "home";
-    /// Where nobody may write the secrets of a connection.
+    /// A place where nobody may write a connection's secrets.
     inline static std::filesystem::path const secrets_ = shared_.path() / "secrets";
     inline static demo::CertificateFiles const certificate_ = *demo::makeCertificate(shared_.path() / "certificate");
     std::unique_ptr<demo::Provider> provider_ = demo::Provider::start(certificate_);
@@ -266,7 +266,7 @@ TEST_F(DetailedUsageWindowTest, APageThatTriesToLeaveStaysAsItIs)
     EXPECT_EQ(QGuiApplication::topLevelWindows().size(), windows);
     EXPECT_TRUE(elsewhere->pageRequests("/away").empty());
 
-    // A download in place of the page is no page, and no file either.
+    // A download in place of the page must yield neither a page nor a file.
     detailed().usageWebView.run("location = '/file'");
     EXPECT_TRUE(waitForAlert().ends_with(bundle_.localizedString("LOAD_ERROR_STOPPED")));
     for (auto const& entry : std::filesystem::recursive_directory_iterator(home_))
@@ -286,7 +286,7 @@ TEST_F(DetailedUsageWindowTest, ClosingEndsThePageWhateverItDoes)
     EXPECT_EQ(renderers().size(), 1U);
     detailed().window.userAnswered(platform::Alert::firstButtonReturn);
 
-    // A page whose process is killed asks as well.
+    // If a page's process is killed, the user is asked too.
     ::kill(renderers().at(0), SIGKILL);
     EXPECT_TRUE(waitForAlert().ends_with(bundle_.localizedString("LOAD_ERROR_PAGE_LOST")));
 }
@@ -307,7 +307,7 @@ TEST_F(DetailedUsageWindowTest, WithoutTheWholeEngineOfThisBuildTheWindowSaysSo)
     windows_ = std::make_unique<MainWindows>(outlets_, bundle_, loop_, folder_.path());
     expectError("LOAD_ERROR_ENGINE_MISSING");
 
-    // As an upgrade leaves it to the program that it runs under.
+    // After an upgrade, a running program finds such a plugin.
     auto plugin = *platform::readFile(std::filesystem::path(USAGE_METER_WEB) / "usage-meter-web.so");
     std::string const id = USAGE_METER_WEB_PLUGIN_ID;
     for (auto at = plugin.find(id); at != std::string::npos; at = plugin.find(id, at + 1))
@@ -315,7 +315,7 @@ TEST_F(DetailedUsageWindowTest, WithoutTheWholeEngineOfThisBuildTheWindowSaysSo)
     std::ofstream(folder_.path() / "usage-meter-web.so") << plugin;
     expectError("LOAD_ERROR_ENGINE_OF_ANOTHER_BUILD");
 
-    // Where it could not isolate its pages it is not even tried.
+    // If the engine cannot sandbox its pages, it is not even started.
     qunsetenv("QTWEBENGINE_DISABLE_SANDBOX");
     if (::geteuid() == 0)
         expectError("LOAD_ERROR_ENGINE_NOT_ISOLATED");

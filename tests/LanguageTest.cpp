@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Every window, alert and menu with the controller's own texts, in the languages that are hardest on a layout.
+// Checks every window, alert and menu, with the controller's own texts, in the languages that are hardest on a layout.
 #include "platform/AtomicFile.h"
 #include "platform/PropertyList.h"
 #include "tests/support/EveryWindowTest.h"
@@ -15,7 +15,7 @@ platform::Dictionary readTable(std::filesystem::path const& folder, std::string 
     return *platform::readPropertyList(bytes.value());
 }
 
-/// What a user of a screen can read at a widget, or hear.
+/// Everything about a widget that a user can read or hear.
 QStringList textsOf(QWidget const& widget)
 {
     QStringList texts { widget.windowTitle(), QTextDocumentFragment::fromHtml(widget.toolTip()).toPlainText(),
@@ -34,7 +34,7 @@ QStringList textsOf(QWidget const& widget)
     for (auto const* const action : widget.actions())
         texts << action->text();
     texts.removeAll(QString());
-    // Without the marks of shortcuts.
+    // Removes the mnemonic marks.
     return texts.replaceInStrings(QRegularExpression(QStringLiteral("&(.)")), QStringLiteral("\\1"));
 }
 
@@ -76,7 +76,7 @@ class LanguageTest : public EveryWindowTest {
 protected:
     ~LanguageTest() override { QApplication::setLayoutDirection(Qt::LeftToRight); }
 
-    /// Sets the language of everything, and leads through all that there is to see in it.
+    /// Sets the language of everything and goes through all that is visible.
     void showAllIn(std::string const& language, Qt::LayoutDirection direction)
     {
         auto const staged = folder.path() / "bundle";
@@ -116,7 +116,7 @@ private:
     void check(QString const& text, std::string const& place)
     {
         seen_.insert(text.toStdString());
-        // In brackets, or one of the texts that are the same in every language.
+        // Texts are in brackets, or among those that are the same in every language.
         static QRegularExpression const known(QStringLiteral("(\\[([^][]|(?1))*\\])|[MGTP]B|Error|Home|Usage Meter"));
         static QRegularExpression const letter(QStringLiteral("\\p{Latin}"));
         if (bundle.language() == "qps" && QString(text).remove(known).contains(letter))
@@ -131,7 +131,7 @@ TEST_F(LanguageTest, NoTextIsLeftOverOrCutOffInTheTestLanguage)
     showAllIn("qps", Qt::LeftToRight);
     EXPECT_EQ(problems_, std::set<std::string>());
 
-    // All was seen, but for what other programs show.
+    // Every text was seen, except those that other programs show.
     auto const english = readTable(USAGE_METER_BUNDLE, "en");
     for (auto const& [key, value] : readTable(USAGE_METER_PSEUDO, "qps")) {
         auto const& text = *value.as<std::string>();

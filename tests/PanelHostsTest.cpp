@@ -104,8 +104,8 @@ struct PanelHostsTest : RunningProgramTest {
         return QTest::qWaitFor(isFocused, static_cast<int>(patience.count()));
     }
 
-    /// A click can come before the program has heard from the compositor that its window is no longer in front; a user
-    /// would click again.
+    /// A click may arrive before the compositor tells the program that its window is no longer in front; a user would
+    /// click again.
     bool comesToTheFront(char const* title, char const* line)
     {
         return (click(line) && waitForFocus(title, 500ms)) || (click(line) && waitForFocus(title));

@@ -81,7 +81,7 @@ TEST_F(PreferencesTest, TheSuccessMessageShowsForAWhileAfterEveryPress)
 {
     auto& message = outlets->cacheClearedText;
     message.opacity.set(1.0);
-    // The first press takes a way of its own, and looks the same.
+    // The first press takes a different code path, but looks the same.
     for (int press = 0; press < 2; ++press) {
         std::filesystem::create_directories(cache().getCacheDirectory() / "folder" / "deep");
         outlets->clearCacheButton.userClicked();

@@ -19,7 +19,7 @@ struct PresentationTest : ControllerTest {
         settle();
     }
 
-    /// The volumes of the usage window, row by row, with their tool tips.
+    /// The volumes of the usage window row by row, each with its tool tip.
     Texts volumes() const
     {
         Texts texts;

@@ -15,7 +15,7 @@ struct ProgramTest : RunningProgramTest {
         return QProcess::execute(QStringLiteral("xdotool"), search) == 0;
     }
 
-    /// Each of these once, whatever else there is.
+    /// Waits until each of these lines is shown exactly once, whatever else there is.
     bool waitForLines(Texts const& expected)
     {
         auto const isShown = [this](auto const& text) { return std::ranges::count(lines(), text) == 1; };
@@ -93,7 +93,7 @@ TEST_F(ProgramTest, AnswersItsUserWhileTheProviderDoesNot)
     ASSERT_TRUE(click("Quit"));
     EXPECT_EQ(program_.waitForExit(1s), 0);
 
-    // However it ends, no exchange outlives it.
+    // However the program ends, no exchange outlives it.
     ASSERT_TRUE(waitFor([this] { return !reader_.hasItem(); }));
     program_.start();
     ASSERT_TRUE(waitForTitle("5.2GB"));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The real clock, which only root can set.
+// Tests the real clock, which only root can set.
 #include "desktop/DesktopRunLoop.h"
 #include "windows/ToolkitLoop.h"
 
@@ -11,7 +11,7 @@
 
 using namespace std::chrono_literals;
 
-// Sets the clock to what it is, which the kernel tells of like of any other time.
+// Sets the clock to its current value, which the kernel reports like any other change.
 TEST(SetClock, IsHeardOfAtOnceAlsoWhenATimerIsArmedMeanwhile)
 {
     DesktopRunLoop loop;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A provider that takes its time. All cases run at once.
+// Tests a slow provider. All cases run at the same time.
 #include "platform/ProcessUrlLoader.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TlsServer.h"

@@ -26,7 +26,7 @@
 using namespace std::chrono_literals;
 using Texts = std::vector<std::string>;
 
-/// Queues whose tasks run when a test says so, in the order it says.
+/// Queues whose tasks a test runs explicitly, in any order.
 struct ManualQueues final : platform::BackgroundQueues {
     bool async(std::string const& /*label*/, platform::Task task) override
     {
@@ -46,7 +46,7 @@ struct ManualQueues final : platform::BackgroundQueues {
     bool isFull = false;
 };
 
-/// A provider that answers what a test put in, and nothing otherwise.
+/// A provider that gives the replies set by a test, and fails otherwise.
 struct ScriptedLoader final : platform::UrlLoader {
     std::optional<std::string> load(std::string const& url) override
     {
@@ -98,14 +98,14 @@ protected:
 
     ControllerTest()
     {
-        // As after an earlier launch of this version; a test of the launch takes it back.
+        // Assumes an earlier launch of this version; tests of the launch undo this.
         defaults.set(settings::lastInstalledVersion, bundle.shortVersion());
         setReply("K1", 10);
         setReply("K2", 20);
         setReply("K3", 30);
     }
 
-    /// Launches the program on what the settings hold now; nothing queued has run yet.
+    /// Launches the program with the current settings. Nothing queued has run yet.
     void launch()
     {
         controller.reset();
@@ -138,7 +138,7 @@ protected:
         launchAndSettle();
     }
 
-    /// Passes time, with all that falls due in it.
+    /// Advances time, and runs everything that falls due.
     void advance(platform::Seconds duration)
     {
         runLoop.advance(duration);
@@ -196,7 +196,7 @@ protected:
         return lines;
     }
 
-    /// The text of the alert on a window.
+    /// The text of the alert on a window, if any.
     static std::string alertOn(platform::Window const& window)
     {
         auto const* const alert = std::get_if<std::shared_ptr<platform::Alert const>>(&window.attachedSheet.get());
@@ -218,7 +218,7 @@ protected:
         folder.path() };
     platform::DateFormatter dates { platform.dateLocale };
 
-    // Made anew by each launch.
+    // Recreated by each launch.
     std::optional<Outlets> outlets;
     std::optional<MainLayout> layout;
     std::optional<AppDelegate> controller;

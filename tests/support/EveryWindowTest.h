@@ -7,7 +7,7 @@
 
 #include <QtWidgets>
 
-/// A provider's page that speaks of an error whatever it is asked.
+/// A provider's page that reports an error, whatever it is asked.
 struct FailingPage final : platform::WebEngine {
     void load(std::string const& /*url*/) override { }
     bool isLoading() const override { return false; }
@@ -18,19 +18,18 @@ struct FailingPage final : platform::WebEngine {
     }
 };
 
-/// Leads through every window, alert and state of the program, as its controller brings them about, and has a look at
-/// each.
+/// Goes through every window, alert and state of the program as its controller shows them, and looks at each.
 class EveryWindowTest : public ControllerTest {
 protected:
     ~EveryWindowTest() override { windows_.reset(); }
 
-    /// At all that is on the screen now.
+    /// Checks everything on the screen now.
     virtual void look() = 0;
 
     void showAll()
     {
         applyLook({ appearance_, std::nullopt });
-        // With numbers for keys and nicknames, and dates in another script, only a text of ours has Latin letters.
+        // Keys and nicknames are numbers, and dates are in another script, so that only our texts have Latin letters.
         platform.dateLocale = "ja_JP";
         showFirstStart();
         showUsage();
@@ -131,7 +130,7 @@ protected:
         detailed.window.toggleFullScreen();
         QCoreApplication::processEvents();
         settle();
-        // However large the screen is.
+        // This must work on a screen of any size.
         detailed.window.toggleFullScreen();
         look();
         detailed.exitFullScreen.hidden.set(false);

@@ -8,7 +8,7 @@
 
 using Texts = std::vector<std::string>;
 
-/// A test that sees the program as a panel does, over a real session bus.
+/// Tests the program from a panel's side, over a real session bus.
 struct PanelTest : testing::Test {
     static constexpr std::chrono::seconds bound { 10 };
 
@@ -21,7 +21,7 @@ struct PanelTest : testing::Test {
 
     bool waitFor(std::function<bool()> const& condition) { return reader_.waitFor(condition, bound); }
 
-    /// Indent, check mark and text of each visible line.
+    /// Indentation, check mark and text of each visible line.
     Texts lines() const { return textsOf(reader_.lines(), {}); }
 
     QDBusConnection panel_ = connectionOf("panel");

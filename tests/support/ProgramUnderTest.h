@@ -11,8 +11,8 @@
 #include <algorithm>
 #include <csignal>
 
-/// The real program, copied into a folder of its own from the build folder, or with an installation that
-/// USAGE_METER_INSTALLATION names. Its settings, caches and identifier are nobody else's.
+/// The real program, copied from the build folder to a private folder, or from the installation that
+/// USAGE_METER_INSTALLATION names. It has its own settings, caches and identifier.
 class ProgramUnderTest {
 public:
     static constexpr char const* identifier = "net.tarvo.UsageMeter.test";
@@ -28,7 +28,7 @@ public:
         for (char const* const variable : { "LANGUAGE", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY" })
             environment_.remove(QLatin1String(variable));
         process_.setProcessChannelMode(QProcess::MergedChannels);
-        // As some launchers leave it to what they start.
+        // Some launchers leave SIGCHLD ignored in their children.
         process_.setChildProcessModifier([] { std::signal(SIGCHLD, SIG_IGN); });
     }
 
@@ -57,7 +57,7 @@ public:
         process_.waitForStarted();
     }
 
-    /// With these connections, the first of them selected, and a cap for it that may be empty.
+    /// Stores these connections with the first one selected, and its cap, which may be empty.
     void startWith(platform::Array const& entries, std::string const& cap = {})
     {
         auto const selected = *entries.at(0).as<std::string>();
@@ -68,7 +68,7 @@ public:
         start();
     }
 
-    /// How many helpers make an exchange for it now.
+    /// The number of helpers that are making an exchange for the program.
     std::ptrdiff_t exchanges() const
     {
         return std::ranges::count_if(std::filesystem::directory_iterator("/proc"), [this](auto const& process) {
@@ -89,14 +89,14 @@ public:
     }
 
     qint64 processId() const { return process_.processId(); }
-    /// Nothing to a program that has ended, for its number 0 would be the group of processes that the test is in.
+    /// Does nothing if the program has ended, since its id 0 would mean the test's own process group.
     void signal(int number) const
     {
         if (processId() != 0)
             ::kill(static_cast<pid_t>(processId()), number);
     }
 
-    /// The exit status; -1 when it runs on or a signal ended it.
+    /// Returns the exit status, or -1 if the program is still running or was killed by a signal.
     int waitForExit(std::chrono::milliseconds bound)
     {
         process_.waitForFinished(static_cast<int>(bound.count()));
@@ -104,7 +104,7 @@ public:
         return exited ? process_.exitCode() : -1;
     }
 
-    /// All that it wrote on standard output and error, over all its starts.
+    /// Everything written to standard output and error since the first start.
     std::string const& output() { return output_ += process_.readAll().toStdString(); }
 
 private:

@@ -5,7 +5,7 @@
 #include "tests/support/PanelTest.h"
 #include "tests/support/ProgramUnderTest.h"
 
-/// The real program with a real provider, seen from where its user sees it: the status area and the disk.
+/// The real program with a real provider, observed in the status area and on disk, as by its user.
 struct RunningProgramTest : PanelTest {
     static constexpr char const* home = "Home - secretOne";
     static constexpr char const* cottage = "Cottage - secretTwo";
@@ -18,10 +18,10 @@ struct RunningProgramTest : PanelTest {
         provider_->setReport("secretTwo", cottageReport_);
     }
 
-    /// Whatever happened, a key is nobody's business.
+    /// A key must never appear in the output, whatever happens.
     ~RunningProgramTest() override { EXPECT_EQ(program_.output().find("secret"), std::string::npos); }
 
-    /// Has the program, at its next start, on a display of its own.
+    /// Gives the program a private display for its next start.
     void startScreen(QStringList const& options = {})
     {
         QStringList const usual { "-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "1280x800x24" };

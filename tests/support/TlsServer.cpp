@@ -31,7 +31,7 @@ TlsServer::TlsServer(std::filesystem::path const& folder, ServerFault fault, Han
     thread_ = std::jthread([this] { serve(); });
 }
 
-// Ends the waiting for clients, and with it the thread.
+// Ends the wait for clients, and so the thread.
 TlsServer::~TlsServer() { ::shutdown(static_cast<int>(BIO_get_fd(listening_.get(), nullptr)), SHUT_RDWR); }
 
 void TlsServer::serve()

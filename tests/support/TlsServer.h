@@ -40,7 +40,7 @@ public:
     std::string address() const { return "https://localhost:" + port(); }
     /// The PEM file of the authority that signed its certificate.
     std::filesystem::path const& authority() const { return authority_; }
-    /// How many came, whatever became of them.
+    /// The number of connections, whatever became of them.
     int connections() const { return connections_; }
 
 private:

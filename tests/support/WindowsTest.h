@@ -19,7 +19,7 @@ using Texts = std::vector<std::string>;
 
 /// The real windows on the outlets, without the controller.
 struct WindowsTest : testing::Test {
-    /// The widget of an outlet, wherever it is; a test without it has nothing to say.
+    /// Finds the widget of an outlet in any window; the test cannot continue without it.
     template <typename Widget> static Widget& widgetOf(char const* outlet)
     {
         for (auto* const widget : QApplication::allWidgets()) {
@@ -29,7 +29,7 @@ struct WindowsTest : testing::Test {
         throw std::logic_error(outlet);
     }
 
-    /// The windows go before the models that they show.
+    /// Destroys the windows before the models that they show.
     void TearDown() override { windows_.reset(); }
 
     TemporaryFolder folder_;
