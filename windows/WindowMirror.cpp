@@ -232,7 +232,7 @@ void WindowMirror::setBackground(std::optional<platform::Color> const& color)
         palette.setColor(QPalette::HighlightedText, Qt::black);
     }
     widget_->setPalette(palette);
-    // Not set on the window, which would pass it on to its sheets and to controls that have a background of their own.
+    // Set on each label, because the window would pass it on to controls that have a background of their own.
     if (color)
         palette.setColor(QPalette::WindowText, Qt::white);
     for (auto* const label : widget_->findChildren<QLabel*>()) {
