@@ -128,6 +128,7 @@ TEST_F(StatusItem, ShowsWhatAPanelHasRoomFor)
     toolTip.beginArray();
     toolTip.endArray();
     toolTip >> name >> details;
+    toolTip.endStructure();
     EXPECT_EQ(name, QString(248, '9'));
     EXPECT_EQ(details, "Downloaded: 52.35GB") << "of what shows before the first separator";
 }
