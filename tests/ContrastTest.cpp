@@ -115,13 +115,13 @@ TEST(PalettesContrast, WhatOpensAtAClickCanBeRead)
 TEST(PalettesContrast, AnyAccentColorIsReadable)
 {
     for (auto const appearance : { Appearance::Light, Appearance::Dark }) {
-        for (auto const accent : { 0xFFFFFF, 0x000000, 0xFFFF00, 0x0000FF, 0xFF0000, 0xA0A0A0 }) {
+        for (auto const accent : { 0xFFFFFF, 0x000000, 0xFFFF00, 0x0000FF, 0xFF0000, 0xA0A0A0, 0x3DAEE9, 0xEEFF55 }) {
             auto const part = [accent](int shift) { return static_cast<std::uint8_t>(accent >> shift & 0xFF); };
             applyLook({ appearance, platform::Color { part(16), part(8), part(0) } });
             auto const palette = QApplication::palette();
             EXPECT_GE(contrast(palette.highlight().color(), palette.highlightedText().color()), enough) << accent;
-            // A shade for both leaves rounding no room.
-            EXPECT_GE(contrast(palette.highlight().color(), palette.window().color()), 2.9) << accent;
+            // In the dark, few shades have both contrasts, and rounding can miss them by a little.
+            EXPECT_GE(contrast(palette.highlight().color(), palette.window().color()), 2.97) << accent;
         }
     }
 }

@@ -82,7 +82,8 @@ QPalette palette(platform::Appearance appearance)
 // Finds the nearest shade of a colour with the wanted contrast to another one.
 QColor withContrast(QColor color, QColor const& other, double wanted)
 {
-    float const step = other.lightnessF() < 0.5F ? 0.01F : -0.01F;
+    // Fine enough for a shade between two colours that both want their contrast.
+    float const step = other.lightnessF() < 0.5F ? 0.002F : -0.002F;
     auto lightness = color.lightnessF() + step;
     for (; contrast(color, other) < wanted && lightness > 0 && lightness < 1; lightness += step)
         color = QColor::fromHslF(std::max(color.hslHueF(), 0.0F), color.hslSaturationF(), lightness);
