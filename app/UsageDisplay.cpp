@@ -8,6 +8,8 @@
 #include "storage/KeyEntry.h"
 
 #include <array>
+#include <chrono>
+#include <utility>
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include "desktop/Bus.h"
 #include "desktop/Look.h"
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string_view>

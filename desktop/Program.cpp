@@ -6,7 +6,9 @@
 #include "desktop/SystemColors.h"
 #include "platform/Locale.h"
 
+#include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <malloc.h>
 #include <unistd.h>
 

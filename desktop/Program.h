@@ -10,6 +10,7 @@
 #include "desktop/ExitSignals.h"
 #include "desktop/FreedesktopNotifications.h"
 #include "desktop/IconDrawer.h"
+#include "desktop/LateWindows.h"
 #include "desktop/SingleInstance.h"
 #include "desktop/StatusArea.h"
 #include "platform/Bundle.h"
@@ -18,6 +19,9 @@
 #include "platform/ThreadQueues.h"
 #include "platform/UserDefaults.h"
 #include "ui/MainLayout.h"
+
+#include <memory>
+#include <string>
 
 /// The command line; the toolkit removes its own arguments.
 struct Arguments {
