@@ -2,20 +2,26 @@
 #include "app/AppDelegate.h"
 
 #include "app/Outlets.h"
+#include "app/TouchBarMaker.h"
 #include "detail/DetailedUsageViewController.h"
 #include "platform/Bundle.h"
 #include "platform/Platform.h"
-#include "services/ProviderAddresses.h"
 #include "storage/CacheData.h"
 
 AppDelegate::AppDelegate(platform::Platform& platform, Outlets& outlets)
     : platform_(platform)
     , outlets_(outlets)
     , usageStatusItem_(outlets.dropDownMenu)
-    , usageFormatter_(platform.numberLocale)
-    , display_(platform, outlets, usageStatusItem_,
-          [this](double volume, auto unit) { return formattedUsageStringWithUsageValue(volume, unit); })
-    , dates_(platform, outlets, [this] { return nextUpdate(); })
+    , storedKeys_(platform.userDefaults)
+    , usageCaps_(platform.userDefaults)
+    , volumeFormatter_(platform.bundle, platform.numberLocale)
+    , timers_(
+          platform.runLoop, [this] { updateUsageWithCacheTimer(); }, [this] { doFixError(); })
+    , display_(platform, outlets, usageStatusItem_, volumeFormatter_)
+    , dates_(platform, outlets, [this] { return timers_.nextUpdate(); })
+    , addKeySheet_(platform, outlets)
+    , cacheClearedMessage_(platform.runLoop, outlets.cacheClearedText)
+    , startAtLogin_(platform, outlets)
 {
 }
 
@@ -32,5 +38,3 @@ CacheData AppDelegate::cacheData() const
 {
     return { platform_.cachesFolder, platform_.bundle.identifier(), platform_.runLoop };
 }
-
-ProviderAddresses AppDelegate::addresses() const { return ProviderAddresses(platform_.bundle.providerHost()); }

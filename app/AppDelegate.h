@@ -1,17 +1,22 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/AddKeySheet.h"
+#include "app/CacheClearedMessage.h"
 #include "app/NextTimer.h"
+#include "app/RefreshTimers.h"
+#include "app/StartAtLogin.h"
 #include "app/UpdateDates.h"
 #include "app/UsageDisplay.h"
+#include "app/VolumeFormatter.h"
 #include "platform/ComboBox.h"
 #include "platform/NotificationCenter.h"
-#include "platform/NumberFormatter.h"
 #include "platform/RunLoop.h"
 #include "platform/Sender.h"
 #include "platform/StatusItem.h"
-#include "platform/TouchBar.h"
 #include "platform/Value.h"
+#include "storage/StoredKeys.h"
+#include "storage/UsageCaps.h"
 
 #include <cstdint>
 #include <memory>
@@ -21,46 +26,33 @@
 #include <vector>
 
 namespace platform {
-class MenuItem;
-class TextField;
 class UserDefaults;
-class Window;
 struct Platform;
 }
 class CacheData;
 class DetailedUsageViewController;
-class ProviderAddresses;
+class TouchBarMaker;
 struct Outlets;
 
 /// The application's controller. It owns the current report, the timers and the status item, and drives everything
 /// through the models of its outlets. Lives for the whole run; main thread only.
-class AppDelegate final : private platform::ComboBoxDelegate,
-                          private platform::NotificationCenterDelegate,
-                          private platform::TouchBarDelegate {
+class AppDelegate final : private platform::ComboBoxDelegate, private platform::NotificationCenterDelegate {
 public:
     AppDelegate(platform::Platform& platform, Outlets& outlets);
     ~AppDelegate() override;
 
     // Launch
-
     /// Runs once, when the desktop is up and the outlets have their restored state.
     void applicationDidFinishLaunching();
     platform::StatusItem& usageStatusItem() { return usageStatusItem_; }
 
     // Key list
-
     /// Fills the key list from the settings and takes the current usage key from the list's text.
     void loadKeys();
     /// The selected key entry, including nickname and key.
     std::optional<std::string> getCurrentlySelectedKey() const;
-    platform::Dictionary usageCapDictionaryByModifyingCap(
-        std::optional<std::string> const& cap, std::optional<std::string> const& forKey) const;
-    /// Returns whether the entry had a cap.
-    bool doRemoveKeyFromUsageCapDictionary(std::string_view keyEntry);
-    std::optional<std::string> usageCapForKey(std::string_view keyEntry) const;
 
     // Refresh
-
     /// Gets the report of the current usage key and presents it. It comes from the cache if that is allowed and fresh,
     /// else from the provider. Does nothing while the key list shows no entry.
     void updateUsageWithCache(bool cacheAllowed, bool withNotification);
@@ -71,14 +63,11 @@ public:
     void didActivateNotification(platform::NotificationId id) override;
 
     // Schedule
-
     /// Queues the re-arming of the refresh timer for a fire date (with interval 0) or for an interval in seconds
     /// (without a fire date). Always returns true.
     bool updateTimer(std::optional<platform::Date> withFireDate, std::int64_t orWithInterval);
     /// Puts the dates of the last and the next update into the menu.
     void updateTitleBarDates();
-    /// Formats the menu's dates again, since "today" or the time zone may have changed.
-    void menuNeedsUpdate();
     /// Handles a new interval: clears the cached reports and fetches a new one.
     void doChangeUpdateIntervalDropdown();
     void doFixError();
@@ -88,13 +77,7 @@ public:
     /// whose due times are just as wrong, are cleared, and a refresh is made at once.
     void receiveClockNote();
 
-    // Presentation
-
-    /// Returns a figure with its unit, or the text for a missing cap if the value is 0 or -1 and there is no unit.
-    std::string formattedUsageStringWithUsageValue(double value, std::optional<std::string_view> andMeasurement) const;
-
     // Status menu
-
     /// Shows the waiting state.
     void updateMenuBarLoading();
     /// Shows the preferences window in front of the program's own windows.
@@ -102,7 +85,6 @@ public:
     /// Shows the preferences window in front of all programs' windows.
     void showPreferences();
     void showUsageWindow();
-    /// Refreshes from the provider, bypassing the cache.
     void updateButton();
     void quitButton();
     /// Rebuilds the connection submenu from the key list.
@@ -111,35 +93,27 @@ public:
     void doSelectSubMenuWithMenuItem(platform::Sender sender);
 
     // Key management
-
+    AddKeySheet& addKeySheet() { return addKeySheet_; }
     /// Confirms the selected connection and the typed cap, closes the preferences window and refreshes. After a pick
     /// from the submenu it only refreshes.
     void useConnection();
     /// Closes the preferences window. An unconfirmed selection or cap is confirmed, so that no window shows one
     /// connection's name with another's figures.
     void closePreferences();
-    /// Opens the add-key sheet and asks the provider for this connection's key, without reporting failure.
+    /// Opens the preferences window with the sheet for a new connection.
     void addKeyButton();
-    void cancelButton();
     void addKeyAction();
     void doAddKey();
     /// Adds and selects a connection. Returns false, with nothing changed, if the list already has the same entry.
     bool addKeyWithNickname(std::string_view nickname, std::string_view withKey);
-    void checkCurrentKey();
-    void autoRetrieveCodeButton();
-    /// Fills the key field with this connection's key if the provider knows it; otherwise shows an error if requested.
-    void checkCurrentKeyWithError(bool showError);
     void removeKeyButton();
     /// Removes the selected connection if the user answered with the alert's first button.
     void doRemoveKeyAndAlert(int andReturnCode);
-    void getUsageCode();
-    void checkUpdates();
     /// Opens the daily usage window, and hides the usage window if it was opened from there.
     void viewDailyUsageDataButton(platform::Sender sender);
     void comboBoxSelectionDidChange() override;
 
     // Preferences
-
     /// Makes the check boxes' titles white, to suit the coloured background.
     void updateDesign();
     /// Fills the cap field with the stored cap of the selected connection.
@@ -147,32 +121,15 @@ public:
     void clearCache();
     /// Clears the cache and shows a message for a while.
     void clearCacheButton();
-    /// Fades the message in and schedules its removal, or fades it out. A duration of zero marks the first time it is
-    /// shown.
-    void animateSuccessMessageWithAnimationTime(platform::Seconds duration, bool andAnimatingIn);
-    void hideCacheClearedText();
     /// Handles a change to how connections are named.
     void changeOnlyKeyNicknames();
     /// Handles the choice of another figure for the status item.
     void changeStatusBarDropdown();
-    /// Stores whether the program starts at login, and shows an error if that fails.
-    void changeStartAtLogin();
-
-    // Touch bar
-
-    /// Makes a bar without connections.
-    std::shared_ptr<platform::TouchBar> makeTouchBar();
-    /// Makes a bar with the items of these connections, if any.
-    std::shared_ptr<platform::TouchBar> makeTouchBarWithArray(std::vector<std::string> const& connectionIdentifiers);
-    std::unique_ptr<platform::CustomTouchBarItem> makeItemForIdentifier(std::string_view identifier) override;
-    /// Shares the preferences window's bar with the other windows. Always returns true.
-    bool setTouchBarForAllWindows();
 
     // Appearance
-
     /// Sets the preferences window's background for the current appearance.
     void updateDarkAppearance();
-    /// Starts observing wakes, clock changes and the appearance.
+    /// Starts observing what happens outside the controller: wakes, clock changes, the appearance.
     void fileNotifications();
 
 private:
@@ -194,7 +151,6 @@ private:
     // Schedule
     void armUpdateInterval(std::optional<platform::Date> fireDate, platform::Seconds interval);
     void noteLastUpdate();
-    std::optional<platform::Date> nextUpdate() const;
 
     // Presentation
     void presentReport();
@@ -203,38 +159,19 @@ private:
     void followSelection();
 
     // Key management
-    void showKeyStatus();
-    void acceptLookup(std::optional<std::string> const& key, bool showError);
-    platform::Window& addKeyAlertWindow();
-    void showLookupFailure();
     void selectFirstKey();
-    std::vector<std::string> storedKeyEntries() const;
-    /// Whether an entry of the key list has this usage key.
-    bool isStored(std::string_view usageKey) const;
-    void storeKeyEntries(std::vector<std::string> const& entries);
-
-    // Preferences
-    void followControls();
-    void showCapReading();
-    void showStartAtLogin();
-    void fadeMessage(double opacity, platform::Seconds duration, platform::Task completion);
-    void hideMessageLater();
-
-    // Touch bar
-    void showTouchBar(std::vector<std::string> const& connectionIdentifiers);
-    /// The identifiers of the connections that fit in the bar.
-    std::vector<std::string> touchBarConnections() const;
 
     IntervalChoice intervalChoice() const;
     std::string text(std::string_view key) const;
     CacheData cacheData() const;
-    ProviderAddresses addresses() const;
 
     platform::Platform& platform_;
     Outlets& outlets_;
     platform::StatusItem usageStatusItem_;
     platform::UserDefaults* prefs_ = nullptr;
-    platform::NumberFormatter usageFormatter_;
+    StoredKeys storedKeys_;
+    UsageCaps usageCaps_;
+    VolumeFormatter volumeFormatter_;
 
     /// The current report: empty until the first refresh ends, nullopt after a failed one.
     std::optional<platform::Dictionary> usageDictionary_;
@@ -244,15 +181,16 @@ private:
     std::string selectedKey_;
     /// The entry that selectedKey_ comes from.
     std::string confirmedEntry_;
-    IntervalChoice indexOfSelectedItemUpdateInterval_ = 0;
-    std::unique_ptr<platform::Timer> updateInterval_;
-    std::unique_ptr<platform::Timer> fixErrorTimer_;
+    RefreshTimers timers_;
     UsageDisplay display_;
     UpdateDates dates_;
+    AddKeySheet addKeySheet_;
+    CacheClearedMessage cacheClearedMessage_;
+    StartAtLogin startAtLogin_;
+    /// Null if the desktop has no touch bar.
+    std::unique_ptr<TouchBarMaker> touchBarMaker_;
     /// Set when a connection was picked from the submenu; useConnection() then stores no cap and closes nothing.
     bool usedMenuItemForSelection_ = false;
-    bool animationRanAlready_ = false;
-    bool touchBarAvailable_ = false;
     std::unique_ptr<DetailedUsageViewController> detailedUsageController_;
 
     std::vector<platform::Subscription> observations_;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
+#include "app/TouchBarMaker.h"
 #include "platform/Bundle.h"
 #include "platform/Platform.h"
 #include "platform/UserDefaults.h"
@@ -12,6 +13,15 @@ namespace {
 
 // The initial choice of both pop-ups.
 constexpr int defaultChoice = 2;
+
+std::unique_ptr<TouchBarMaker> touchBarMaker(platform::Bundle const& bundle, Outlets& outlets, AppDelegate& controller)
+{
+    return std::make_unique<TouchBarMaker>(bundle, outlets,
+        TouchBarMaker::Actions { .updateNow = [&controller](platform::Sender) { controller.updateButton(); },
+            .showDailyUsage = [&controller](platform::Sender sender) { controller.viewDailyUsageDataButton(sender); },
+            .selectConnection
+            = [&controller](platform::Sender sender) { controller.doSelectSubMenuWithMenuItem(sender); } });
+}
 
 }
 
@@ -27,15 +37,14 @@ void AppDelegate::applicationDidFinishLaunching()
 void AppDelegate::performStartupActions()
 {
     prefs_ = &platform_.userDefaults;
-    touchBarAvailable_ = platform_.touchBarAvailable;
-    if (touchBarAvailable_)
-        outlets_.window.touchBar.set(makeTouchBar());
+    if (platform_.touchBarAvailable) {
+        touchBarMaker_ = touchBarMaker(platform_.bundle, outlets_, *this);
+        outlets_.window.touchBar.set(touchBarMaker_->makeTouchBar());
+    }
     outlets_.tarvoUsageKeysComboBox.delegate = this;
     doUpdateUsageCapText();
     fileNotifications();
-    followControls();
     updateDesign();
-    showStartAtLogin();
     if (!prefs_->contains(settings::menuBarSelector))
         outlets_.statusBarDropdown.indexOfSelectedItem.set(defaultChoice);
     bool const cacheAllowed = applyVersionRule();
@@ -72,12 +81,7 @@ void AppDelegate::repairCacheOnce()
 {
     if (prefs_->contains(settings::fixedCache) || !prefs_->contains(settings::tarvoKeys))
         return;
-    std::vector<std::string> usageKeys;
-    for (auto const& entry : storedKeyEntries()) {
-        if (auto key = KeyEntry::parse(entry).key)
-            usageKeys.push_back(*std::move(key));
-    }
-    if (cacheData().fixCacheWithKeyList(usageKeys))
+    if (cacheData().fixCacheWithKeyList(storedKeys_.usageKeys()))
         prefs_->set(settings::fixedCache, 1);
 }
 

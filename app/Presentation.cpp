@@ -1,28 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
-#include "platform/Bundle.h"
 #include "platform/Platform.h"
-
-namespace {
-
-using namespace std::chrono_literals;
-
-constexpr platform::Seconds retryDelay = 30s;
-
-}
-
-std::string AppDelegate::formattedUsageStringWithUsageValue(
-    double value, std::optional<std::string_view> andMeasurement) const
-{
-    if (andMeasurement)
-        return usageFormatter_.string(value).append(*andMeasurement);
-    if (value == 0.0)
-        return text("UNLIMITED");
-    if (value == -1.0)
-        return "∞";
-    return text("FAILURE_SHORT_RESPONSE");
-}
 
 void AppDelegate::updateTitleBar()
 {
@@ -38,13 +17,13 @@ void AppDelegate::updateTitleBar()
 void AppDelegate::presentFailure()
 {
     display_.showFailure();
-    fixErrorTimer_ = platform_.runLoop.after(retryDelay, [this] { doFixError(); });
+    timers_.armFixError();
 }
 
 void AppDelegate::presentReport()
 {
     // An overlapping refresh may have failed and started the timer.
-    fixErrorTimer_.reset();
+    timers_.cancelFixError();
     updateTitleBarDates();
     // The last connection may have been removed before its report arrived.
     display_.showConnection(getCurrentlySelectedKey());

@@ -4,6 +4,7 @@
 #include "platform/BackgroundQueues.h"
 #include "platform/Bundle.h"
 #include "platform/Platform.h"
+#include "services/ProviderAddresses.h"
 #include "services/UsageData.h"
 #include "storage/CacheData.h"
 #include "storage/UsageReport.h"
@@ -21,10 +22,7 @@ void AppDelegate::updateUsageWithCache(bool cacheAllowed, bool withNotification)
         return;
 
     updateMenuBarLoading();
-    for (auto const& timer : { updateInterval_.get(), fixErrorTimer_.get() }) {
-        if (timer)
-            timer->cancel();
-    }
+    timers_.cancel();
     if (auto const choice = intervalChoice(); choice != 0)
         updateTimer(std::nullopt, std::chrono::seconds(periodOf(choice)).count());
 
@@ -45,7 +43,8 @@ void AppDelegate::refreshInBackground(Refresh const& refresh)
         }
     }
 
-    auto fetched = UsageData(platform_.urlLoader, addresses()).updateUsage(refresh.usageKey);
+    auto fetched = UsageData(platform_.urlLoader, ProviderAddresses(platform_.bundle.providerHost()))
+                       .updateUsage(refresh.usageKey);
     auto const lastUpdate = platform_.runLoop.now();
     platform_.runLoop.perform(
         [this, refresh, lastUpdate, report = std::move(fetched).value_or(platform::Dictionary {})] {
@@ -60,8 +59,7 @@ void AppDelegate::acceptCachedReport(Refresh const& refresh, platform::Dictionar
 {
     usageDictionary_ = report;
     reportKey_ = refresh.usageKey;
-    indexOfSelectedItemUpdateInterval_ = intervalChoice();
-    if (indexOfSelectedItemUpdateInterval_ != 0) {
+    if (intervalChoice() != 0) {
         auto const* const nextUpdate = platform::entry<platform::Date>(report, reportEntry::nextUpdate);
         updateTimer(nextUpdate ? std::optional(*nextUpdate) : std::nullopt, 0);
     }
@@ -71,16 +69,15 @@ void AppDelegate::acceptCachedReport(Refresh const& refresh, platform::Dictionar
 void AppDelegate::acceptFetchedReport(Refresh const& refresh, platform::Dictionary report, platform::Date lastUpdate)
 {
     report.insert_or_assign(reportEntry::lastUpdate, lastUpdate);
-    if (auto const next = nextUpdate())
+    if (auto const next = timers_.nextUpdate())
         report.insert_or_assign(reportEntry::nextUpdate, *next);
-    indexOfSelectedItemUpdateInterval_ = intervalChoice();
-    report.insert_or_assign(reportEntry::updateInterval, indexOfSelectedItemUpdateInterval_);
+    report.insert_or_assign(reportEntry::updateInterval, intervalChoice());
 
     usageDictionary_ = std::move(report);
     reportKey_ = refresh.usageKey;
 
     // Removing a connection also removes its file, which a refresh in progress must not recreate.
-    if (isStored(refresh.usageKey))
+    if (storedKeys_.hasUsageKey(refresh.usageKey))
         cacheData().saveCacheFile(*usageDictionary_, refresh.usageKey);
     if (refresh.withNotification)
         notify();

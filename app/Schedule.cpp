@@ -15,12 +15,7 @@ bool AppDelegate::updateTimer(std::optional<platform::Date> withFireDate, std::i
 void AppDelegate::armUpdateInterval(std::optional<platform::Date> fireDate, platform::Seconds interval)
 {
     std::int64_t const stored = usageDictionary_ ? updateIntervalOf(*usageDictionary_) : 0;
-    auto const plan = nextTimer(platform_.runLoop.now(), fireDate, interval, intervalChoice(), stored);
-
-    if (updateInterval_)
-        updateInterval_->cancel();
-    if (plan)
-        updateInterval_ = platform_.runLoop.repeat(plan->first, plan->period, [this] { updateUsageWithCacheTimer(); });
+    timers_.armUpdateInterval(nextTimer(platform_.runLoop.now(), fireDate, interval, intervalChoice(), stored));
     noteLastUpdate();
     dates_.showSoon();
 }
@@ -41,14 +36,6 @@ void AppDelegate::noteLastUpdate()
     dates_.setLastUpdate(lastUpdate);
 }
 
-void AppDelegate::menuNeedsUpdate() { dates_.refresh(); }
-
-std::optional<platform::Date> AppDelegate::nextUpdate() const
-{
-    bool const isArmed = updateInterval_ && updateInterval_->isValid();
-    return isArmed ? std::optional(updateInterval_->fireDate()) : std::nullopt;
-}
-
 void AppDelegate::doChangeUpdateIntervalDropdown()
 {
     // A report saved under the old interval must not count as fresh.
@@ -61,7 +48,7 @@ void AppDelegate::doFixError() { updateUsageWithCache(false); }
 
 void AppDelegate::receiveWakeNote()
 {
-    if (auto const next = nextUpdate(); next && platform_.runLoop.now() > *next)
+    if (auto const next = timers_.nextUpdate(); next && platform_.runLoop.now() > *next)
         updateUsageWithCache(false);
 }
 
@@ -69,7 +56,7 @@ void AppDelegate::receiveClockNote()
 {
     // A small correction of the clock is ignored.
     constexpr platform::Seconds slack = std::chrono::minutes(1);
-    auto const next = nextUpdate();
+    auto const next = timers_.nextUpdate();
     if (!next || *next - platform_.runLoop.now() <= periodOf(intervalChoice()) + slack)
         return;
     clearCache();

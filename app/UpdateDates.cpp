@@ -26,6 +26,7 @@ UpdateDates::UpdateDates(
     , nextUpdate_(std::move(nextUpdate))
     , windowObservation_(outlets.monitorWindow.visible.observe([this](bool isShown) { keepRight(isShown); }))
 {
+    outlets.dropDownMenu.needsUpdate = [this] { refresh(); };
 }
 
 void UpdateDates::showPlaceholder()
@@ -61,17 +62,17 @@ void UpdateDates::refresh()
         show();
 }
 
-// An open window shows the dates too, and the time zone may change. A quarter of an hour is enough, since in every time
-// zone the day begins on one.
+// An open window shows the dates too, so they are checked whenever a new day may have begun somewhere.
 void UpdateDates::keepRight(bool isShown)
 {
     check_.reset();
     if (!isShown)
         return;
     refresh();
-    auto const quarter
-        = std::chrono::floor<std::chrono::duration<std::int64_t, std::ratio<900>>>(platform_.runLoop.now());
-    check_ = platform_.runLoop.repeat(quarter + 15min, 15min, [this] { refresh(); });
+    constexpr platform::QuarterHours quarter(1);
+    auto const now = platform_.runLoop.now();
+    check_ = platform_.runLoop.repeat(
+        std::chrono::floor<platform::QuarterHours>(now) + quarter, quarter, [this] { refresh(); });
 }
 
 void UpdateDates::write(std::string_view lastUpdate, std::string_view nextUpdate)

@@ -2,6 +2,7 @@
 #include "app/UsageDisplay.h"
 
 #include "app/Outlets.h"
+#include "app/UsageTexts.h"
 #include "platform/Bundle.h"
 #include "platform/Platform.h"
 #include "platform/StatusItem.h"
@@ -16,8 +17,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr platform::Seconds fadeDuration = 500ms;
-constexpr std::string_view megabyte = "MB";
-constexpr std::string_view error = "Error";
 
 /// Where a figure is shown.
 struct FigurePlace {
@@ -26,8 +25,6 @@ struct FigurePlace {
     /// The figure's line in the menu, if it has one, and the key of the line's label.
     Outlets::MenuItem Outlets::* line = nullptr;
     std::string_view label {};
-    /// Whether the figure exists only if there is a cap.
-    bool needsCap = false;
 };
 
 constexpr std::array places {
@@ -40,19 +37,19 @@ constexpr std::array places {
     FigurePlace { &UsageFigures::graceUploaded, &Outlets::uploadFreeUsage },
     FigurePlace { &UsageFigures::graceTotal, &Outlets::totalFreeUsage },
     FigurePlace { &UsageFigures::overallTotal, &Outlets::finalTotalUsage, &Outlets::totalUsageMenuItem, "TOTAL_USAGE" },
-    FigurePlace { &UsageFigures::cap, &Outlets::usageCapText, &Outlets::usageCapMenuItem, "USAGE_CAP", true },
-    FigurePlace { &UsageFigures::remaining, &Outlets::usageRemainingText, &Outlets::remainingUsageMenuItem,
-        "REMAINING_USAGE", true },
+    FigurePlace { &UsageFigures::cap, &Outlets::usageCapText, &Outlets::usageCapMenuItem, "USAGE_CAP" },
+    FigurePlace {
+        &UsageFigures::remaining, &Outlets::usageRemainingText, &Outlets::remainingUsageMenuItem, "REMAINING_USAGE" },
 };
 
 }
 
-UsageDisplay::UsageDisplay(
-    platform::Platform& platform, Outlets& outlets, platform::StatusItem& statusItem, FormatVolume formatVolume)
+UsageDisplay::UsageDisplay(platform::Platform& platform, Outlets& outlets, platform::StatusItem& statusItem,
+    VolumeFormatter const& volumeFormatter)
     : platform_(platform)
     , outlets_(outlets)
     , statusItem_(statusItem)
-    , formatVolume_(std::move(formatVolume))
+    , volumeFormatter_(volumeFormatter)
     , titleObservation_(
           statusItem.title.observe([&outlets](std::string const& title) { outlets.headline.text.set(title); }))
     , choiceObservation_(
@@ -85,26 +82,25 @@ void UsageDisplay::showFailure()
     for (auto const& place : places)
         (outlets_.*place.field).text.set(failure);
     statusItem_.title.set(failure);
-    showVolumeLines(error);
+    showVolumeLines("Error");
 }
 
-void UsageDisplay::showFigures(UsageFigures figures)
+void UsageDisplay::showFigures(UsageFigures const& figures)
 {
+    UsageTexts const texts(figures, volumeFormatter_);
     isWaiting_ = false;
     outlets_.refreshStatus.text.set({});
-    showToolTips(figures);
-    showLevel(figures);
     outlets_.setCapButton.hidden.set(figures.hasCap());
-    auto const unit = figures.scaleToDisplayUnit();
-    showFields(figures, unit);
-    showMenu(figures, unit);
-    statusItem_.title.set(statusTitle(figures, unit));
+    showTexts(texts);
+    showMenuLines();
+    showLevel(figures, texts);
+    showStatusTitle(figures);
 }
 
-void UsageDisplay::showStatusTitle(UsageFigures figures)
+void UsageDisplay::showStatusTitle(UsageFigures const& figures)
 {
-    auto const unit = figures.scaleToDisplayUnit();
-    statusItem_.title.set(statusTitle(figures, unit));
+    int const choice = outlets_.statusBarDropdown.indexOfSelectedItem.get();
+    statusItem_.title.set(UsageTexts(figures, volumeFormatter_).statusTitle(choice));
 }
 
 void UsageDisplay::showConnection(std::optional<std::string> const& entry)
@@ -119,66 +115,31 @@ void UsageDisplay::showConnection(std::optional<std::string> const& entry)
 void UsageDisplay::showVolumeLines(std::string_view value)
 {
     for (auto const& place : places) {
-        if (place.line && !place.needsCap)
+        if (place.line && !UsageFigures::dependsOnCap(place.figure))
             (outlets_.*place.line)->title.set(platform_.bundle.labelledString(place.label, value));
     }
 }
 
-std::string UsageDisplay::capped(double volume, UsageFigures const& figures, std::string_view unit) const
-{
-    return figures.hasCap() ? formatVolume_(volume, unit) : formatVolume_(0.0, std::nullopt);
-}
-
-void UsageDisplay::showToolTips(UsageFigures const& figures)
+void UsageDisplay::showTexts(UsageTexts const& texts)
 {
     for (auto const& place : places) {
-        double const volume = figures.*place.figure;
-        (outlets_.*place.field)
-            .toolTip.set(place.needsCap ? capped(volume, figures, megabyte) : formatVolume_(volume, megabyte));
+        auto const shown = texts.textsOf(place.figure);
+        (outlets_.*place.field).text.set(shown.field);
+        (outlets_.*place.field).toolTip.set(shown.toolTip);
+        if (place.line)
+            (outlets_.*place.line)->title.set(platform_.bundle.labelledString(place.label, shown.line));
     }
 }
 
-void UsageDisplay::showFields(UsageFigures const& figures, std::string_view unit)
+void UsageDisplay::showMenuLines()
 {
-    for (auto const& place : places) {
-        bool const isEndless = place.needsCap && !figures.hasCap();
-        (outlets_.*place.field)
-            .text.set(isEndless ? formatVolume_(-1.0, std::nullopt) : formatVolume_(figures.*place.figure, unit));
-    }
-}
-
-void UsageDisplay::showMenu(UsageFigures const& figures, std::string_view unit)
-{
-    for (auto const& place : places) {
-        if (!place.line)
-            continue;
-        double const volume = figures.*place.figure;
-        auto const value = place.needsCap ? capped(volume, figures, unit) : formatVolume_(volume, unit);
-        (outlets_.*place.line)->title.set(platform_.bundle.labelledString(place.label, value));
-    }
     outlets_.usageCapMenuItem->hidden.set(!outlets_.usageCapToggle.on.get());
     outlets_.remainingUsageMenuItem->hidden.set(!outlets_.remainingUsageToggle.on.get());
     outlets_.lastUpdateMenuItem->hidden.set(!outlets_.lastUpdateToggle.on.get());
     outlets_.nextUpdateMenuItem->hidden.set(!outlets_.nextUpdateToggle.on.get());
 }
 
-std::string UsageDisplay::statusTitle(UsageFigures const& figures, std::string_view unit) const
-{
-    switch (outlets_.statusBarDropdown.indexOfSelectedItem.get()) {
-    case 0:
-        return formatVolume_(figures.usedTotal, unit);
-    case 1:
-        return formatVolume_(figures.graceTotal, unit);
-    case 2:
-        return formatVolume_(figures.overallTotal, unit);
-    case 3:
-        return capped(figures.remaining, figures, unit);
-    default:
-        return std::string(error);
-    }
-}
-
-void UsageDisplay::showLevel(UsageFigures const& figures)
+void UsageDisplay::showLevel(UsageFigures const& figures, UsageTexts const& texts)
 {
     double const opacity = outlets_.usageBar.opacity.at(platform_.runLoop.uptime());
     if (!figures.hasCap()) {
@@ -191,7 +152,7 @@ void UsageDisplay::showLevel(UsageFigures const& figures)
     outlets_.usageBar.doubleValue.set(figures.usedTotal);
     outlets_.usageBar.warningValue.set(0.7 * figures.cap);
     outlets_.usageBar.criticalValue.set(0.85 * figures.cap);
-    outlets_.usageCapPercentageText.text.set(formatVolume_(figures.percentage(), "%"));
+    outlets_.usageCapPercentageText.text.set(texts.percentage());
     if (opacity == 1.0)
         return;
     outlets_.usageBar.opacity.set(0.0);

@@ -4,7 +4,6 @@
 #include "app/UsageFigures.h"
 #include "platform/Property.h"
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,25 +12,24 @@ namespace platform {
 class StatusItem;
 struct Platform;
 }
+class UsageTexts;
+class VolumeFormatter;
 struct Outlets;
 
 /// Shows the figures of the selected connection, or why there are none, in the status item, the menu and the usage
 /// window. Main thread only.
 class UsageDisplay final {
 public:
-    /// Formats a volume in a unit. Without a unit, 0 is the text for a missing cap, and -1 its symbol.
-    using FormatVolume = std::function<std::string(double volume, std::optional<std::string_view> unit)>;
-
-    UsageDisplay(
-        platform::Platform& platform, Outlets& outlets, platform::StatusItem& statusItem, FormatVolume formatVolume);
+    UsageDisplay(platform::Platform& platform, Outlets& outlets, platform::StatusItem& statusItem,
+        VolumeFormatter const& volumeFormatter);
 
     /// Shows that the provider is being asked, or that there is no connection yet. The last figures stay in the window.
     void showWaiting(bool hasConnection);
     void showFailure();
     /// Shows a report's figures. They are in megabytes.
-    void showFigures(UsageFigures figures);
+    void showFigures(UsageFigures const& figures);
     /// Shows the figure that the user chose for the status item, of figures in megabytes.
-    void showStatusTitle(UsageFigures figures);
+    void showStatusTitle(UsageFigures const& figures);
     /// Names the connection of a key entry in the usage window's title.
     void showConnection(std::optional<std::string> const& entry);
 
@@ -41,19 +39,16 @@ private:
     std::string text(std::string_view key) const;
     void showHeadlineCaption(int choice);
     void showVolumeLines(std::string_view value);
-    void showToolTips(UsageFigures const& figures);
-    void showLevel(UsageFigures const& figures);
-    void showFields(UsageFigures const& figures, std::string_view unit);
-    void showMenu(UsageFigures const& figures, std::string_view unit);
-    std::string statusTitle(UsageFigures const& figures, std::string_view unit) const;
-    std::string capped(double volume, UsageFigures const& figures, std::string_view unit) const;
+    void showTexts(UsageTexts const& texts);
+    void showMenuLines();
+    void showLevel(UsageFigures const& figures, UsageTexts const& texts);
     void fadeLevel(double opacity);
     void setLevelHidden(bool hidden);
 
     platform::Platform& platform_;
     Outlets& outlets_;
     platform::StatusItem& statusItem_;
-    FormatVolume formatVolume_;
+    VolumeFormatter const& volumeFormatter_;
     bool isWaiting_ = false;
     platform::Subscription titleObservation_;
     platform::Subscription choiceObservation_;

@@ -23,6 +23,12 @@ struct UsageFigures {
     /// Treats a missing figure as 0. The cap is in gigabytes, as typed.
     static UsageFigures fromReport(platform::Dictionary const& report, std::string_view capText);
 
+    /// Whether a figure exists only if there is a cap.
+    static constexpr bool dependsOnCap(double UsageFigures::* figure)
+    {
+        return figure == &UsageFigures::cap || figure == &UsageFigures::remaining;
+    }
+
     bool hasCap() const { return cap != 0; }
     /// The used share of the cap, in percent. Requires a cap.
     float percentage() const;

@@ -20,15 +20,13 @@ std::vector<Date> monthsBetween(Date earliest, Date latest, std::string const& l
 
 std::string dayMark(Date now)
 {
-    // Time zones differ by whole quarters of an hour, so a day always begins at the start of one.
-    using Quarters = std::chrono::duration<std::int64_t, std::ratio<900>>;
     static std::filesystem::path const systemZone = "/etc/localtime";
     std::error_code error;
     auto const zone = std::filesystem::read_symlink(systemZone, error);
     auto const zoneChange = std::filesystem::last_write_time(systemZone, error);
     char const* const ownZone
         = std::getenv("TZ"); // NOLINT(concurrency-mt-unsafe): only the main thread uses the environment.
-    return std::to_string(std::chrono::floor<Quarters>(now.time_since_epoch()).count()) + ' '
+    return std::to_string(std::chrono::floor<QuarterHours>(now.time_since_epoch()).count()) + ' '
         + std::to_string(zoneChange.time_since_epoch().count()) + ' ' + zone.string() + ' ' + (ownZone ? ownZone : "");
 }
 

@@ -3,12 +3,18 @@
 
 #include "platform/Date.h"
 
+#include <chrono>
+#include <cstdint>
+#include <ratio>
 #include <string>
 #include <vector>
 
 // Functions on months in the computer's current time zone. Locales have ICU names, and an unknown locale is treated as
 // English. Main thread only.
 namespace platform {
+
+/// Time zones differ by whole quarters of an hour, so a day always begins at the start of one.
+using QuarterHours = std::chrono::duration<std::int64_t, std::ratio<900>>;
 
 /// A month of a calendar; months count from 1.
 struct CalendarMonth {

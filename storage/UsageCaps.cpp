@@ -1,27 +1,40 @@
 // SPDX-License-Identifier: MIT
 #include "storage/UsageCaps.h"
 
-namespace usageCaps {
+#include "platform/UserDefaults.h"
+#include "storage/SettingsKeys.h"
 
-platform::Dictionary withCap(platform::Dictionary const* table, std::optional<std::string> const& cap,
-    std::optional<std::string> const& keyEntry)
+#include <utility>
+
+std::optional<std::string> UsageCaps::usageCapForKey(std::string_view keyEntry) const
 {
-    platform::Dictionary changed = table ? *table : platform::Dictionary {};
-    if (cap && keyEntry)
-        changed.insert_or_assign(*keyEntry, *cap);
+    auto const* const table = userDefaults_.get<platform::Dictionary>(settings::usageCapValues);
+    auto const* const cap = table ? platform::entry<std::string>(*table, keyEntry) : nullptr;
+    return cap ? std::optional(*cap) : std::nullopt;
+}
+
+platform::Dictionary UsageCaps::usageCapDictionaryByModifyingCap(
+    std::optional<std::string> const& cap, std::optional<std::string> const& forKey) const
+{
+    auto changed = table();
+    if (cap && forKey)
+        changed.insert_or_assign(*forKey, *cap);
     return changed;
 }
 
-std::optional<platform::Dictionary> without(platform::Dictionary const* table, std::string_view keyEntry)
+bool UsageCaps::doRemoveKeyFromUsageCapDictionary(std::string_view keyEntry)
 {
-    if (!table)
-        return std::nullopt;
-    auto changed = *table;
+    auto changed = table();
     auto const found = changed.find(keyEntry);
     if (found == changed.end())
-        return std::nullopt;
+        return false;
     changed.erase(found);
-    return changed;
+    userDefaults_.set(settings::usageCapValues, std::move(changed));
+    return true;
 }
 
+platform::Dictionary UsageCaps::table() const
+{
+    auto const* const table = userDefaults_.get<platform::Dictionary>(settings::usageCapValues);
+    return table ? *table : platform::Dictionary {};
 }

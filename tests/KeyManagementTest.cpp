@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "services/RetrieveKey.h"
+#include "storage/UsageCaps.h"
 #include "tests/support/ControllerTest.h"
 
 struct KeyManagementTest : LaunchedTest {
@@ -107,7 +108,7 @@ TEST_F(KeyManagementTest, ClosingThePreferencesConfirmsWhatWasPickedOrTyped)
     outlets->usageLimit.userTyped("40");
     EXPECT_EQ(close(), 2U) << "the cache has it";
     EXPECT_EQ(outlets->usageCapMenuItem->title.get(), "Usage cap: 40GB");
-    EXPECT_EQ(controller->usageCapForKey(cottage), "40");
+    EXPECT_EQ(UsageCaps(defaults).usageCapForKey(cottage), "40");
 }
 
 TEST_F(KeyManagementTest, RemovingGoesOnWithTheFirstEntryAsIfTheOtherHadNeverBeen)
@@ -124,7 +125,7 @@ TEST_F(KeyManagementTest, RemovingGoesOnWithTheFirstEntryAsIfTheOtherHadNeverBee
     EXPECT_EQ(stored(), platform::Array { home });
     EXPECT_EQ(*defaults.get<std::string>(settings::tarvoKeySelected), home);
     EXPECT_EQ(outlets->usageLimit.text.get(), "90");
-    EXPECT_EQ(controller->usageCapForKey(cottage), std::nullopt);
+    EXPECT_EQ(UsageCaps(defaults).usageCapForKey(cottage), std::nullopt);
     EXPECT_FALSE(std::filesystem::exists(cache().getCacheDirectory() / "K2"));
     EXPECT_TRUE(outlets->changeConnectionMenuItem->hidden.get()) << "one entry is no choice";
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "storage/UsageCaps.h"
 #include "tests/support/ControllerTest.h"
 
 using StatusMenuTest = LaunchedTest;
@@ -20,7 +21,7 @@ TEST_F(StatusMenuTest, PickingAConnectionSwitchesToItAlone)
     EXPECT_EQ(lines,
         (Texts { "Downloaded: 12GB", "Downloaded free of charge: 8GB", "All traffic: 20GB", "Usage cap: 40GB",
             "Remaining: 28GB", lastUpdate(at(10, 0)), nextUpdate(at(12, 0)) }));
-    EXPECT_EQ(controller->usageCapForKey(home), std::nullopt);
+    EXPECT_EQ(UsageCaps(defaults).usageCapForKey(home), std::nullopt);
     EXPECT_TRUE(outlets->window.visible.get());
     EXPECT_EQ(linesOf(outlets->connectionMenu), (Texts { home, "* Cottage - K2" }));
     launchAndSettle();
@@ -44,10 +45,10 @@ TEST_F(StatusMenuTest, ConfirmingStoresTheCapEvenAfterAnEmptyPickThatWasRefused)
         outlets->usageLimit.userTyped(typed);
         outlets->useConnectionButton.userClicked();
         settle();
-        EXPECT_EQ(controller->usageCapForKey(cottage), typed);
+        EXPECT_EQ(UsageCaps(defaults).usageCapForKey(cottage), typed);
         EXPECT_EQ(outlets->usageCapText.text.get(), shown);
     }
-    EXPECT_EQ(controller->usageCapForKey(home), "90");
+    EXPECT_EQ(UsageCaps(defaults).usageCapForKey(home), "90");
     EXPECT_FALSE(outlets->window.visible.get());
 }
 

@@ -4,13 +4,9 @@
 #include "app/Outlets.h"
 #include "detail/DetailedUsageViewController.h"
 #include "platform/Application.h"
-#include "platform/BackgroundQueues.h"
 #include "platform/Bundle.h"
 #include "platform/Platform.h"
-#include "platform/UrlLoader.h"
 #include "platform/UserDefaults.h"
-#include "platform/Workspace.h"
-#include "services/RetrieveKey.h"
 #include "storage/CacheData.h"
 #include "storage/KeyEntry.h"
 #include "storage/SettingsKeys.h"
@@ -30,8 +26,8 @@ void AppDelegate::useConnection()
 
     if (!isFromSubmenu) {
         if (auto const entry = getCurrentlySelectedKey())
-            prefs_->set(
-                settings::usageCapValues, usageCapDictionaryByModifyingCap(outlets_.usageLimit.text.get(), entry));
+            prefs_->set(settings::usageCapValues,
+                usageCaps_.usageCapDictionaryByModifyingCap(outlets_.usageLimit.text.get(), entry));
         outlets_.window.orderOut();
     }
     loadKeys();
@@ -42,7 +38,8 @@ void AppDelegate::closePreferences()
 {
     auto const entry = getCurrentlySelectedKey();
     bool const isConfirmed = !entry || outlets_.tarvoUsageKeysComboBox.items.get().empty()
-        || (*entry == confirmedEntry_ && outlets_.usageLimit.text.get() == usageCapForKey(*entry).value_or(""));
+        || (*entry == confirmedEntry_
+            && outlets_.usageLimit.text.get() == usageCaps_.usageCapForKey(*entry).value_or(""));
     if (isConfirmed)
         outlets_.window.orderOut();
     else
@@ -52,18 +49,15 @@ void AppDelegate::closePreferences()
 void AppDelegate::addKeyButton()
 {
     showPreferences();
-    outlets_.window.beginSheet(outlets_.addKeyWindow);
-    checkCurrentKey();
+    addKeySheet_.open();
 }
-
-void AppDelegate::cancelButton() { outlets_.window.endSheet(outlets_.addKeyWindow); }
 
 void AppDelegate::addKeyAction()
 {
     if (KeyEntry::isAcceptable(outlets_.keyNewNickname.text.get(), outlets_.usageID.text.get()))
         doAddKey();
     else
-        addKeyAlertWindow().beginSheet({ .messageText = text("FAILURE_BLANK_CODE") });
+        addKeySheet_.beginAlert({ .messageText = text("FAILURE_BLANK_CODE") });
 }
 
 void AppDelegate::doAddKey()
@@ -71,7 +65,7 @@ void AppDelegate::doAddKey()
     if (addKeyWithNickname(outlets_.keyNewNickname.text.get(), outlets_.usageID.text.get()))
         outlets_.window.endSheet(outlets_.addKeyWindow);
     else
-        addKeyAlertWindow().beginSheet({ .messageText = text("FAILURE_KEY_EXISTS") });
+        addKeySheet_.beginAlert({ .messageText = text("FAILURE_KEY_EXISTS") });
     // Refresh even if the key was refused.
     loadKeys();
     updateUsageWithCache(false);
@@ -80,71 +74,16 @@ void AppDelegate::doAddKey()
 bool AppDelegate::addKeyWithNickname(std::string_view nickname, std::string_view withKey)
 {
     auto const entry = KeyEntry::format(nickname, withKey);
-    auto entries = storedKeyEntries();
+    auto entries = storedKeys_.entries();
     if (std::ranges::find(entries, entry) != entries.end())
         return false;
     entries.push_back(entry);
-    storeKeyEntries(entries);
+    storedKeys_.store(entries);
     prefs_->set(settings::tarvoKeySelected, entry);
     outlets_.tarvoUsageKeysComboBox.text.set(entry);
     outlets_.usageLimit.text.set({});
     loadKeys();
     return true;
-}
-
-void AppDelegate::checkCurrentKey() { checkCurrentKeyWithError(false); }
-
-void AppDelegate::autoRetrieveCodeButton() { checkCurrentKeyWithError(true); }
-
-void AppDelegate::checkCurrentKeyWithError(bool showError)
-{
-    outlets_.usageIDStatus.text.set(text("LOOKUP_UNDER_WAY"));
-    bool const started = platform_.backgroundQueues.async("tarvobackground", [this, showError] {
-        auto key = RetrieveKey(platform_.urlLoader, addresses()).keyForCurrentConnection();
-        platform_.runLoop.perform([this, showError, found = std::move(key)] { acceptLookup(found, showError); });
-    });
-    if (!started)
-        acceptLookup(std::nullopt, showError);
-}
-
-// The answer is used whenever it arrives, whether or not the sheet is still open.
-void AppDelegate::acceptLookup(std::optional<std::string> const& key, bool showError)
-{
-    if (key)
-        outlets_.usageID.text.set(*key);
-    else if (showError)
-        showLookupFailure();
-    // A message about the key itself takes precedence.
-    showKeyStatus();
-    if (outlets_.usageIDStatus.text.get().empty())
-        outlets_.usageIDStatus.text.set(text(key ? "LOOKUP_FOUND" : "AUTO_FAILURE_TITLE"));
-}
-
-// Such a key is accepted anyway, and leads to the error state.
-void AppDelegate::showKeyStatus()
-{
-    auto const& key = outlets_.usageID.text.get();
-    bool const isUsual = platform::isWellFormedUrl(addresses().usageReport(key));
-    outlets_.usageIDStatus.text.set(isUsual ? std::string() : text("KEY_UNUSUAL"));
-}
-
-// If the sheet has been closed meanwhile, its alert goes to the window it was attached to.
-platform::Window& AppDelegate::addKeyAlertWindow()
-{
-    return outlets_.addKeyWindow.visible.get() ? outlets_.addKeyWindow : outlets_.window;
-}
-
-// One alert covers all lookups that fail before it is answered. A user who has closed both windows is no longer waiting
-// for it.
-void AppDelegate::showLookupFailure()
-{
-    auto& window = addKeyAlertWindow();
-    auto title = text("AUTO_FAILURE_TITLE");
-    if (!window.visible.get() || window.hasAlert(title))
-        return;
-    window.beginSheet({ .messageText = std::move(title),
-        .informativeText = text("AUTO_FAILURE_MESSAGE"),
-        .buttons = { text("DISMISS") } });
 }
 
 void AppDelegate::removeKeyButton()
@@ -171,17 +110,17 @@ void AppDelegate::doRemoveKeyAndAlert(int andReturnCode)
 
     auto& comboBox = outlets_.tarvoUsageKeysComboBox;
     auto const entry = comboBox.text.get();
-    auto entries = storedKeyEntries();
+    auto entries = storedKeys_.entries();
     std::erase(entries, entry);
     if (entries.empty()) {
         prefs_->remove(settings::tarvoKeys);
         prefs_->remove(settings::tarvoKeySelected);
     }
-    doRemoveKeyFromUsageCapDictionary(entry);
+    usageCaps_.doRemoveKeyFromUsageCapDictionary(entry);
     if (auto const key = KeyEntry::parse(entry).key)
         cacheData().removeCacheFile(*key);
     outlets_.usageLimit.text.set({});
-    storeKeyEntries(entries);
+    storedKeys_.store(entries);
     loadKeys();
     selectFirstKey();
 
@@ -209,17 +148,6 @@ void AppDelegate::selectFirstKey()
         doUpdateSubMenu();
 }
 
-void AppDelegate::getUsageCode()
-{
-    auto const page = addresses().helpPage();
-    if (!platform_.workspace.open(page))
-        addKeyAlertWindow().beginSheet({ .messageText = text("GET_KEY_FAILURE_TITLE"),
-            .informativeText = platform_.bundle.localizedString("GET_KEY_FAILURE_MESSAGE", page) });
-}
-
-// Does nothing, since updates come with the system's packages.
-void AppDelegate::checkUpdates() { }
-
 void AppDelegate::viewDailyUsageDataButton(platform::Sender sender)
 {
     auto* const* const button = std::get_if<platform::Button*>(&sender);
@@ -228,7 +156,7 @@ void AppDelegate::viewDailyUsageDataButton(platform::Sender sender)
     if (!detailedUsageController_)
         detailedUsageController_ = std::make_unique<DetailedUsageViewController>(platform_, outlets_.detailedUsage);
     detailedUsageController_->doShowUsageWindow();
-    if (touchBarAvailable_)
+    if (touchBarMaker_)
         outlets_.detailedUsage.window.touchBar.set(outlets_.window.touchBar.get());
     platform_.application.activateIgnoringOtherApps();
 }

@@ -8,6 +8,7 @@
 #include "platform/NumberFormatter.h"
 #include "platform/UserDefaults.h"
 #include "storage/SettingsKeys.h"
+#include "ui/CapReading.h"
 
 namespace {
 
@@ -41,6 +42,7 @@ MainLayout::MainLayout(Outlets& outlets, platform::Bundle const& bundle, platfor
     showInitialState();
     fillChoices(numberLocale);
     bindSettings(userDefaults);
+    followFields(numberLocale);
 }
 
 void MainLayout::showInitialState()
@@ -95,10 +97,16 @@ void MainLayout::bindSettings(platform::UserDefaults& userDefaults)
     keep(settings::dailyUsageWindowPlace, outlets_.detailedUsage.window);
 }
 
+void MainLayout::followFields(std::string const& numberLocale)
+{
+    bindings_.push_back(showCapReading(outlets_, bundle_, numberLocale));
+    bindings_.push_back(outlets_.tarvoUsageKeysComboBox.text.observe(
+        [this](std::string const& entry) { outlets_.removeKeyButton.enabled.set(!entry.empty()); }));
+}
+
 void MainLayout::wire(AppDelegate& controller)
 {
     fillMenu(controller);
-    outlets_.dropDownMenu.needsUpdate = [&controller] { controller.menuNeedsUpdate(); };
     auto const wireButton = [&controller](platform::Button& button, void (AppDelegate::*operation)()) {
         button.action = [&controller, operation](platform::Sender) { (controller.*operation)(); };
     };
@@ -106,15 +114,16 @@ void MainLayout::wire(AppDelegate& controller)
     wireButton(outlets_.addKeyButton, &AppDelegate::addKeyButton);
     wireButton(outlets_.removeKeyButton, &AppDelegate::removeKeyButton);
     wireButton(outlets_.clearCacheButton, &AppDelegate::clearCacheButton);
-    wireButton(outlets_.autoRetrieveCodeButton, &AppDelegate::autoRetrieveCodeButton);
     wireButton(outlets_.setCapButton, &AppDelegate::showPreferences);
-    wireButton(outlets_.getUsageCodeButton, &AppDelegate::getUsageCode);
-    wireButton(outlets_.cancelButton, &AppDelegate::cancelButton);
     wireButton(outlets_.confirmKeyButton, &AppDelegate::addKeyAction);
+    auto& sheet = controller.addKeySheet();
+    outlets_.autoRetrieveCodeButton.action = [&sheet](platform::Sender) { sheet.autoRetrieveCodeButton(); };
+    outlets_.getUsageCodeButton.action = [&sheet](platform::Sender) { sheet.getUsageCode(); };
+    outlets_.cancelButton.action = [&sheet](platform::Sender) { sheet.cancelButton(); };
     outlets_.detailedUsageButton.action
         = [&controller](platform::Sender sender) { controller.viewDailyUsageDataButton(sender); };
     outlets_.window.closeAction = [&controller] { controller.closePreferences(); };
-    outlets_.addKeyWindow.closeAction = [&controller] { controller.cancelButton(); };
+    outlets_.addKeyWindow.closeAction = [&sheet] { sheet.cancelButton(); };
     auto const showBy = [](platform::CheckBox& toggle, Outlets::MenuItem const& item) {
         toggle.action = [&toggle, item] { item->hidden.set(!toggle.on.get()); };
     };
@@ -123,7 +132,6 @@ void MainLayout::wire(AppDelegate& controller)
     showBy(outlets_.lastUpdateToggle, outlets_.lastUpdateMenuItem);
     showBy(outlets_.nextUpdateToggle, outlets_.nextUpdateMenuItem);
     outlets_.onlyKeyNicknamesToggle.action = [&controller] { controller.changeOnlyKeyNicknames(); };
-    outlets_.startAtLoginToggle.action = [&controller] { controller.changeStartAtLogin(); };
     outlets_.statusBarDropdown.action = [&controller] { controller.changeStatusBarDropdown(); };
     outlets_.updateIntervalPopupButton.action = [&controller] { controller.doChangeUpdateIntervalDropdown(); };
     // The cap is set in the preferences window.

@@ -27,6 +27,7 @@ private:
     void showInitialState();
     void fillChoices(std::string const& numberLocale);
     void bindSettings(platform::UserDefaults& userDefaults);
+    void followFields(std::string const& numberLocale);
     void fillMenu(AppDelegate& controller);
 
     Outlets& outlets_;

@@ -2,6 +2,7 @@
 // The controller's part in the status item's menu: the waiting state, the commands and the connection submenu.
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
+#include "app/TouchBarMaker.h"
 #include "platform/Application.h"
 #include "platform/Bundle.h"
 #include "platform/Platform.h"
@@ -46,8 +47,8 @@ void AppDelegate::doUpdateSubMenu()
         items.push_back(std::move(item));
     }
     outlets_.connectionMenu.setItems(std::move(items));
-    if (touchBarAvailable_)
-        showTouchBar(touchBarConnections());
+    if (touchBarMaker_)
+        touchBarMaker_->show(entries, selected);
 }
 
 void AppDelegate::doSelectSubMenuWithMenuItem(platform::Sender sender)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/TouchBarIdentifier.h"
+#include "app/TouchBarIdentifier.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The controller's part in the touch bar: its items, their buttons, and the windows that show it.
-#include "platform/TouchBar.h"
-#include "app/AppDelegate.h"
+#include "app/TouchBarMaker.h"
+
 #include "app/Outlets.h"
-#include "detail/DetailedUsageViewController.h"
+#include "app/TouchBarIdentifier.h"
 #include "platform/Bundle.h"
-#include "platform/Platform.h"
 #include "storage/KeyEntry.h"
-#include "ui/TouchBarIdentifier.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -19,6 +17,7 @@ constexpr platform::Color green { 133, 200, 75 };
 constexpr platform::Color slate { 50, 50, 75 };
 
 std::string updateNowIdentifier(platform::Bundle const& bundle) { return bundle.identifier() + ".forceupdate"; }
+
 std::string detailedUsageIdentifier(platform::Bundle const& bundle)
 {
     return bundle.identifier() + ".detailedusagetouch";
@@ -26,68 +25,67 @@ std::string detailedUsageIdentifier(platform::Bundle const& bundle)
 
 }
 
-std::shared_ptr<platform::TouchBar> AppDelegate::makeTouchBar() { return makeTouchBarWithArray({}); }
+TouchBarMaker::TouchBarMaker(platform::Bundle const& bundle, Outlets& outlets, Actions actions)
+    : bundle_(bundle)
+    , outlets_(outlets)
+    , actions_(std::move(actions))
+{
+}
 
-std::shared_ptr<platform::TouchBar> AppDelegate::makeTouchBarWithArray(
+std::shared_ptr<platform::TouchBar> TouchBarMaker::makeTouchBar() { return makeTouchBarWithArray({}); }
+
+std::shared_ptr<platform::TouchBar> TouchBarMaker::makeTouchBarWithArray(
     std::vector<std::string> const& connectionIdentifiers)
 {
     auto bar = std::make_shared<platform::TouchBar>();
     bar->delegate = this;
     auto& identifiers = bar->defaultItemIdentifiers;
-    identifiers = { updateNowIdentifier(platform_.bundle), detailedUsageIdentifier(platform_.bundle),
+    identifiers = { updateNowIdentifier(bundle_), detailedUsageIdentifier(bundle_),
         std::string(platform::touchBarItemIdentifierFlexibleSpace) };
     identifiers.insert(identifiers.end(), connectionIdentifiers.begin(), connectionIdentifiers.end());
     identifiers.emplace_back(platform::touchBarItemIdentifierOtherItemsProxy);
     return bar;
 }
 
-std::unique_ptr<platform::CustomTouchBarItem> AppDelegate::makeItemForIdentifier(std::string_view identifier)
+std::unique_ptr<platform::CustomTouchBarItem> TouchBarMaker::makeItemForIdentifier(std::string_view identifier)
 {
     auto item = std::make_unique<platform::CustomTouchBarItem>();
     item->identifier = identifier;
     auto& button = item->view;
-    if (identifier == updateNowIdentifier(platform_.bundle)) {
-        button.title.set(text("UPDATE_NOW"));
+    if (identifier == updateNowIdentifier(bundle_)) {
+        button.title.set(bundle_.localizedString("UPDATE_NOW"));
         button.bezelColor.set(green);
-        button.action = [this](platform::Sender) { updateButton(); };
-    } else if (identifier == detailedUsageIdentifier(platform_.bundle)) {
-        button.title.set(text("DETAILED_USAGE_TITLE"));
+        button.action = actions_.updateNow;
+    } else if (identifier == detailedUsageIdentifier(bundle_)) {
+        button.title.set(bundle_.localizedString("DETAILED_USAGE_TITLE"));
         button.bezelColor.set(slate);
-        button.action = [this](platform::Sender sender) { viewDailyUsageDataButton(sender); };
+        button.action = actions_.showDailyUsage;
     } else {
         auto const connection = TouchBarIdentifier::parse(identifier);
         button.title.set(connection.nickname);
         button.highlighted.set(connection.selected);
         button.tag = connection.position;
-        button.action = [this](platform::Sender sender) { doSelectSubMenuWithMenuItem(sender); };
+        button.action = actions_.selectConnection;
     }
     return item;
 }
 
-bool AppDelegate::setTouchBarForAllWindows()
+bool TouchBarMaker::setTouchBarForAllWindows()
 {
     auto const& bar = outlets_.window.touchBar.get();
-    if (detailedUsageController_)
-        outlets_.detailedUsage.window.touchBar.set(bar);
+    outlets_.detailedUsage.window.touchBar.set(bar);
     outlets_.monitorWindow.touchBar.set(bar);
     return true;
 }
 
-void AppDelegate::showTouchBar(std::vector<std::string> const& connectionIdentifiers)
+void TouchBarMaker::show(std::vector<std::string> const& entries, std::optional<std::string> const& selected)
 {
-    outlets_.window.touchBar.set(makeTouchBarWithArray(connectionIdentifiers));
-    setTouchBarForAllWindows();
-}
-
-std::vector<std::string> AppDelegate::touchBarConnections() const
-{
-    auto const& entries = outlets_.tarvoUsageKeysComboBox.items.get();
-    auto const selected = getCurrentlySelectedKey();
     std::vector<std::string> identifiers;
     for (std::size_t position = 0; position < std::min(entries.size(), maximumConnections); ++position) {
         auto const& entry = entries[position];
         identifiers.push_back(
             touchBarIdentifier(static_cast<int>(position), KeyEntry::parse(entry).nickname, entry == selected));
     }
-    return identifiers;
+    outlets_.window.touchBar.set(makeTouchBarWithArray(identifiers));
+    setTouchBarForAllWindows();
 }

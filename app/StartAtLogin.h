@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/Property.h"
+
+namespace platform {
+struct Platform;
+}
+struct Outlets;
+
+/// Keeps the preferences' check box for starting at login in step with the desktop, which other programs change too.
+/// Hides it where the desktop has no such setting. Main thread only.
+class StartAtLogin {
+public:
+    StartAtLogin(platform::Platform& platform, Outlets& outlets);
+
+private:
+    void show();
+    void change();
+
+    platform::Platform& platform_;
+    Outlets& outlets_;
+    platform::Subscription windowObservation_;
+};

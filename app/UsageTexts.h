@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/UsageFigures.h"
+
+#include <string>
+
+class VolumeFormatter;
+
+/// A report's figures as the texts that the user reads. Main thread only.
+class UsageTexts {
+public:
+    struct Texts {
+        /// In the usage window.
+        std::string field;
+        /// The same in megabytes.
+        std::string toolTip;
+        /// In the menu and the status item.
+        std::string line;
+    };
+
+    /// Takes figures in megabytes. The formatter has to outlive the texts.
+    UsageTexts(UsageFigures const& figures, VolumeFormatter const& formatter);
+
+    Texts textsOf(double UsageFigures::* figure) const;
+    /// The figure that the user chose for the status item.
+    std::string statusTitle(int choice) const;
+    /// The used share of the cap. Requires a cap.
+    std::string percentage() const;
+
+private:
+    UsageFigures megabytes_;
+    UsageFigures scaled_;
+    std::string_view unit_;
+    VolumeFormatter const& formatter_;
+};
