@@ -66,17 +66,11 @@ public:
     {
         loop_.add(this);
     }
-    ~WallClockTimer() override { cancel(); }
+    ~WallClockTimer() override { loop_.remove(this); }
 
     platform::Date fireDate() const override { return fireDate_; }
-    bool isValid() const override { return valid_; }
-    void cancel() override
-    {
-        if (std::exchange(valid_, false))
-            loop_.remove(this);
-    }
 
-    // The task may cancel or destroy the timer.
+    // The task may destroy the timer.
     void fire(platform::Date now)
     {
         auto const missed = (now - fireDate_) / period_;
@@ -90,7 +84,6 @@ private:
     platform::Date fireDate_;
     platform::Date::duration period_;
     platform::Task task_;
-    bool valid_ = true;
 };
 
 class DesktopRunLoop::MonotonicTimer final : public platform::Timer {
@@ -106,14 +99,6 @@ public:
     ~MonotonicTimer() override { cancel(); }
 
     platform::Date fireDate() const override { return fireDate_; }
-    bool isValid() const override { return valid_; }
-    void cancel() override
-    {
-        if (!std::exchange(valid_, false))
-            return;
-        loop_.monotonicTimers_.erase(place_);
-        loop_.setEvenAlarm();
-    }
 
     // The task may destroy the timer.
     void fire()
@@ -124,11 +109,19 @@ public:
     }
 
 private:
+    void cancel()
+    {
+        if (!std::exchange(isScheduled_, false))
+            return;
+        loop_.monotonicTimers_.erase(place_);
+        loop_.setEvenAlarm();
+    }
+
     DesktopRunLoop& loop_;
     platform::Date fireDate_;
     MonotonicTimers::iterator place_;
     platform::Task task_;
-    bool valid_ = true;
+    bool isScheduled_ = true;
 };
 
 DesktopRunLoop::DesktopRunLoop()

@@ -13,16 +13,13 @@ namespace platform {
 using Task = std::function<void()>;
 using Seconds = std::chrono::duration<double>;
 
-/// Runs its task at its fire date until it is cancelled or destroyed. Main thread only.
+/// Runs its task at its fire date until it is destroyed, which the task may do. Main thread only.
 class Timer {
 public:
     virtual ~Timer() = default;
 
-    /// The next fire date, or the last one once the timer is no longer valid.
+    /// The next fire date, or that of a one-shot timer that has fired.
     virtual Date fireDate() const = 0;
-    /// True from scheduling until cancellation; a one-shot timer also becomes invalid by firing.
-    virtual bool isValid() const = 0;
-    virtual void cancel() = 0;
 };
 
 /// The main loop with its clocks. The clocks and perform() are thread-safe; the rest is for the main thread only.

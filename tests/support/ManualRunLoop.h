@@ -74,8 +74,8 @@ private:
         ~Scheduled() override { std::erase(loop.timers_, this); }
 
         Date fireDate() const override { return date; }
-        bool isValid() const override { return std::ranges::find(loop.timers_, this) != loop.timers_.end(); }
-        void cancel() override { std::erase(loop.timers_, this); }
+        bool isScheduled() const { return std::ranges::find(loop.timers_, this) != loop.timers_.end(); }
+        void cancel() { std::erase(loop.timers_, this); }
 
         ManualRunLoop& loop;
         Date date;
@@ -105,7 +105,7 @@ private:
         now_ = std::max(now_, timer.date);
         if (timer.period == Seconds::zero())
             timer.cancel();
-        while (timer.isValid() && timer.date <= now_)
+        while (timer.isScheduled() && timer.date <= now_)
             timer.date += std::chrono::round<Date::duration>(timer.period);
         // A copy, for it may end its own timer.
         auto const task = timer.task;
