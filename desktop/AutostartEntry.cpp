@@ -2,6 +2,7 @@
 #include "desktop/AutostartEntry.h"
 
 #include "platform/AtomicFile.h"
+#include "platform/Trimmed.h"
 
 #include <algorithm>
 #include <optional>
@@ -12,13 +13,6 @@ namespace {
 
 constexpr std::string_view header = "[Desktop Entry]\n";
 
-std::string_view trimmed(std::string_view text)
-{
-    constexpr std::string_view blanks = " \t\r";
-    std::size_t const begin = std::min(text.find_first_not_of(blanks), text.size());
-    return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
-}
-
 // Finds the first value of a key in any group, since only one group of an autostart entry matters.
 std::optional<std::string_view> valueOf(std::string_view entry, std::string_view key)
 {
@@ -26,8 +20,8 @@ std::optional<std::string_view> valueOf(std::string_view entry, std::string_view
         auto const line = entry.substr(0, entry.find('\n'));
         entry.remove_prefix(std::min(line.size() + 1, entry.size()));
         std::size_t const equals = line.find('=');
-        if (equals != std::string_view::npos && trimmed(line.substr(0, equals)) == key)
-            return trimmed(line.substr(equals + 1));
+        if (equals != std::string_view::npos && platform::trimmed(line.substr(0, equals)) == key)
+            return platform::trimmed(line.substr(equals + 1));
     }
     return std::nullopt;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/PropertyList.h"
 
+#include "platform/Trimmed.h"
 #include "platform/Utf8.h"
 #include "platform/XmlParser.h"
 
@@ -16,15 +17,6 @@ namespace platform {
 namespace {
 
 constexpr std::size_t maximumDepth = 64;
-constexpr std::string_view whiteSpace = " \t\r\n";
-
-std::string_view trimmed(std::string_view text)
-{
-    std::size_t const first = text.find_first_not_of(whiteSpace);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(whiteSpace) - first + 1);
-}
 
 template <typename Number> std::optional<Number> number(std::string_view text)
 {

@@ -1,51 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "services/ReplyText.h"
 
-#include "platform/Utf8.h"
+#include "platform/Trimmed.h"
+
+#include <array>
+#include <span>
 
 namespace {
 
-using Predicate = bool (*)(std::int32_t codePoint);
-
-bool isLineBreak(std::int32_t codePoint)
-{
-    return (codePoint >= 0x0A && codePoint <= 0x0D) || codePoint == 0x85 || codePoint == 0x2028 || codePoint == 0x2029;
-}
-
-// Matches the tab and Unicode's category Zs.
-bool isSpace(std::int32_t codePoint)
-{
-    return codePoint == '\t' || codePoint == ' ' || codePoint == 0xA0 || codePoint == 0x1680
-        || (codePoint >= 0x2000 && codePoint <= 0x200A) || codePoint == 0x202F || codePoint == 0x205F
-        || codePoint == 0x3000;
-}
-
-bool isSpaceOrLineBreak(std::int32_t codePoint) { return isSpace(codePoint) || isLineBreak(codePoint); }
-
-bool continuesCodePoint(char byte) { return (static_cast<std::uint8_t>(byte) & 0xC0) == 0x80; }
-
-// Finds where the last code point begins. Invalid UTF-8 is never a space, so its exact beginning does not matter.
-std::size_t lastCodePoint(std::string_view text)
-{
-    std::size_t begin = text.size() - 1;
-    while (begin > 0 && continuesCodePoint(text[begin]))
-        --begin;
-    return begin;
-}
-
-std::string_view trimmed(std::string_view text, Predicate shouldGo)
-{
-    for (std::size_t next = 0; !text.empty() && shouldGo(platform::nextCodePoint(text, next)); next = 0)
-        text.remove_prefix(next);
-    while (!text.empty()) {
-        auto const last = lastCodePoint(text);
-        auto next = last;
-        if (!shouldGo(platform::nextCodePoint(text, next)) || next != text.size())
-            break;
-        text = text.substr(0, last);
-    }
-    return text;
-}
+// Unicode's line breaks, the tab, and the category Zs.
+constexpr std::array<std::string_view, 25> whiteSpace { "\n", "\v", "\f", "\r", "\u0085", "\u2028", "\u2029", "\t", " ",
+    "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004", "\u2005", "\u2006", "\u2007", "\u2008",
+    "\u2009", "\u200A", "\u202F", "\u205F", "\u3000" };
+constexpr auto lineBreaks = std::span(whiteSpace).first<7>();
+constexpr auto spaces = std::span(whiteSpace).subspan<7>();
 
 }
 
@@ -58,6 +26,9 @@ bool parseReply(std::string_view body, platform::XmlParserDelegate& delegate)
     return false;
 }
 
-std::string_view trimmedReply(std::string_view body) { return trimmed(trimmed(body, isLineBreak), isSpace); }
+std::string_view trimmedReply(std::string_view body)
+{
+    return platform::trimmed(platform::trimmed(body, lineBreaks), spaces);
+}
 
-std::string_view trimmedText(std::string_view text) { return trimmed(text, isSpaceOrLineBreak); }
+std::string_view trimmedText(std::string_view text) { return platform::trimmed(text, whiteSpace); }

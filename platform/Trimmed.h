@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+namespace platform {
+
+inline constexpr std::array<std::string_view, 4> asciiWhiteSpace { " ", "\t", "\r", "\n" };
+
+/// Returns a text without these characters, each in UTF-8, at its beginning and its end.
+inline std::string_view trimmed(std::string_view text, std::span<std::string_view const> characters = asciiWhiteSpace)
+{
+    // The length of the character at one end of the text; 0 if it is none of these.
+    auto const lengthOf = [characters](auto isAtEnd) -> std::size_t {
+        auto const found = std::ranges::find_if(characters, isAtEnd);
+        return found == characters.end() ? 0 : found->size();
+    };
+    while (auto const length = lengthOf([text](std::string_view character) { return text.starts_with(character); }))
+        text.remove_prefix(length);
+    while (auto const length = lengthOf([text](std::string_view character) { return text.ends_with(character); }))
+        text.remove_suffix(length);
+    return text;
+}
+
+}
