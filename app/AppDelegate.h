@@ -150,7 +150,7 @@ private:
 
     // Schedule
     void armUpdateInterval(std::optional<platform::Date> fireDate, platform::Seconds interval);
-    void noteLastUpdate();
+    void recordLastUpdate();
 
     // Presentation
     void presentReport();

@@ -16,17 +16,17 @@ void AppDelegate::armUpdateInterval(std::optional<platform::Date> fireDate, plat
 {
     std::int64_t const stored = usageDictionary_ ? updateIntervalOf(*usageDictionary_) : 0;
     timers_.armUpdateInterval(nextTimer(platform_.runLoop.now(), fireDate, interval, intervalChoice(), stored));
-    noteLastUpdate();
+    recordLastUpdate();
     dates_.showSoon();
 }
 
 void AppDelegate::updateTitleBarDates()
 {
-    noteLastUpdate();
+    recordLastUpdate();
     dates_.show();
 }
 
-void AppDelegate::noteLastUpdate()
+void AppDelegate::recordLastUpdate()
 {
     auto lastUpdate = platform_.runLoop.now();
     if (usageDictionary_ && usageDictionary_->contains(reportEntry::nextUpdate)) {

@@ -24,7 +24,7 @@ UpdateDates::UpdateDates(
     : platform_(platform)
     , outlets_(outlets)
     , nextUpdate_(std::move(nextUpdate))
-    , windowObservation_(outlets.monitorWindow.visible.observe([this](bool isShown) { keepRight(isShown); }))
+    , windowObservation_(outlets.monitorWindow.visible.observe([this](bool isShown) { keepCurrent(isShown); }))
 {
     outlets.dropDownMenu.needsUpdate = [this] { refresh(); };
 }
@@ -63,7 +63,7 @@ void UpdateDates::refresh()
 }
 
 // An open window shows the dates too, so they are checked whenever a new day may have begun somewhere.
-void UpdateDates::keepRight(bool isShown)
+void UpdateDates::keepCurrent(bool isShown)
 {
     check_.reset();
     if (!isShown)

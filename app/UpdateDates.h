@@ -34,7 +34,7 @@ public:
     void refresh();
 
 private:
-    void keepRight(bool isShown);
+    void keepCurrent(bool isShown);
     void write(std::string_view lastUpdate, std::string_view nextUpdate);
 
     platform::Platform& platform_;

@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 // A bus normally needs a thousandth of this to accept a connection.
-constexpr auto patienceAtTheDoor = 5s;
+constexpr auto connectionTimeout = 5s;
 // Busy programs must not keep our timers from running.
 constexpr int messagesInATurn = 64;
 
@@ -25,9 +25,9 @@ int millisecondsUntil(Clock::time_point end)
     return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count());
 }
 
-bool isLetIn(sd_bus* bus)
+bool isAccepted(sd_bus* bus)
 {
-    auto const end = Clock::now() + patienceAtTheDoor;
+    auto const end = Clock::now() + connectionTimeout;
     for (int left = millisecondsUntil(end); left > 0; left = millisecondsUntil(end)) {
         int const processed = sd_bus_process(bus, nullptr);
         if (processed < 0)
@@ -48,7 +48,7 @@ BusConnection connectToSession()
     if (sd_bus_open_user(&bus) < 0)
         return nullptr;
     BusConnection connection(bus);
-    return isLetIn(bus) ? std::move(connection) : nullptr;
+    return isAccepted(bus) ? std::move(connection) : nullptr;
 }
 
 int handOver(sd_bus_message* message, void* handler, sd_bus_error* /*error*/)
@@ -58,7 +58,7 @@ int handOver(sd_bus_message* message, void* handler, sd_bus_error* /*error*/)
 }
 
 // Without its own handler, a match rule that the bus installs too late would end the connection.
-int passOverInstallation(sd_bus_message* /*answer*/, void* /*handler*/, sd_bus_error* /*error*/) { return 0; }
+int ignoreInstallation(sd_bus_message* /*answer*/, void* /*handler*/, sd_bus_error* /*error*/) { return 0; }
 
 // The slot destroys the handler, but not while it is running.
 BusSlot withHandler(sd_bus_slot* slot, std::unique_ptr<Bus::Handler> handler)
@@ -78,14 +78,14 @@ Bus::Bus(DesktopRunLoop& loop)
 Bus::Bus(DesktopRunLoop& loop, BusConnection connection)
     : loop_(loop)
     , connection_(std::move(connection))
-    , attend_(loop, [this] { attend(); })
+    , rescheduling_(loop, [this] { reschedule(); })
     , alarm_(connection_ ? ::timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC) : -1)
 {
     if (!connection_)
         return;
     traffic_ = loop_.watch(sd_bus_get_fd(connection_.get()), EPOLLIN, [this] { process(); });
     alarmWatch_ = loop_.watch(alarm_.get(), EPOLLIN, [this] { process(); });
-    attend();
+    reschedule();
 }
 
 Bus::~Bus() = default;
@@ -134,10 +134,9 @@ BusSlot Bus::match(std::string const& rule, Handler handler)
     auto kept = std::make_unique<Handler>(std::move(handler));
     sd_bus_slot* slot = nullptr;
     if (!connection_
-        || sd_bus_add_match_async(connection_.get(), &slot, rule.c_str(), handOver, passOverInstallation, kept.get())
-            < 0)
+        || sd_bus_add_match_async(connection_.get(), &slot, rule.c_str(), handOver, ignoreInstallation, kept.get()) < 0)
         return nullptr;
-    attend_.request();
+    rescheduling_.request();
     return withHandler(slot, std::move(kept));
 }
 
@@ -149,7 +148,7 @@ BusMessage Bus::methodCall(char const* destination, char const* path, char const
     return BusMessage(message);
 }
 
-BusMessage Bus::callToBus(char const* member, std::string const& text) const
+BusMessage Bus::callBus(char const* member, std::string const& text) const
 {
     auto message = methodCall("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", member);
     if (message)
@@ -172,7 +171,7 @@ BusSlot Bus::call(BusMessage message, Handler answered, std::chrono::microsecond
     auto const limit = static_cast<std::uint64_t>(patience.count());
     if (!message || sd_bus_call_async(connection_.get(), &slot, message.get(), handOver, kept.get(), limit) < 0)
         return nullptr;
-    attend_.request();
+    rescheduling_.request();
     return withHandler(slot, std::move(kept));
 }
 
@@ -189,7 +188,7 @@ void Bus::send(BusMessage message)
     if (!message)
         return;
     sd_bus_send(connection_.get(), message.get(), nullptr);
-    attend_.request();
+    rescheduling_.request();
 }
 
 void Bus::process()
@@ -206,10 +205,10 @@ void Bus::process()
     if (processed < 0)
         lost();
     else
-        attend();
+        reschedule();
 }
 
-void Bus::attend()
+void Bus::reschedule()
 {
     if (!connection_)
         return;
@@ -230,7 +229,7 @@ void Bus::lost()
     traffic_.reset();
     alarmWatch_.reset();
     connection_.reset();
-    end_.tell();
+    end_.notify();
 }
 
 void append(sd_bus_message* message, std::string const& text)

@@ -60,7 +60,7 @@ public:
 
     BusMessage methodCall(char const* destination, char const* path, char const* interface, char const* member) const;
     /// Makes a call to the bus itself, with one text argument.
-    BusMessage callToBus(char const* member, std::string const& text) const;
+    BusMessage callBus(char const* member, std::string const& text) const;
     BusMessage signal(char const* path, char const* interface, char const* member) const;
 
     /// Sends a call and passes the reply or the error to the handler, unless the returned slot has been destroyed.
@@ -83,14 +83,14 @@ public:
 private:
     BusSlot match(std::string const& rule, Handler handler);
     void process();
-    void attend();
+    void reschedule();
     void lost();
 
     DesktopRunLoop& loop_;
     BusConnection connection_;
     platform::Observers<> end_;
     /// Updates what the loop waits for: room to send, and the timeouts of calls.
-    OncePerTurn attend_;
+    OncePerTurn rescheduling_;
     std::unique_ptr<DesktopRunLoop::Watch> traffic_;
     platform::Descriptor alarm_;
     std::unique_ptr<DesktopRunLoop::Watch> alarmWatch_;

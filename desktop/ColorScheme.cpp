@@ -94,7 +94,7 @@ void ColorScheme::acceptAll(sd_bus_message* reply)
         sd_bus_message_exit_container(reply);
         sd_bus_message_exit_container(reply);
     }
-    tell();
+    report();
 }
 
 void ColorScheme::settingChanged(sd_bus_message* signal)
@@ -104,7 +104,7 @@ void ColorScheme::settingChanged(sd_bus_message* signal)
     if (sd_bus_message_has_signature(signal, "ssv") <= 0 || sd_bus_message_read(signal, "ss", &space, &key) < 0)
         return;
     accept(space, key, readSetting(signal));
-    tell();
+    report();
 }
 
 // In the portal, scheme 1 prefers dark and 2 light, contrast 1 prefers high contrast, and 0 means no preference.
@@ -122,10 +122,10 @@ void ColorScheme::accept(std::string_view space, std::string_view key, Setting c
         accent_ = color ? std::optional(*color) : std::nullopt;
 }
 
-void ColorScheme::tell()
+void ColorScheme::report()
 {
     auto const now = look();
-    if (std::exchange(told_, now) != now)
+    if (std::exchange(reported_, now) != now)
         observer_(now);
 }
 

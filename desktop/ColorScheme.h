@@ -27,7 +27,7 @@ private:
     void acceptAll(sd_bus_message* reply);
     void settingChanged(sd_bus_message* signal);
     void accept(std::string_view space, std::string_view key, Setting const& value);
-    void tell();
+    void report();
     Look look() const;
 
     Bus& bus_;
@@ -39,5 +39,5 @@ private:
     std::optional<bool> isHighContrast_;
     bool isHighContrastInGnome_ = false;
     std::optional<platform::Color> accent_;
-    std::optional<Look> told_;
+    std::optional<Look> reported_;
 };

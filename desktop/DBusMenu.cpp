@@ -337,9 +337,9 @@ DBusMenu::Line DBusMenu::lineOf(platform::MenuItem const& item, bool hasMark)
 }
 
 // Compares the parts of a line that may change without giving it a new id.
-bool DBusMenu::isUnchanged(Line const& told, platform::MenuItem const& item)
+bool DBusMenu::isUnchanged(Line const& shown, platform::MenuItem const& item)
 {
-    return told.title == item.shownTitle() && told.hidden == item.hidden.get() && told.on == item.on.get();
+    return shown.title == item.shownTitle() && shown.hidden == item.hidden.get() && shown.on == item.on.get();
 }
 
 DBusMenu::Properties DBusMenu::properties(Line const& line, Names const& names) const
@@ -422,7 +422,7 @@ void DBusMenu::synchronize(int id, Changes& changes)
             node.children.push_back(former[place]);
             kept->item = item;
             if (!isUnchanged(kept->line, *item))
-                tell(former[place], lineOf(*item, hasMark), changes);
+                updateLine(former[place], lineOf(*item, hasMark), changes);
             continue;
         }
         isNewLayout = true;
@@ -436,12 +436,12 @@ void DBusMenu::synchronize(int id, Changes& changes)
         changes.layouts.push_back(id);
 }
 
-void DBusMenu::tell(int id, Line line, Changes& changes)
+void DBusMenu::updateLine(int id, Line line, Changes& changes)
 {
-    auto& told = nodes_.at(id).line;
-    auto const before = properties(told);
+    auto& shown = nodes_.at(id).line;
+    auto const before = properties(shown);
     auto const after = properties(line);
-    told = std::move(line);
+    shown = std::move(line);
 
     LineChange change { id, {}, {} };
     for (auto const& [name, value] : after) {
@@ -491,14 +491,14 @@ void DBusMenu::update()
             synchronize(id, changes);
     }
     if (!changes.lines.empty())
-        tellOfLines(changes.lines);
+        signalLines(changes.lines);
     if (changes.layouts.empty())
         return;
     int const parent = changes.layouts.size() == 1 ? changes.layouts.front() : rootId;
     bus_.emit(path_, interface, "LayoutUpdated", "ui", ++revision_, parent);
 }
 
-void DBusMenu::tellOfLines(std::vector<LineChange> const& changes)
+void DBusMenu::signalLines(std::vector<LineChange> const& changes)
 {
     auto signal = bus_.signal(path_, interface, "ItemsPropertiesUpdated");
     sd_bus_message_open_container(signal.get(), SD_BUS_TYPE_ARRAY, "(ia{sv})");

@@ -88,7 +88,7 @@ private:
 
     static bool isChoice(platform::MenuItem const& item, bool hasMark);
     static Line lineOf(platform::MenuItem const& item, bool hasMark);
-    static bool isUnchanged(Line const& told, platform::MenuItem const& item);
+    static bool isUnchanged(Line const& shown, platform::MenuItem const& item);
     /// An empty list of names selects every property.
     Properties properties(Line const& line, Names const& names = {}) const;
     static bool isSameLine(Node const& node, std::shared_ptr<platform::MenuItem> const& item, bool hasMark);
@@ -100,11 +100,11 @@ private:
     void remove(int id);
     void list(int id);
     void synchronize(int id, Changes& changes);
-    void tell(int id, Line line, Changes& changes);
+    void updateLine(int id, Line line, Changes& changes);
     void queueEvent(int id, std::string_view name);
     void click(int id);
     void update();
-    void tellOfLines(std::vector<LineChange> const& changes);
+    void signalLines(std::vector<LineChange> const& changes);
 
     Bus& bus_;
     char const* path_;

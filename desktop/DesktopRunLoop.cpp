@@ -94,7 +94,7 @@ public:
         , place_(loop.monotonicTimers_.emplace(loop.uptime() + delay, this))
         , task_(std::move(task))
     {
-        loop_.setEvenAlarm();
+        loop_.setMonotonicAlarm();
     }
     ~MonotonicTimer() override { cancel(); }
 
@@ -114,7 +114,7 @@ private:
         if (!std::exchange(isScheduled_, false))
             return;
         loop_.monotonicTimers_.erase(place_);
-        loop_.setEvenAlarm();
+        loop_.setMonotonicAlarm();
     }
 
     DesktopRunLoop& loop_;
@@ -130,8 +130,8 @@ DesktopRunLoop::DesktopRunLoop()
     , tasksWatch_(watch(tasksEvent_.get(), EPOLLIN, [this] { performNext(); }))
     , alarm_(::timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC))
     , alarmWatch_(watch(alarm_.get(), EPOLLIN, [this] { wallClockReached(); }))
-    , evenAlarm_(::timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC))
-    , evenAlarmWatch_(watch(evenAlarm_.get(), EPOLLIN, [this] { evenClockReached(); }))
+    , monotonicAlarm_(::timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC))
+    , monotonicAlarmWatch_(watch(monotonicAlarm_.get(), EPOLLIN, [this] { monotonicClockReached(); }))
     , sleepWatch_(read(CLOCK_BOOTTIME), read(CLOCK_MONOTONIC))
 {
     setAlarm();
@@ -264,7 +264,7 @@ void DesktopRunLoop::setAlarm()
     // The kernel reports a clock change only once, here or at the next read.
     if (timerfd_settime(alarm_.get(), TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &alarm, nullptr) < 0
         && errno == ECANCELED)
-        perform([this] { clockObservers_.tell(); });
+        perform([this] { clockObservers_.notify(); });
 }
 
 void DesktopRunLoop::wallClockReached()
@@ -273,25 +273,25 @@ void DesktopRunLoop::wallClockReached()
     bool const wasSet = ::read(alarm_.get(), &expirations, sizeof expirations) < 0 && errno == ECANCELED;
     noticeSleep();
     if (wasSet)
-        clockObservers_.tell();
+        clockObservers_.notify();
     auto const date = now();
     for (auto* due = nextWallClockTimer(); due && due->fireDate() <= date; due = nextWallClockTimer())
         due->fire(date);
     setAlarm();
 }
 
-void DesktopRunLoop::setEvenAlarm()
+void DesktopRunLoop::setMonotonicAlarm()
 {
     itimerspec alarm {};
     // A time of zero would disarm the alarm, which is intended only if there is no timer.
     if (!monotonicTimers_.empty())
         alarm.it_value
             = toTimespec(std::max(std::chrono::ceil<std::chrono::nanoseconds>(monotonicTimers_.begin()->first), 1ns));
-    ::timerfd_settime(evenAlarm_.get(), TFD_TIMER_ABSTIME, &alarm, nullptr);
+    ::timerfd_settime(monotonicAlarm_.get(), TFD_TIMER_ABSTIME, &alarm, nullptr);
 }
 
 // Fires one timer at a time, like everything else in the loop.
-void DesktopRunLoop::evenClockReached()
+void DesktopRunLoop::monotonicClockReached()
 {
     // Wake observers may cancel a timer that is due.
     noticeSleep();
@@ -302,5 +302,5 @@ void DesktopRunLoop::evenClockReached()
 void DesktopRunLoop::noticeSleep()
 {
     if (sleepWatch_.noticesSleep(read(CLOCK_BOOTTIME), read(CLOCK_MONOTONIC)))
-        wakeObservers_.tell();
+        wakeObservers_.notify();
 }

@@ -79,8 +79,8 @@ private:
     WallClockTimer* nextWallClockTimer() const;
     void setAlarm();
     void wallClockReached();
-    void setEvenAlarm();
-    void evenClockReached();
+    void setMonotonicAlarm();
+    void monotonicClockReached();
     void noticeSleep();
 
     platform::Descriptor epoll_;
@@ -94,8 +94,8 @@ private:
     std::unique_ptr<Watch> tasksWatch_;
     platform::Descriptor alarm_;
     std::unique_ptr<Watch> alarmWatch_;
-    platform::Descriptor evenAlarm_;
-    std::unique_ptr<Watch> evenAlarmWatch_;
+    platform::Descriptor monotonicAlarm_;
+    std::unique_ptr<Watch> monotonicAlarmWatch_;
     SleepWatch sleepWatch_;
     platform::Observers<> wakeObservers_;
     platform::Observers<> clockObservers_;

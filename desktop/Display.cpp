@@ -47,7 +47,7 @@ public:
         : connection_(xcb_connect(nullptr, &screen_), &xcb_disconnect)
         , watch_(isOpen() ? loop.watch(xcb_get_file_descriptor(connection_.get()), EPOLLIN,
                                 [this, gone = std::move(gone)] {
-                                    passOverEvents();
+                                    discardEvents();
                                     if (isOpen())
                                         return;
                                     watch_.reset();
@@ -81,7 +81,7 @@ private:
     template <typename T> using Reply = std::unique_ptr<T, Free>;
 
     // The server sends some events to every client, such as keyboard changes.
-    void passOverEvents() const
+    void discardEvents() const
     {
         while (Reply<xcb_generic_event_t>(xcb_poll_for_event(connection_.get()))) { }
     }

@@ -17,7 +17,7 @@ constexpr unsigned secondsForMainLoop = 2;
 // The only state that the signal handler uses.
 std::sig_atomic_t volatile eventOfHandler = -1;
 
-void tellMainLoop(int /*signal*/)
+void notifyMainLoop(int /*signal*/)
 {
     std::uint64_t const one = 1;
     [[maybe_unused]] auto const size = write(eventOfHandler, &one, sizeof one);
@@ -59,7 +59,7 @@ ExitSignals::ExitSignals(DesktopRunLoop& loop)
     eventOfHandler = event_.get();
     // Without a free descriptor, the signals keep ending the process at once, which is better than ignoring them.
     if (event_.isOpen())
-        handleExitSignals(tellMainLoop);
+        handleExitSignals(notifyMainLoop);
 }
 
 ExitSignals::~ExitSignals() { endProcess(); }

@@ -20,7 +20,7 @@ constexpr auto patience = 5s;
 
 bool isRunning(Bus const& bus)
 {
-    auto const reply = bus.callAndWait(bus.callToBus("NameHasOwner", service), patience);
+    auto const reply = bus.callAndWait(bus.callBus("NameHasOwner", service), patience);
     int hasOwner = 0;
     return reply && sd_bus_message_read(reply.get(), "b", &hasOwner) > 0 && hasOwner != 0;
 }
@@ -61,12 +61,12 @@ FreedesktopNotifications::FreedesktopNotifications(Bus& bus, Look look)
 }
 
 BusSlot FreedesktopNotifications::listen(
-    char const* signal, void (FreedesktopNotifications::*heard)(std::uint32_t, sd_bus_message*))
+    char const* signal, void (FreedesktopNotifications::*handler)(std::uint32_t, sd_bus_message*))
 {
-    return bus_.listen(service, path, service, signal, [this, heard](sd_bus_message* message) {
+    return bus_.listen(service, path, service, signal, [this, handler](sd_bus_message* message) {
         std::uint32_t id = 0;
         if (sd_bus_message_read(message, "u", &id) > 0 && id == delivered_)
-            (this->*heard)(id, message);
+            (this->*handler)(id, message);
     });
 }
 

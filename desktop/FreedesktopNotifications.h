@@ -31,7 +31,7 @@ public:
 private:
     FreedesktopNotifications(Bus& bus, Look look);
 
-    BusSlot listen(char const* signal, void (FreedesktopNotifications::*heard)(std::uint32_t, sd_bus_message*));
+    BusSlot listen(char const* signal, void (FreedesktopNotifications::*handler)(std::uint32_t, sd_bus_message*));
     void actionInvoked(std::uint32_t id, sd_bus_message* signal);
     void notificationClosed(std::uint32_t id, sd_bus_message* signal);
     void activationToken(std::uint32_t id, sd_bus_message* signal);

@@ -19,7 +19,7 @@ void* LateLibrary::address(char const* name)
         library_ = ::dlopen(("/proc/self/fd/" + std::to_string(file_.get())).c_str(), RTLD_NOW | RTLD_LOCAL);
     auto* const address = library_ ? ::dlsym(library_, name) : nullptr;
     if (!address)
-        std::fprintf(stderr, "usage-meter: %s cannot be used: %s\n", path_.c_str(), ::dlerror());
+        std::fprintf(stderr, "usage-meter: cannot load %s: %s\n", path_.c_str(), ::dlerror());
     return address;
 }
 

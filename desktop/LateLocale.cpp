@@ -10,7 +10,7 @@ namespace {
 using namespace std::chrono_literals;
 
 // A refresh formats at its beginning and at its end, which are usually less than this apart.
-constexpr auto timeOfUse = 1s;
+constexpr auto unloadDelay = 1s;
 
 }
 
@@ -24,7 +24,7 @@ LateLocale::LateLocale(DesktopRunLoop& loop, std::filesystem::path const& librar
 LateLocale::~LateLocale()
 {
     platform::setLocaleRules(nullptr);
-    letGo();
+    release();
 }
 
 std::unique_ptr<platform::LocaleRules> LateLocale::make()
@@ -32,17 +32,17 @@ std::unique_ptr<platform::LocaleRules> LateLocale::make()
     std::unique_ptr<platform::LocaleRules> rules;
     if (auto const makeRules = library_.find<MakeRules>(makeRulesName))
         makeRules(rules);
-    loop_.performAfter(timeOfUse, [this] { letGo(); });
+    loop_.performAfter(unloadDelay, [this] { release(); });
     return rules;
 }
 
-void LateLocale::letGo()
+void LateLocale::release()
 {
-    auto const letGoOfRules
-        = library_.isLoaded() && !loop_.hasOuter() ? library_.find<LetGoOfRules>(letGoOfRulesName) : nullptr;
-    if (!letGoOfRules)
+    auto const releaseRules
+        = library_.isLoaded() && !loop_.hasOuter() ? library_.find<ReleaseRules>(releaseRulesName) : nullptr;
+    if (!releaseRules)
         return;
     auto rules = platform::takeLocaleRules();
-    letGoOfRules(rules);
+    releaseRules(rules);
     library_.unload();
 }

@@ -20,7 +20,7 @@ public:
 
 private:
     std::unique_ptr<platform::LocaleRules> make();
-    void letGo();
+    void release();
 
     DesktopRunLoop& loop_;
     LateLibrary library_;

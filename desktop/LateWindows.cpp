@@ -41,7 +41,7 @@ Windows* LateWindows::load()
         return windows_.get();
     // Without a display, the toolkit would end the program.
     if (!canConnect(context_.runLoop)) {
-        std::fprintf(stderr, "usage-meter: no connection to display %s\n", Display::name().c_str());
+        std::fprintf(stderr, "usage-meter: cannot connect to display %s\n", Display::name().c_str());
         return nullptr;
     }
     auto const make = library_.find<MakeWindows>(makeWindowsName);

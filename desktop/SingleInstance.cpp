@@ -69,7 +69,7 @@ SingleInstance::SingleInstance(std::string identifier, Bus& bus)
 {
 }
 
-SingleInstance::~SingleInstance() { bus_.send(bus_.callToBus("ReleaseName", identifier_)); }
+SingleInstance::~SingleInstance() { bus_.send(bus_.callBus("ReleaseName", identifier_)); }
 
 SingleInstance::Outcome SingleInstance::start()
 {
@@ -90,7 +90,7 @@ bool SingleInstance::becomeFirst()
 {
     constexpr std::uint32_t doNotQueue = 4;
     constexpr std::uint32_t isOwner = 1;
-    auto message = bus_.callToBus("RequestName", identifier_);
+    auto message = bus_.callBus("RequestName", identifier_);
     sd_bus_message_append(message.get(), "u", doNotQueue);
     auto const reply = bus_.callAndWait(std::move(message), patience);
     std::uint32_t outcome = isOwner;

@@ -9,7 +9,7 @@ using namespace std::chrono_literals;
 namespace {
 
 // Long enough for a panel to restart.
-constexpr auto graceOfWatcher = 1500ms;
+constexpr auto watcherGracePeriod = 1500ms;
 // Long enough for a panel that loses the first label to have seen the item.
 constexpr auto timeToMeetItem = 1s;
 
@@ -82,7 +82,7 @@ void StatusArea::itemRegistered()
 void StatusArea::askForHost()
 {
     hostQuestion_ = bus_.call(
-        bus_.callToBus("GetConnectionUnixProcessID", watcher), [this](sd_bus_message* reply) { hostAnswered(reply); });
+        bus_.callBus("GetConnectionUnixProcessID", watcher), [this](sd_bus_message* reply) { hostAnswered(reply); });
 }
 
 void StatusArea::hostAnswered(sd_bus_message* reply)
@@ -107,7 +107,7 @@ void StatusArea::ownerChanged(std::string const& owner)
 
 void StatusArea::startGrace()
 {
-    grace_ = bus_.loop().after(graceOfWatcher, [this] { fallBack(); });
+    grace_ = bus_.loop().after(watcherGracePeriod, [this] { fallBack(); });
 }
 
 void StatusArea::fallBack()

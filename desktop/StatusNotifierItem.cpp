@@ -59,7 +59,7 @@ StatusNotifierItem::StatusNotifierItem(
     , bus_(bus)
     , handlers_(std::move(handlers))
     , guide_(title())
-    , told_ { title(), details(), iconName() }
+    , announced_ { title(), details(), iconName() }
     , update_(bus.loop(), [this] { update(); })
     , titleChanges_(item.title.observeChanges([this](std::string const&) { update_.request(); }))
     , menuChanges_(item.menu().observeChanges([this] { update_.request(); }))
@@ -148,22 +148,22 @@ std::string StatusNotifierItem::details() const
 
 void StatusNotifierItem::update()
 {
-    auto const before = std::exchange(told_, { title(), details(), iconName() });
-    bool const isNewTitle = told_.title != before.title;
+    auto const before = std::exchange(announced_, { title(), details(), iconName() });
+    bool const isNewTitle = announced_.title != before.title;
     if (isNewTitle) {
-        if (platform::lengthOfUtf8(told_.title) > platform::lengthOfUtf8(guide_))
-            guide_ = told_.title;
+        if (platform::lengthOfUtf8(announced_.title) > platform::lengthOfUtf8(guide_))
+            guide_ = announced_.title;
         emit("NewTitle");
-        bus_.emit(path, interface, "XAyatanaNewLabel", "ss", told_.title.c_str(), guide_.c_str());
+        bus_.emit(path, interface, "XAyatanaNewLabel", "ss", announced_.title.c_str(), guide_.c_str());
         draw();
     }
-    if (told_.iconName != before.iconName)
+    if (announced_.iconName != before.iconName)
         bus_.emit(path, interface, "NewIconThemePath", "s", platform::wellFormedUtf8(iconThemePath()).c_str());
     // Panels reread the icon's description only with the icon, so this is also sent if the icon is unchanged.
     bool const isNewDescription = isNewTitle && showsLabel();
-    if (std::exchange(isRedrawn_, false) || isNewDescription || told_.iconName != before.iconName)
+    if (std::exchange(isRedrawn_, false) || isNewDescription || announced_.iconName != before.iconName)
         emit("NewIcon");
-    if (isNewTitle || told_.details != before.details)
+    if (isNewTitle || announced_.details != before.details)
         emit("NewToolTip");
 }
 

@@ -93,7 +93,7 @@ private:
     /// Runs until a new title has been unchanged for a moment.
     std::unique_ptr<platform::Timer> drawing_;
     bool isRedrawn_ = false;
-    Told told_;
+    Told announced_;
     OncePerTurn update_;
     platform::Subscription titleChanges_;
     platform::Subscription menuChanges_;

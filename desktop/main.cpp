@@ -24,11 +24,11 @@ std::unique_ptr<Display> connectToDisplay(DesktopRunLoop& runLoop)
         // The toolkit reports this itself.
         if (runLoop.hasOuter())
             return;
-        std::fprintf(stderr, "usage-meter: the connection to display %s is lost\n", Display::name().c_str());
+        std::fprintf(stderr, "usage-meter: lost the connection to display %s\n", Display::name().c_str());
         runLoop.quit(EXIT_FAILURE);
     });
     if (!display)
-        std::fprintf(stderr, "usage-meter: no connection to display %s\n", Display::name().c_str());
+        std::fprintf(stderr, "usage-meter: cannot connect to display %s\n", Display::name().c_str());
     return display;
 }
 

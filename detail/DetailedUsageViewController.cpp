@@ -72,11 +72,11 @@ void DetailedUsageViewController::windowDidLoad()
     layout_.window.title.set(text("DETAILED_USAGE_TITLE"));
     layout_.loadingText.text.set(text("DETAILED_USAGE_LOADING"));
     layout_.usageMonthPicker.locale = platform_.dateLocale;
-    boundMonthPicker();
+    limitMonthPicker();
 }
 
 // Repeated each time the window is shown, since the program may run into another month.
-void DetailedUsageViewController::boundMonthPicker()
+void DetailedUsageViewController::limitMonthPicker()
 {
     auto const now = platform_.runLoop.now();
     layout_.usageMonthPicker.minDate.set(platform::addingMonths(now, -monthsBack));
@@ -92,7 +92,7 @@ void DetailedUsageViewController::doShowUsageWindow()
     setLoading(true);
     layout_.window.makeKeyAndOrderFront();
     if (secondRun_) {
-        boundMonthPicker();
+        limitMonthPicker();
         doReload();
     } else {
         secondRun_ = true;

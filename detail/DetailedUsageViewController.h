@@ -57,7 +57,7 @@ private:
     platform::NavigationPolicy decidePolicyForNavigationAction(std::string_view url) override;
 
     void windowDidLoad();
-    void boundMonthPicker();
+    void limitMonthPicker();
     void setLoading(bool loading);
     /// The scripts to run after a load, in order.
     std::vector<std::string> restylingScripts();

@@ -27,7 +27,7 @@ void limitResources()
 }
 
 // The toolkit's warnings are irrelevant: at worst, the program does without the pictures.
-void passOver(QtMsgType /*type*/, QMessageLogContext const& /*context*/, QString const& /*message*/) { }
+void ignoreMessage(QtMsgType /*type*/, QMessageLogContext const& /*context*/, QString const& /*message*/) { }
 
 // A theme might look for a display or change the font, and an input method would look for a bus.
 void keepFromDesktop()
@@ -50,7 +50,7 @@ int main()
 {
     limitResources();
     keepFromDesktop();
-    qInstallMessageHandler(passOver);
+    qInstallMessageHandler(ignoreMessage);
     // The helper is useless without the program that started it.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
 

@@ -389,9 +389,9 @@ public:
     explicit Panel(Bus& bus)
         : bus_(bus)
         , menuSignals_(
-              bus.listen(nullptr, nullptr, menuInterface, nullptr, [this](sd_bus_message* signal) { hear(signal); }))
+              bus.listen(nullptr, nullptr, menuInterface, nullptr, [this](sd_bus_message* signal) { receive(signal); }))
         , itemSignals_(
-              bus.listen(nullptr, nullptr, itemInterface, nullptr, [this](sd_bus_message* signal) { hear(signal); }))
+              bus.listen(nullptr, nullptr, itemInterface, nullptr, [this](sd_bus_message* signal) { receive(signal); }))
     {
     }
 
@@ -477,7 +477,7 @@ private:
         require(calls_.back() != nullptr);
     }
 
-    void hear(sd_bus_message* signal)
+    void receive(sd_bus_message* signal)
     {
         std::string_view const name = sd_bus_message_get_member(signal);
         if (name == "LayoutUpdated") {

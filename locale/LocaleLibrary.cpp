@@ -11,7 +11,7 @@ extern "C" __attribute__((visibility("default"))) void makeUsageMeterLocaleRules
     made = std::make_unique<IcuRules>();
 }
 
-extern "C" __attribute__((visibility("default"))) void letGoOfUsageMeterLocaleRules(
+extern "C" __attribute__((visibility("default"))) void releaseUsageMeterLocaleRules(
     std::unique_ptr<platform::LocaleRules>& rules)
 {
     rules.reset();

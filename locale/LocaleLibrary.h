@@ -11,5 +11,5 @@ using MakeRules = void (*)(std::unique_ptr<platform::LocaleRules>& made);
 constexpr char const* makeRulesName = "makeUsageMeterLocaleRules";
 
 /// Destroys the rules and all of ICU's caches, after which the library can be unloaded. Nobody else may use ICU.
-using LetGoOfRules = void (*)(std::unique_ptr<platform::LocaleRules>& rules);
-constexpr char const* letGoOfRulesName = "letGoOfUsageMeterLocaleRules";
+using ReleaseRules = void (*)(std::unique_ptr<platform::LocaleRules>& rules);
+constexpr char const* releaseRulesName = "releaseUsageMeterLocaleRules";

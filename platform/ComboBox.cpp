@@ -26,7 +26,7 @@ std::optional<std::string> ComboBox::objectValueOfSelectedItem() const
 void ComboBox::selectItemAtIndex(std::size_t index)
 {
     if (select(index))
-        tellDelegate();
+        notifyDelegate();
 }
 
 void ComboBox::userSelected(std::size_t index)
@@ -35,7 +35,7 @@ void ComboBox::userSelected(std::size_t index)
     if (store && index < items.get().size())
         store(text.get());
     if (changed)
-        tellDelegate();
+        notifyDelegate();
 }
 
 bool ComboBox::select(std::size_t index)
@@ -48,7 +48,7 @@ bool ComboBox::select(std::size_t index)
     return changed;
 }
 
-void ComboBox::tellDelegate()
+void ComboBox::notifyDelegate()
 {
     if (delegate)
         delegate->comboBoxSelectionDidChange();

@@ -42,7 +42,7 @@ public:
 
 private:
     bool select(std::size_t index);
-    void tellDelegate();
+    void notifyDelegate();
 };
 
 }

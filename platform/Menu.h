@@ -33,7 +33,7 @@ public:
                 return;
             value_ = std::move(value);
             if (line_.menuChanges_)
-                line_.menuChanges_->tell();
+                line_.menuChanges_->notify();
         }
 
     private:
@@ -91,7 +91,7 @@ public:
         // All lines share one list of observers, since a menu can have thousands.
         for (auto const& item : items_)
             item->menuChanges_ = &changes_;
-        changes_.tell();
+        changes_.notify();
     }
 
     /// Reports every new list of items and every visible change to one of them, but not changes in submenus.

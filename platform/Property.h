@@ -66,33 +66,33 @@ public:
     /// False if nothing has ever been observed.
     bool isUsed() const { return list_ != nullptr; }
 
-    void tell(Arguments... arguments) const
+    void notify(Arguments... arguments) const
     {
         if (!list_)
             return;
         auto const list = list_;
-        auto const told = list->entries;
-        auto const telling = ++list->tellings;
-        for (auto const& entry : told) {
-            if (list->tellings != telling)
+        auto const observers = list->entries;
+        auto const notification = ++list->notifications;
+        for (auto const& entry : observers) {
+            if (list->notifications != notification)
                 return;
             if (!entry->ended)
-                entry->tell(arguments...);
+                entry->observer(arguments...);
         }
     }
 
 private:
     struct Entry {
-        explicit Entry(Observer observer)
-            : tell(std::move(observer))
+        explicit Entry(Observer newObserver)
+            : observer(std::move(newObserver))
         {
         }
-        Observer tell;
+        Observer observer;
         bool ended = false;
     };
     struct List {
         std::vector<std::shared_ptr<Entry>> entries;
-        unsigned tellings = 0;
+        unsigned notifications = 0;
     };
 
     std::shared_ptr<List> list_;
@@ -119,7 +119,7 @@ public:
         value_ = std::move(value);
         // The observers get a copy, since one of them may set the next value while this one is being reported.
         if (observers_.isUsed())
-            observers_.tell(T(value_));
+            observers_.notify(T(value_));
     }
 
     /// Calls the observer with the current value at once, then on every change.

@@ -55,7 +55,7 @@ void UserDefaults::set(std::string const& key, Value value)
         return;
     values_.insert_or_assign(key, value);
     queueWrite();
-    tell(key, &value);
+    notify(key, &value);
 }
 
 void UserDefaults::remove(std::string const& key)
@@ -63,7 +63,7 @@ void UserDefaults::remove(std::string const& key)
     if (values_.erase(key) == 0)
         return;
     queueWrite();
-    tell(key, nullptr);
+    notify(key, nullptr);
 }
 
 Subscription UserDefaults::observeChanges(std::string const& key, std::function<void(Value const*)> observer)
@@ -92,10 +92,10 @@ void UserDefaults::queueWrite()
     });
 }
 
-void UserDefaults::tell(std::string const& key, Value const* value)
+void UserDefaults::notify(std::string const& key, Value const* value)
 {
     if (auto const found = observers_.find(key); found != observers_.end())
-        found->second.tell(value);
+        found->second.notify(value);
 }
 
 }

@@ -43,7 +43,7 @@ public:
 
 private:
     void queueWrite();
-    void tell(std::string const& key, Value const* value);
+    void notify(std::string const& key, Value const* value);
 
     std::filesystem::path file_;
     RunLoop& runLoop_;

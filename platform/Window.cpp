@@ -8,7 +8,7 @@ namespace platform {
 void Window::makeKeyAndOrderFront()
 {
     visible.set(true);
-    frontRequests_.tell();
+    frontRequests_.notify();
 }
 
 void Window::beginSheet(Alert alert, Completion completion)

@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t maximumNamesLength = 65'536;
 // Expat goes through all of an element's declared attributes each time the element occurs.
 constexpr int maximumDeclaredAttributes = 1'024;
-constexpr int greatestDepth = 256;
+constexpr int maximumDepth = 256;
 
 std::string_view view(char const* text, int length) { return { text, static_cast<std::size_t>(length) }; }
 
@@ -99,7 +99,7 @@ private:
         count(name);
         bool const hasDefaults = attributes[XML_GetSpecifiedAttributeCount(parser_.get())] != nullptr;
         bool const hasEntity = *attributes && hasUnknownEntity(source());
-        if (hasDefaults || hasEntity || depth_ > greatestDepth)
+        if (hasDefaults || hasEntity || depth_ > maximumDepth)
             refuse();
         for (; *attributes && !refused_; attributes += 2)
             count(*attributes);

@@ -140,7 +140,7 @@ startProgram() {
 }
 
 endProgram() {
-    waitFor 3 isEndedBy TERM "$program" || fail "the program does not end"
+    waitFor 3 isEndedBy TERM "$program" || fail "the program did not exit"
 }
 
 visibleWindows() {
@@ -158,7 +158,7 @@ isDrawn() {
 capture() {
     local picture=$shots/$1.png
     drawn=
-    waitFor 10 isDrawn -window "$2" "$picture" || fail "$1 shows nothing; see $picture"
+    waitFor 10 isDrawn -window "$2" "$picture" || fail "$1 is blank; see $picture"
     echo "$picture"
 }
 
@@ -183,9 +183,9 @@ captureMenu() {
     area=$window
     before=$(visibleWindows --class notification-area-applet)
     xdotool mousemove --window "$area" 20 12 click 3
-    waitFor 10 findMenu "$before" || fail "the item's menu does not open"
+    waitFor 10 findMenu "$before" || fail "the item's menu did not open"
     drawn=
-    waitFor 10 isDrawn -window root -crop 400x370+880+0 +repage "$picture" || fail "the menu shows nothing"
+    waitFor 10 isDrawn -window root -crop 400x370+880+0 +repage "$picture" || fail "the menu is blank"
     echo "$picture"
     # A click elsewhere closes the menu.
     xdotool mousemove 300 700 click 1
@@ -221,7 +221,7 @@ captureDailyUsage() {
     local picture=$shots/$1.png
     openWindow "Daily Usage"
     drawn=
-    waitFor 30 isPageDrawn "$picture" || fail "the provider's page does not come; see $picture and $log/program"
+    waitFor 30 isPageDrawn "$picture" || fail "the provider's page did not load; see $picture and $log/program"
     echo "$picture"
 }
 

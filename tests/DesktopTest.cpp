@@ -364,7 +364,7 @@ TEST(ColorScheme, TellsThePreferencesOfAPortalAndEveryLaterOne)
     };
     std::vector<Look> expected { { HighContrastDark, {} } };
     for (auto const& [space, key, value, look] : changes) {
-        portal.tell("org.freedesktop.portal.Settings", "SettingChanged",
+        portal.notify("org.freedesktop.portal.Settings", "SettingChanged",
             { QLatin1String(space), QLatin1String(key), QVariant::fromValue(QDBusVariant(value)) });
         expected.push_back(look);
     }
@@ -403,10 +403,10 @@ TEST(FreedesktopNotifications, EachTakesThePlaceOfTheLastUnlessThatHasGone)
                 "1 &lt;b&gt;bold&lt;/b&gt; &amp; one", QStringList { "default", "Show" } }));
         // Only a click on its own one counts.
         log.activated.clear();
-        service.tell(name, "ActionInvoked", { 7U, "default" });
-        service.tell(name, "ActionInvoked", { id, "another" });
-        service.tell(name, "ActivationToken", { id, "token" });
-        service.tell(name, "ActionInvoked", { id, "default" });
+        service.notify(name, "ActionInvoked", { 7U, "default" });
+        service.notify(name, "ActionInvoked", { id, "another" });
+        service.notify(name, "ActivationToken", { id, "token" });
+        service.notify(name, "ActionInvoked", { id, "default" });
         ASSERT_TRUE(QTest::qWaitFor([&log] { return !log.activated.empty(); }));
         EXPECT_EQ(log.activated, (Texts { std::to_string(id) + "token" }));
         if (count == 1) {
@@ -414,10 +414,10 @@ TEST(FreedesktopNotifications, EachTakesThePlaceOfTheLastUnlessThatHasGone)
             ASSERT_TRUE(QTest::qWaitFor([&] { return service.calls.back().member() == "CloseNotification"; }));
             replaced = 0;
         } else if (count == 3) {
-            service.tell(name, "NotificationClosed", { id, 2U });
+            service.notify(name, "NotificationClosed", { id, 2U });
             replaced = 0;
             bool isHeard = false;
-            auto const call = bus.call(bus.callToBus("NameHasOwner", name), [&](sd_bus_message*) { isHeard = true; });
+            auto const call = bus.call(bus.callBus("NameHasOwner", name), [&](sd_bus_message*) { isHeard = true; });
             ASSERT_TRUE(QTest::qWaitFor([&isHeard] { return isHeard; }));
         }
     }

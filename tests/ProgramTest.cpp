@@ -158,7 +158,7 @@ TEST_F(ProgramTest, ADisplayThatLetsNobodyInLeavesTheItemForTheNextClick)
     ASSERT_TRUE(click("Preferences…"));
     // What the display has to say comes before it.
     EXPECT_TRUE(waitFor(
-        [this] { return program_.output().find("usage-meter: no connection to display") != std::string::npos; }));
+        [this] { return program_.output().find("usage-meter: cannot connect to display") != std::string::npos; }));
     auto const output = program_.output();
     writeKey(keyFile, '1');
     ASSERT_TRUE(click("Preferences…"));

@@ -156,7 +156,7 @@ TEST_F(StatusItem, TellsOnlyWhatIsNewAndOnceATurn)
     auto const heard = panel.listen(bus_->uniqueName(), nullptr, nullptr, nullptr,
         [&names](sd_bus_message* signal) { names.insert(sd_bus_message_get_member(signal)); });
     // Answered after the bus has the rule.
-    ASSERT_TRUE(panel.callAndWait(panel.callToBus("NameHasOwner", "org.freedesktop.DBus"), bound));
+    ASSERT_TRUE(panel.callAndWait(panel.callBus("NameHasOwner", "org.freedesktop.DBus"), bound));
     item_.title.set("Please wait");
     item_.title.set("58GB");
     figure_->title.set("Downloaded: 53GB");

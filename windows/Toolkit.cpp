@@ -22,17 +22,17 @@ void printError(QString const& message)
 
 bool isError(QtMsgType type) { return type != QtDebugMsg && type != QtInfoMsg; }
 
-platform::Task lastResortOfStart;
-std::function<void(int)> tellOfExit;
+platform::Task failedStartHandler;
+std::function<void(int)> exitHandler;
 
 // If the display is unreachable, Qt warns, advises the user to reinstall and calls abort(). The warning alone is more
 // helpful.
-void hearFailedStart(QtMsgType type, QMessageLogContext const& /*context*/, QString const& message)
+void handleFailedStart(QtMsgType type, QMessageLogContext const& /*context*/, QString const& message)
 {
     static QString reason;
     if (type == QtFatalMsg) {
         printError(reason.isEmpty() ? message : reason);
-        lastResortOfStart();
+        failedStartHandler();
         _exit(EXIT_FAILURE);
     }
     if (isError(type))
@@ -40,39 +40,39 @@ void hearFailedStart(QtMsgType type, QMessageLogContext const& /*context*/, QStr
 }
 
 // The toolkit warns about features that Wayland or the compositor lacks; these are not failures.
-bool isWaylandsLimit(QtMsgType type, QMessageLogContext const& context)
+bool isWaylandLimitation(QtMsgType type, QMessageLogContext const& context)
 {
     return type == QtWarningMsg && QLatin1String(context.category).startsWith(QLatin1String("qt.qpa.wayland"));
 }
 
 void reportError(QtMsgType type, QMessageLogContext const& context, QString const& message)
 {
-    if (isError(type) && !isWaylandsLimit(type, context))
+    if (isError(type) && !isWaylandLimitation(type, context))
         printError(message);
     if (type == QtFatalMsg)
         _exit(EXIT_FAILURE);
 }
 
-void hearExit(int status, void* /*unused*/)
+void handleExit(int status, void* /*unused*/)
 {
-    if (tellOfExit)
-        tellOfExit(status);
+    if (exitHandler)
+        exitHandler(status);
 }
 
 }
 
-void Toolkit::reportFailedStart(platform::Task lastResort)
+void Toolkit::reportFailedStart(platform::Task failedStart)
 {
-    lastResortOfStart = std::move(lastResort);
-    qInstallMessageHandler(hearFailedStart);
+    failedStartHandler = std::move(failedStart);
+    qInstallMessageHandler(handleFailedStart);
 }
 
 Toolkit::Toolkit(int& argumentCount, char** arguments, platform::Bundle const& bundle, std::function<void(int)> exits)
     : application_(argumentCount, arguments)
 {
     // Registered here so that it runs before the toolkit's own exit handlers.
-    tellOfExit = std::move(exits);
-    on_exit(hearExit, nullptr);
+    exitHandler = std::move(exits);
+    on_exit(handleExit, nullptr);
     qInstallMessageHandler(reportError);
     QApplication::setQuitOnLastWindowClosed(false);
     // The location of our icons in case the desktop's own theme is not installed.
@@ -84,12 +84,12 @@ Toolkit::Toolkit(int& argumentCount, char** arguments, platform::Bundle const& b
     // Not the display name, because the toolkit adds that to every window's title.
     QApplication::setApplicationName(toQt(bundle.infoText("CFBundleDisplayName")));
     QApplication::setDesktopFileName(toQt(bundle.identifier()));
-    speak(bundle);
+    useLanguageOf(bundle);
 }
 
-Toolkit::~Toolkit() { tellOfExit = nullptr; }
+Toolkit::~Toolkit() { exitHandler = nullptr; }
 
-void Toolkit::speak(platform::Bundle const& bundle)
+void Toolkit::useLanguageOf(platform::Bundle const& bundle)
 {
     QLocale const language(toQt(bundle.language()));
     // The direction follows our texts, even if the toolkit has no translation for their language.

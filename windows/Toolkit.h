@@ -14,7 +14,7 @@
 class Toolkit final {
 public:
     /// If the toolkit fails to start, prints the reason in one line and calls the last resort.
-    static void reportFailedStart(platform::Task lastResort);
+    static void reportFailedStart(platform::Task failedStart);
 
     /// Takes the program's arguments, and a function that is called with the exit status if the toolkit ends the
     /// process.
@@ -24,7 +24,7 @@ public:
     Toolkit& operator=(Toolkit const&) = delete;
 
 private:
-    void speak(platform::Bundle const& bundle);
+    void useLanguageOf(platform::Bundle const& bundle);
 
     QApplication application_;
     QTranslator translator_;

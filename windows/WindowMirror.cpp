@@ -193,10 +193,10 @@ bool WindowMirror::staysWhereItIs() const
 
 void WindowMirror::bringToFront()
 {
-    bool const mustBeShownAnew = !isNew_ && !isActive() && staysWhereItIs();
+    bool const mustReshow = !isNew_ && !isActive() && staysWhereItIs();
     widget_->setWindowState(widget_->windowState() & ~Qt::WindowMinimized);
-    if (mustBeShownAnew)
-        showAnew();
+    if (mustReshow)
+        reshow();
     widget_->raise();
     widget_->activateWindow();
     dropActivationToken();
@@ -204,14 +204,14 @@ void WindowMirror::bringToFront()
 
 // Sheets are hidden before their window and shown after it. Without WA_Resized, a window that the user has resized
 // would come back with its initial size.
-void WindowMirror::showAnew()
+void WindowMirror::reshow()
 {
     QWidgetList windows { widget_.get() };
     for (auto* const sheet : widget_->findChildren<QDialog*>()) {
         if (sheet->isVisible())
             windows.push_back(sheet);
     }
-    isBeingShownAnew_ = true;
+    isReshowing_ = true;
     std::for_each(windows.rbegin(), windows.rend(), [](QWidget* window) { window->hide(); });
     for (auto* const window : windows) {
         bool const wasResized = window->testAttribute(Qt::WA_Resized);
@@ -219,7 +219,7 @@ void WindowMirror::showAnew()
         window->show();
         window->setAttribute(Qt::WA_Resized, wasResized);
     }
-    isBeingShownAnew_ = false;
+    isReshowing_ = false;
 }
 
 void WindowMirror::setBackground(std::optional<platform::Color> const& color)
@@ -244,7 +244,7 @@ void WindowMirror::setBackground(std::optional<platform::Color> const& color)
 // Tells the model when the window is closed by its title bar or by Escape.
 bool WindowMirror::eventFilter(QObject* watched, QEvent* event)
 {
-    bool const staysShown = isBeingShownAnew_ || (parent_ && parent_->isBeingShownAnew_);
+    bool const staysShown = isReshowing_ || (parent_ && parent_->isReshowing_);
     bool const isGoing
         = event->type() == QEvent::Hide && !event->spontaneous() && watched == widget_.get() && !staysShown;
     if (isGoing)

@@ -46,7 +46,7 @@ private:
     bool isActive() const;
     bool staysWhereItIs() const;
     void bringToFront();
-    void showAnew();
+    void reshow();
     void setBackground(std::optional<platform::Color> const& color);
     void showAlert();
 
@@ -61,6 +61,6 @@ private:
     QPointer<AlertBox> sheet_;
     /// True until the end of the main-loop turn in which the window was shown.
     bool isNew_ = false;
-    bool isBeingShownAnew_ = false;
+    bool isReshowing_ = false;
     std::vector<platform::Subscription> subscriptions_;
 };

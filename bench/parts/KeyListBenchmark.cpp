@@ -41,7 +41,7 @@ void loadKeysAndUpdateMenu(benchmark::State& state, std::size_t count)
         menu.runQueued();
         menu.letPanelRead(state);
     }
-    require(menu.tellsOf() == (count >= 2 ? 2 * turns : 0), "the mark's old line and its new one are told");
+    require(menu.reportedLines() == (count >= 2 ? 2 * turns : 0), "the mark's old line and its new one are reported");
 }
 
 // A refresh changes the first group of lines but not the submenu.
@@ -70,7 +70,7 @@ void updateMenuAfterRefresh(benchmark::State& state, std::size_t count)
         menu.runQueued();
         menu.letPanelRead(state);
     }
-    require(menu.tellsOf() == lines.size() * turn, "all lines of the first group are told");
+    require(menu.reportedLines() == lines.size() * turn, "all lines of the first group are reported");
 }
 
 }

@@ -15,7 +15,7 @@ public:
         : loop_(loop)
         , peers_(loop, panelLoop_)
         , menu_(model, path, DBusMenu::TextDirection::LeftToRight, peers_.program)
-        , tells_(peers_.panel.listen(nullptr, path, interface, "ItemsPropertiesUpdated",
+        , reports_(peers_.panel.listen(nullptr, path, interface, "ItemsPropertiesUpdated",
               [this](sd_bus_message* signal) { countLines(signal); }))
     {
         bool isListed = false;
@@ -43,10 +43,10 @@ public:
     }
 
     /// The number of reports of a line's new properties.
-    std::size_t tellsOf()
+    std::size_t reportedLines()
     {
         peers_.settle();
-        return told_;
+        return reportedLines_;
     }
 
 private:
@@ -57,7 +57,7 @@ private:
     void countLines(sd_bus_message* signal)
     {
         sd_bus_message_enter_container(signal, SD_BUS_TYPE_ARRAY, "(ia{sv})");
-        for (; sd_bus_message_at_end(signal, 0) == 0; ++told_)
+        for (; sd_bus_message_at_end(signal, 0) == 0; ++reportedLines_)
             sd_bus_message_skip(signal, "(ia{sv})");
     }
 
@@ -65,7 +65,7 @@ private:
     DesktopRunLoop panelLoop_;
     PeerBus peers_;
     DBusMenu menu_;
-    BusSlot tells_;
-    std::size_t told_ = 0;
+    BusSlot reports_;
+    std::size_t reportedLines_ = 0;
     std::size_t turns_ = 0;
 };

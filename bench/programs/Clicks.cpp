@@ -69,8 +69,8 @@ bool waitForLabel(Desktop& desktop, bool withFigure)
 {
     auto const& panel = desktop.panel();
     return desktop.waitFor(
-        [&, before = panel.toldLabels()] {
-            return panel.toldLabels() > before && hasDigit(panel.label()) == withFigure;
+        [&, before = panel.reportedLabels()] {
+            return panel.reportedLabels() > before && hasDigit(panel.label()) == withFigure;
         },
         patience);
 }
@@ -117,7 +117,7 @@ std::optional<long> peakOfHelper(Desktop& desktop, pid_t program)
 {
     auto const& panel = desktop.panel();
     // The first new label is the waiting state's.
-    auto const isOver = [&, before = panel.toldLabels()] { return panel.toldLabels() >= before + 2; };
+    auto const isOver = [&, before = panel.reportedLabels()] { return panel.reportedLabels() >= before + 2; };
     auto const end = Clock::now() + patience;
     long peak = 0;
     while (!desktop.waitFor(isOver, pace)) {
@@ -162,7 +162,7 @@ bool replies(Desktop& desktop, Program const& program, std::span<char* const> ke
         return false;
     std::optional<long> usualHelper;
     for (std::string_view const key : keys) {
-        processFigures::forgetPeakMemory(program.id());
+        processFigures::resetPeakMemory(program.id());
         long const before = processFigures::residentMemory(program.id());
         if (!click(desktop.panel(), [key](MenuLine const& line) { return line.label.ends_with(key); }))
             return false;

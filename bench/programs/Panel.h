@@ -31,7 +31,7 @@ public:
     bool hasItem() const { return !service_.empty(); }
     std::string const& label() const { return label_; }
     /// The number of new labels that the item has reported.
-    int toldLabels() const { return toldLabels_; }
+    int reportedLabels() const { return toldLabels_; }
 
     /// Opens the menu and reads it. Blocks; returns nothing if the item does not answer.
     std::optional<MenuLine> openMenu();

@@ -63,7 +63,7 @@ long residentMemory(pid_t process) { return field(folderOf(process) / "status", 
 
 long peakMemory(pid_t process) { return field(folderOf(process) / "status", "VmHWM:"); }
 
-void forgetPeakMemory(pid_t process) { std::ofstream(folderOf(process) / "clear_refs") << "5"; }
+void resetPeakMemory(pid_t process) { std::ofstream(folderOf(process) / "clear_refs") << "5"; }
 
 long threads(pid_t process) { return field(folderOf(process) / "status", "Threads:"); }
 

@@ -19,9 +19,9 @@ long proportionalMemory(pid_t process);
 long privateMemory(pid_t process);
 
 long residentMemory(pid_t process);
-/// The peak since the start or since forgetPeakMemory().
+/// The peak since the start or since resetPeakMemory().
 long peakMemory(pid_t process);
-void forgetPeakMemory(pid_t process);
+void resetPeakMemory(pid_t process);
 
 long threads(pid_t process);
 long openFiles(pid_t process);

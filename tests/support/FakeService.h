@@ -33,7 +33,7 @@ public:
     QString introspect(QString const& /*path*/) const override { return {}; }
 
     /// Returns once the bus has the signal.
-    void tell(char const* interface, char const* member, QVariantList const& arguments)
+    void notify(char const* interface, char const* member, QVariantList const& arguments)
     {
         auto signal = QDBusMessage::createSignal(path_, QLatin1String(interface), QLatin1String(member));
         signal.setArguments(arguments);

@@ -91,7 +91,7 @@ private:
         uptimeStart_ += distance;
         for (auto* const timer : timers_)
             timer->date += timer->period > Seconds::zero() ? Date::duration::zero() : distance;
-        told.tell();
+        told.notify();
         advance({});
     }
 
