@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/AutostartEntry.h"
-
+#include "desktop/Folders.h"
 #include "platform/AtomicFile.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -15,15 +15,22 @@ struct AutostartEntryTest : testing::Test {
         ASSERT_TRUE(platform::writeFileAtomically(file, "[Desktop Entry]\n" + lines));
     }
 
+    /// The program's entry, in the folders of a desktop whose environment this is.
+    AutostartEntry makeEntry() const
+    {
+        ::setenv("XDG_CONFIG_HOME", (folder_.path() / "user").c_str(), 1);
+        ::setenv("XDG_CONFIG_DIRS", ("/nowhere:" + (folder_.path() / "system").string()).c_str(), 1);
+        return { { "org.example.Meter", "Meter", program_ }, userAutostartFolder(), systemAutostartFolders() };
+    }
+
     TemporaryFolder folder_;
-    fs::path const user_ = folder_.path() / "user" / "org.example.Meter.desktop";
-    fs::path const system_ = folder_.path() / "system" / "org.example.Meter.desktop";
+    fs::path const user_ = folder_.path() / "user/autostart/org.example.Meter.desktop";
+    fs::path const system_ = folder_.path() / "system/autostart/org.example.Meter.desktop";
     fs::path const program_ = folder_.path() / "a $100% \"meter\"";
-    AutostartEntry entry_ { { "org.example.Meter", "Meter", program_ }, user_.parent_path(),
-        { folder_.path() / "none", system_.parent_path() } };
+    AutostartEntry entry_ = makeEntry();
 };
 
-TEST_F(AutostartEntryTest, IsWhatStandsOnDiskTheUsersBeforeTheSystems)
+TEST_F(AutostartEntryTest, TheUsersFileGoesBeforeTheSystems)
 {
     EXPECT_FALSE(entry_.isEnabled());
     write(system_, "Exec=usage-meter\n");
@@ -36,7 +43,7 @@ TEST_F(AutostartEntryTest, IsWhatStandsOnDiskTheUsersBeforeTheSystems)
     }
 }
 
-TEST_F(AutostartEntryTest, StartsThisVeryProgramAndGoesWithoutATrace)
+TEST_F(AutostartEntryTest, IsThisVeryProgramsUntilItGoesWithoutATrace)
 {
     fs::rename(folder_.script("true"), program_);
     EXPECT_TRUE(entry_.setEnabled(true));
@@ -52,7 +59,7 @@ TEST_F(AutostartEntryTest, StartsThisVeryProgramAndGoesWithoutATrace)
 TEST_F(AutostartEntryTest, HidesTheSystemsFromItsUserInAFolderThatStaysAsItIs)
 {
     write(system_, "Exec=usage-meter\n");
-    fs::create_directory(user_.parent_path());
+    fs::create_directories(user_.parent_path());
     fs::permissions(user_.parent_path(), fs::perms(0755));
     EXPECT_TRUE(entry_.setEnabled(false));
     EXPECT_FALSE(entry_.isEnabled());

@@ -39,12 +39,6 @@ public:
         platform::writeFileAtomically(infoFile, platform::writePropertyList(info));
     }
 
-    void setProvider(std::string const& host, std::filesystem::path const& authority) const
-    {
-        setInfo("ProviderHost", host);
-        setInfo("ProviderCertificateAuthority", authority);
-    }
-
     void setVariable(char const* name, char const* value)
     {
         environment_.insert(QLatin1String(name), QString::fromUtf8(value));

@@ -13,7 +13,8 @@ struct RunningProgramTest : PanelTest {
     RunningProgramTest()
     {
         startWatcher();
-        program_.setProvider(provider_->host(), certificate_.authority);
+        program_.setInfo("ProviderHost", provider_->host());
+        program_.setInfo("ProviderCertificateAuthority", certificate_.authority);
         provider_->setReport("secretOne", homeReport_);
         provider_->setReport("secretTwo", cottageReport_);
     }
@@ -44,12 +45,6 @@ struct RunningProgramTest : PanelTest {
         program_.signal(SIGTERM);
         ASSERT_EQ(program_.waitForExit(bound), 0);
         ASSERT_TRUE(waitFor([this] { return !reader_.hasItem(); }));
-    }
-
-    std::string storedSelection() const
-    {
-        auto const stored = *platform::readPropertyList(*platform::readFile(program_.settingsFile));
-        return *platform::entry<std::string>(stored, settings::tarvoKeySelected);
     }
 
     std::string const homeReport_ = demo::reportBody(
