@@ -23,24 +23,15 @@ namespace {
 
 constexpr auto pagePath = "/support/usage";
 
-std::vector<pid_t> childrenOf(pid_t process)
+/// The processes that render pages, among a process and all that come from it.
+std::vector<pid_t> renderers(pid_t process = ::getpid())
 {
     auto const name = std::to_string(process);
-    std::ifstream file("/proc/" + name + "/task/" + name + "/children");
-    return { std::istream_iterator<pid_t>(file), {} };
-}
-
-/// The processes that render this program's pages; the engine starts them through an intermediate process.
-std::vector<pid_t> renderers()
-{
-    std::vector<pid_t> found;
-    for (pid_t const starter : childrenOf(::getpid())) {
-        for (pid_t const process : childrenOf(starter)) {
-            auto const arguments = platform::readFile("/proc/" + std::to_string(process) + "/cmdline").value_or("");
-            if (arguments.find("--type=renderer") != std::string::npos)
-                found.push_back(process);
-        }
-    }
+    auto const arguments = platform::readFile("/proc/" + name + "/cmdline").value_or("");
+    std::vector<pid_t> found(arguments.find("--type=renderer") != std::string::npos ? 1 : 0, process);
+    std::ifstream children("/proc/" + name + "/task/" + name + "/children");
+    for (pid_t child = 0; children >> child;)
+        std::ranges::copy(renderers(child), std::back_inserter(found));
     return found;
 }
 
@@ -73,18 +64,14 @@ struct DetailedUsageWindowTest : WindowsTest {
         windows_ = std::make_unique<MainWindows>(outlets_, bundle_, loop_, USAGE_METER_WEB);
     }
 
-    /// The event loop keeps running meanwhile, since the engine does its work there in many small steps.
+    /// Never sleeps past an event, since the engine does its work in many small steps.
     static bool waitFor(std::function<bool()> const& condition)
     {
-        QEventLoop eventLoop;
         QDeadlineTimer const deadline(20s);
         QTimer timer;
-        QObject::connect(&timer, &QTimer::timeout, [&] {
-            if (condition() || deadline.hasExpired())
-                eventLoop.quit();
-        });
         timer.start(1);
-        eventLoop.exec();
+        while (!condition() && !deadline.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         return condition();
     }
 
