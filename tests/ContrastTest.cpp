@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Checks that every text is legible, by measuring its contrast with its background on the pixels of every window in
-// every look.
+// Checks that the colours of every look make a text legible.
 #include "windows/Contrast.h"
 #include "draw/StatusIcon.h"
-#include "tests/support/EveryWindowTest.h"
+#include "windows/Palettes.h"
 
+#include <QtWidgets>
+#include <gtest/gtest.h>
 #include <ranges>
 
 namespace {
@@ -17,9 +18,6 @@ constexpr double high = 7;
 constexpr std::array looks { Appearance::Light, Appearance::Dark, Appearance::HighContrastLight,
     Appearance::HighContrastDark };
 double enoughIn(Appearance look) { return look == looks[0] || look == looks[1] ? enough : high; }
-
-// Letters are drawn so much larger that their strokes have pixels of their colour alone.
-constexpr int magnification = 2;
 
 /// Of the letters in a picture with their ground, which has most of its pixels.
 double contrastIn(QImage const& picture)
@@ -35,52 +33,7 @@ double contrastIn(QImage const& picture)
     return std::ranges::max(contrasts);
 }
 
-/// Where a widget has words, without its frame and marks.
-QRect placeOfWords(QWidget const& widget)
-{
-    QString words;
-    for (char const* const property : { "text", "currentText", "placeholderText" })
-        words += widget.property(property).toString();
-    if (words.trimmed().isEmpty() || qobject_cast<QDialog const*>(&widget))
-        return {};
-    int const frame = qobject_cast<QLabel const*>(&widget) ? 0 : 4;
-    int const ends = qobject_cast<QCheckBox const*>(&widget) || qobject_cast<QComboBox const*>(&widget) ? 24 : frame;
-    return widget.rect().adjusted(ends, frame, -ends, -frame);
 }
-
-bool isFaded(QWidget const& widget)
-{
-    auto const* const effect = qobject_cast<QGraphicsOpacityEffect*>(widget.graphicsEffect());
-    return effect && effect->isEnabled() && effect->opacity() < 1;
-}
-
-struct ContrastTest : EveryWindowTest, testing::WithParamInterface<Appearance> {
-    void look() override
-    {
-        QCoreApplication::processEvents();
-        for (auto* const widget : QApplication::allWidgets()) {
-            auto const place = placeOfWords(*widget);
-            if (!widget->isVisible() || isFaded(*widget) || place.isEmpty())
-                continue;
-            auto& window = *widget->window();
-            QImage picture(place.size() * magnification, QImage::Format_RGB32);
-            picture.setDevicePixelRatio(magnification);
-            window.render(&picture, {}, QRect(widget->mapTo(&window, place.topLeft()), place.size()));
-            EXPECT_GE(contrastIn(picture), enoughIn(appearance_))
-                << widget->objectName().toStdString() << ": " << widget->property("text").toString().toStdString();
-        }
-    }
-};
-
-}
-
-TEST_P(ContrastTest, EveryTextInAWindowCanBeRead)
-{
-    appearance_ = GetParam();
-    showAll();
-}
-
-INSTANTIATE_TEST_SUITE_P(InEachLook, ContrastTest, testing::ValuesIn(looks));
 
 TEST(PalettesContrast, WhatOpensAtAClickCanBeRead)
 {
