@@ -115,7 +115,8 @@ TEST_F(AccessibilityTest, AWindowIsReadInTheOrderOfItsLines)
             "StaticText: Total counted against the cap: 11GB", "StaticText: Usage cap:", "StaticText: Usage cap: 12GB",
             "StaticText: Remaining:", "StaticText: Remaining: 1GB", "StaticText: " + lastUpdate(at(10, 0)),
             "StaticText: " + nextUpdate(at(12, 0)), "Button: Daily Usage" }));
-    auto const& level = find("Usage Meter - Home", "ProgressBar: Share of the cap used");
+    auto& level = find("Usage Meter - Home", "ProgressBar: Share of the cap used");
+    EXPECT_EQ(level.valueInterface()->currentValue(), 91);
     EXPECT_EQ(level.text(QAccessible::Description), "91% of the cap, in the critical zone");
 }
 

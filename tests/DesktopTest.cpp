@@ -50,26 +50,21 @@ TEST_F(DesktopRunLoopTest, EachTaskRunsInItsTurn)
 }
 
 /// How long the computer has slept, as the clock that counts sleep has it.
-std::atomic<int> sleptSeconds = 0;
+std::atomic<int> sleptMilliseconds = 0;
 
-TEST_F(DesktopRunLoopTest, AWakeIsToldBeforeWhatFellDueInSleep)
+TEST_F(DesktopRunLoopTest, ASleepIsToldOnceBeforeWhatFellDueInIt)
 {
     auto const wake = loop.observeWake([this] { told.emplace_back("wake"); });
-    for (bool const isByWallClock : { true, false }) {
-        auto const task = [this] { told.emplace_back("timer"); };
-        auto const timer = isByWallClock ? loop.repeat(loop.now() + 1ms, 1h, task) : loop.after(1ms, task);
-        sleptSeconds += 3600;
-        ASSERT_TRUE(QTest::qWaitFor([this] { return !told.empty() && told.back() == "timer"; }));
-        EXPECT_EQ(std::exchange(told, {}), (Texts { "wake", "timer" }));
+    auto const tell = [this] { told.emplace_back("timer"); };
+    // The clocks are not read at once, so a little counts as no sleep.
+    for (auto const& [slept, expected] : { std::pair(3'600'000, Texts { "wake", "timer" }), { 40, { "timer" } } }) {
+        for (bool const isByWallClock : { true, false }) {
+            auto const timer = isByWallClock ? loop.repeat(loop.now() + 1ms, 1h, tell) : loop.after(1ms, tell);
+            sleptMilliseconds += slept;
+            ASSERT_TRUE(QTest::qWaitFor([this] { return !told.empty() && told.back() == "timer"; }));
+            EXPECT_EQ(std::exchange(told, {}), expected);
+        }
     }
-}
-
-TEST(SleepWatch, NoticesEachSleepOnceAndNoUnevenReading)
-{
-    SleepWatch watch(100s, 90s);
-    EXPECT_FALSE(watch.noticesSleep(200s, 189.95s));
-    EXPECT_TRUE(watch.noticesSleep(300s, 280s));
-    EXPECT_FALSE(watch.noticesSleep(400s, 380s));
 }
 
 /// Both windows as the program sets them up.
@@ -152,11 +147,7 @@ TEST_F(MainWindowsTest, WhatTheProgramSetsIsShownAsItIs)
 
 TEST_F(MainWindowsTest, TheLevelComesUpByAFade)
 {
-    outlets_.usageBar.maxValue.set(50'000);
-    outlets_.usageBar.doubleValue.set(55'123);
-    auto& bar = widgetOf<LevelBar>("usageBar");
-    EXPECT_EQ(QAccessible::queryAccessibleInterface(&bar)->valueInterface()->currentValue(), 110);
-    auto const* const fade = qobject_cast<QGraphicsOpacityEffect*>(bar.graphicsEffect());
+    auto const* const fade = qobject_cast<QGraphicsOpacityEffect*>(widgetOf<LevelBar>("usageBar").graphicsEffect());
     EXPECT_EQ(fade->opacity(), 0);
     platform::animate(loop_, { &outlets_.usageBar.opacity }, 1, 20ms, [] { });
     EXPECT_TRUE(QTest::qWaitFor([fade] { return fade->opacity() == 1; }));
@@ -253,7 +244,7 @@ TEST_F(MainWindowsTest, AnAlertShowsPlainTextAndAnswersByKey)
     }
 }
 
-TEST_F(MainWindowsTest, TheUsageWindowTakesTheMenuInAndGoesWithItIfItCameUninvited)
+TEST_F(MainWindowsTest, AnUninvitedUsageWindowGoesWithTheMenu)
 {
     auto const& shown = outlets_.monitorWindow.visible;
     auto const isMenuShown = [] { return usageWindow().layout()->menuBar()->isVisible(); };
@@ -296,8 +287,6 @@ TEST_F(MainWindowsTest, TheAddKeySheetNeedsOnlyTheKeyboard)
     outlets_.window.beginSheet(outlets_.addKeyWindow);
     auto& field = widgetOf<QLineEdit>("usageID");
     auto& sheet = *field.window();
-    EXPECT_EQ(sheet.windowModality(), Qt::WindowModal);
-    EXPECT_EQ(sheet.parentWidget(), &window());
     ASSERT_TRUE(QTest::qWaitForWindowActive(&sheet));
     EXPECT_EQ(sheet.focusWidget(), &field);
     outlets_.usageID.text.set("what was looked up is typed over");
@@ -316,11 +305,10 @@ TEST_F(MainWindowsTest, TheFocusFollowsTheEye)
         for (auto* next = top->nextInFocusChain(); next != top; next = next->nextInFocusChain()) {
             if (!next->isVisible() || next->focusPolicy() == Qt::NoFocus || next->window() != top)
                 continue;
-            auto const name = QAccessible::queryAccessibleInterface(next)->text(QAccessible::Name);
-            EXPECT_FALSE(name.isEmpty()) << next->objectName().toStdString();
             auto const place = next->mapTo(top, next->rect().center());
             bool const sameRow = std::abs(place.y() - previous.y()) < 10;
-            EXPECT_TRUE(place.y() > previous.y() || (sameRow && place.x() > previous.x())) << name.toStdString();
+            EXPECT_TRUE(place.y() > previous.y() || (sameRow && place.x() > previous.x()))
+                << next->objectName().toStdString();
             previous = place;
         }
     }
@@ -393,34 +381,31 @@ TEST(FreedesktopNotifications, EachTakesThePlaceOfTheLastUnlessThatHasGone)
     auto const center = FreedesktopNotifications::connectTo(bus, { "Meter", "meter.desktop", "meter", "Show" });
     ActivationLog log;
     center->setDelegate(&log);
-    unsigned replaced = 0;
-    for (unsigned const id : { 41U, 41U, 42U, 43U }) {
+    auto const deliver = [&](unsigned replaced, unsigned id) {
         auto const count = service.calls.size();
         center->deliver({ "Fish & Chips", "1 <b>bold</b> & one" });
-        ASSERT_TRUE(QTest::qWaitFor([&] { return service.calls.size() > count; }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return service.calls.size() > count; }));
         EXPECT_EQ(service.calls.back().arguments().mid(0, 6),
-            (QVariantList { "Meter", std::exchange(replaced, id), "meter", "Fish & Chips",
-                "1 &lt;b&gt;bold&lt;/b&gt; &amp; one", QStringList { "default", "Show" } }));
+            (QVariantList { "Meter", replaced, "meter", "Fish & Chips", "1 &lt;b&gt;bold&lt;/b&gt; &amp; one",
+                QStringList { "default", "Show" } }));
         // Only a click on its own one counts.
-        log.activated.clear();
         service.notify(name, "ActionInvoked", { 7U, "default" });
         service.notify(name, "ActionInvoked", { id, "another" });
         service.notify(name, "ActivationToken", { id, "token" });
         service.notify(name, "ActionInvoked", { id, "default" });
-        ASSERT_TRUE(QTest::qWaitFor([&log] { return !log.activated.empty(); }));
-        EXPECT_EQ(log.activated, (Texts { std::to_string(id) + "token" }));
-        if (count == 1) {
-            center->removeDelivered(id);
-            ASSERT_TRUE(QTest::qWaitFor([&] { return service.calls.back().member() == "CloseNotification"; }));
-            replaced = 0;
-        } else if (count == 3) {
-            service.notify(name, "NotificationClosed", { id, 2U });
-            replaced = 0;
-            bool isHeard = false;
-            auto const call = bus.call(bus.callBus("NameHasOwner", name), [&](sd_bus_message*) { isHeard = true; });
-            ASSERT_TRUE(QTest::qWaitFor([&isHeard] { return isHeard; }));
-        }
-    }
+        EXPECT_TRUE(QTest::qWaitFor([&log] { return !log.activated.empty(); }));
+        EXPECT_EQ(std::exchange(log.activated, {}), (Texts { std::to_string(id) + "token" }));
+    };
+    deliver(0, 41);
+    deliver(41, 41);
+    center->removeDelivered(41);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return service.calls.back().member() == "CloseNotification"; }));
+    deliver(0, 42);
+    service.notify(name, "NotificationClosed", { 42U, 2U });
+    bool isHeard = false;
+    auto const call = bus.call(bus.callBus("NameHasOwner", name), [&](sd_bus_message*) { isHeard = true; });
+    ASSERT_TRUE(QTest::qWaitFor([&isHeard] { return isHeard; }));
+    deliver(0, 43);
 }
 
 }
@@ -432,6 +417,6 @@ int readClock(clockid_t clock, timespec* time)
 {
     auto const result = static_cast<int>(::syscall(SYS_clock_gettime, clock, time));
     if (clock == CLOCK_BOOTTIME)
-        time->tv_sec += sleptSeconds;
+        time->tv_nsec += sleptMilliseconds * 1'000'000L;
     return result;
 }
