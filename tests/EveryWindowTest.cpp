@@ -126,7 +126,7 @@ protected:
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         checkText(toQt(title()), "status item");
         std::set<std::pair<QWidget const*, QKeySequence>> keys;
-        for (auto const* const widget : QApplication::allWidgets()) {
+        for (auto* const widget : QApplication::allWidgets()) {
             auto const name = std::string(widget->metaObject()->className()) + ' ' + widget->objectName().toStdString();
             auto const texts = textsOf(*widget);
             for (auto const& text : texts)
@@ -151,7 +151,7 @@ protected:
             problems_.insert(place + " has a text that nobody can translate: " + text.toStdString());
     }
 
-    void checkShape(QWidget const& widget, std::string const& name)
+    void checkShape(QWidget& widget, std::string const& name)
     {
         if (isCutOff(widget))
             problems_.insert(name + " is cut off");
@@ -159,6 +159,9 @@ protected:
         if (!widget.isWindow()
             && contrastOf(widget) < (appearance_ == Appearance::Light || appearance_ == Appearance::Dark ? 4.5 : 7))
             problems_.insert(name + " is hard to read");
+        if (widget.focusPolicy() != Qt::NoFocus && !widget.isWindow()
+            && QAccessible::queryAccessibleInterface(&widget)->text(QAccessible::Name).isEmpty())
+            problems_.insert(name + " has no name");
         if (widget.isWindow() && (widget.width() > 1000 || widget.height() > 720))
             problems_.insert(name + " is too large");
     }

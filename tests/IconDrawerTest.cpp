@@ -47,7 +47,7 @@ struct IconDrawerTest : testing::Test {
     platform::ThreadQueues queues;
 };
 
-TEST_F(IconDrawerTest, TheHelperDrawsWhatTheProgramWouldDrawAndOnlyTheLatestOfWhatIsAskedForMeanwhile)
+TEST_F(IconDrawerTest, TheHelperDrawsTheLatestTitleAsTheProgramWould)
 {
     for (auto const look : { StatusLook::Icon, StatusLook::WideIcon, StatusLook::Label }) {
         Answers const expected { { "5 é", statusPixmaps("5 é", look) }, { "漢\n", statusPixmaps("漢\n", look) } };
@@ -63,7 +63,7 @@ TEST_F(IconDrawerTest, NothingComesOfADrawingThatWentWrong)
         EXPECT_EQ(answers(folder.script(script), { "1" }), (Answers { { "1", {} } })) << script;
 }
 
-TEST_F(IconDrawerTest, ADrawerThatHangsHoldsUpNoOtherAndEndsItsHelperWhenItGoes)
+TEST_F(IconDrawerTest, AHelperThatHangsHoldsUpNeitherAnotherNorTheEnd)
 {
     IconDrawer drawer(folder.script("kill -STOP $$"), loop, queues, 60s);
     drawer.draw("1", StatusLook::Icon, [](Pictures const&) { FAIL(); });

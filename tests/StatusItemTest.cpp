@@ -11,7 +11,6 @@
 #include <QDBusVariant>
 #include <QProcess>
 
-#include <limits>
 #include <set>
 #include <sys/prctl.h>
 
@@ -194,33 +193,6 @@ TEST_F(StatusItem, AClickIsAnsweredBeforeItTakesItsLineAway)
     EXPECT_EQ(clicks, 1);
     auto const late = clickBoth();
     EXPECT_TRUE(waitFor([&isRefused] { return isRefused == true; })) << "the lines have gone";
-}
-
-TEST_F(StatusItem, OutlivesMalformedCalls)
-{
-    start();
-    auto const nothing = QVariant::fromValue(QDBusVariant(0));
-    auto const many = QVariant::fromValue(QList<int>(100'000, 999) << 0);
-    std::vector<std::pair<char const*, QVariantList>> const refused {
-        { "GetLayout", { -1, -1, QStringList() } },
-        { "GetLayout", { QStringLiteral("0") } },
-        { "Event", { 999, QStringLiteral("clicked"), nothing, 0U } },
-        { "Event", { 0, QStringLiteral("clacked"), nothing, 0U } },
-        { "AboutToShowGroup", { QVariant::fromValue(QList<int> { 999, 999 }) } },
-        { "Explode", {} },
-        { "GetProperty", { 0, QStringLiteral("colour") } },
-    };
-    std::vector<std::pair<char const*, QVariantList>> const answered {
-        { "GetLayout", { 0, std::numeric_limits<int>::min(), QStringList() } },
-        { "GetGroupProperties", { many, QStringList() } },
-        { "Event", { 0, QStringLiteral("x-wheel"), nothing, 0U } },
-    };
-    for (auto const& [method, arguments] : refused)
-        EXPECT_EQ(askMenu(method, arguments).type(), QDBusMessage::ErrorMessage) << method;
-    for (auto const& [method, arguments] : answered)
-        EXPECT_EQ(askMenu(method, arguments).type(), QDBusMessage::ReplyMessage) << method;
-    auto const unknown = askMenu("AboutToShowGroup", { many }).arguments().value(1);
-    EXPECT_EQ(qdbus_cast<QList<int>>(unknown), QList<int> { 999 }) << "asked for however often";
 }
 
 /// A panel that is asked to show the item. One that hangs does not answer.
