@@ -314,10 +314,12 @@ TEST_F(MainWindowsTest, TheFocusFollowsTheEye)
     }
 }
 
-TEST(ColorScheme, TellsThePreferencesOfAPortalAndEveryLaterOne)
+TEST(ColorScheme, TellsEachPreferenceOfAPortal)
 {
     using Settings = QMap<QString, QVariantMap>;
     using enum platform::Appearance;
+    static constexpr char const* appearance = "org.freedesktop.appearance";
+    static constexpr char const* gnome = "org.gnome.desktop.a11y.interface";
     qDBusRegisterMetaType<Settings>();
     auto const color = [](double green) {
         QDBusArgument parts;
@@ -334,21 +336,20 @@ TEST(ColorScheme, TellsThePreferencesOfAPortalAndEveryLaterOne)
     // It prefers dark and, as GNOME says it, high contrast.
     FakeService portal(
         "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", [](QDBusMessage const& call) {
-            auto const spaces = call.arguments().at(0).toStringList();
-            Settings const settings { { spaces.at(0), { { "color-scheme", 1U } } },
-                { spaces.at(1), { { "high-contrast", true } } } };
-            return QVariantList { QVariant::fromValue(settings) };
+            EXPECT_EQ(call.arguments(), QVariantList { QStringList({ appearance, gnome }) });
+            return QVariantList { QVariant::fromValue(
+                Settings { { appearance, { { "color-scheme", 1U } } }, { gnome, { { "high-contrast", true } } } }) };
         });
     ASSERT_TRUE(QTest::qWaitFor([&told] { return told.size() == 1; }));
     // The portal's own word on contrast goes before GNOME's.
     std::vector<std::tuple<char const*, char const*, QVariant, Look>> const changes {
-        { "org.gnome.desktop.a11y.interface", "high-contrast", false, { Dark, {} } },
-        { "org.freedesktop.appearance", "color-scheme", 2U, { Light, {} } },
-        { "org.freedesktop.appearance", "accent-color", color(0.4), { Light, platform::Color { 255, 102, 0 } } },
-        { "org.freedesktop.appearance", "accent-color", color(-1), { Light, {} } },
-        { "org.gnome.desktop.a11y.interface", "high-contrast", true, { HighContrastLight, {} } },
-        { "org.freedesktop.appearance", "contrast", 0U, { Light, {} } },
-        { "org.freedesktop.appearance", "contrast", 1U, { HighContrastLight, {} } },
+        { gnome, "high-contrast", false, { Dark, {} } },
+        { appearance, "color-scheme", 2U, { Light, {} } },
+        { appearance, "accent-color", color(0.4), { Light, platform::Color { 255, 102, 0 } } },
+        { appearance, "accent-color", color(-1), { Light, {} } },
+        { gnome, "high-contrast", true, { HighContrastLight, {} } },
+        { appearance, "contrast", 0U, { Light, {} } },
+        { appearance, "contrast", 1U, { HighContrastLight, {} } },
     };
     std::vector<Look> expected { { HighContrastDark, {} } };
     for (auto const& [space, key, value, look] : changes) {

@@ -8,7 +8,6 @@
 
 #include <QProcess>
 
-#include <algorithm>
 #include <csignal>
 
 /// The real program, copied from the build folder to a private folder, or from the installation that
@@ -60,16 +59,6 @@ public:
         platform::makePrivateFolder(settingsFile.parent_path());
         platform::writeFileAtomically(settingsFile, platform::writePropertyList(stored));
         start();
-    }
-
-    /// The number of helpers that are making an exchange for the program.
-    std::ptrdiff_t exchanges() const
-    {
-        return std::ranges::count_if(std::filesystem::directory_iterator("/proc"), [this](auto const& process) {
-            std::error_code gone;
-            auto const file = std::filesystem::read_symlink(process.path() / "exe", gone);
-            return file.filename() == "usage-meter-fetch" && file.string().starts_with(folder_.path().string());
-        });
     }
 
     /// A file of the program, wherever it is.
