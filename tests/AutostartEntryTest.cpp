@@ -43,7 +43,7 @@ TEST_F(AutostartEntryTest, TheUsersFileGoesBeforeTheSystems)
     }
 }
 
-TEST_F(AutostartEntryTest, IsThisVeryProgramsUntilItGoesWithoutATrace)
+TEST_F(AutostartEntryTest, SwitchedOnItStartsThisVeryProgram)
 {
     fs::rename(folder_.script("true"), program_);
     EXPECT_TRUE(entry_.setEnabled(true));

@@ -202,7 +202,7 @@ TEST_F(MainWindowsTest, AWindowThatIsTooLargeForItsScreenScrollsEachTimeItIsOpen
     QApplication::setFont(usual);
 }
 
-TEST_F(MainWindowsTest, AnAbsurdFigureIsCutOffAndWholeInTheToolTip)
+TEST_F(MainWindowsTest, AnAbsurdFigureIsWholeInItsToolTip)
 {
     std::string const absurd(400, '9');
     outlets_.downloadUsage.toolTip.set("52,345.68MB");
@@ -215,7 +215,7 @@ TEST_F(MainWindowsTest, AnAbsurdFigureIsCutOffAndWholeInTheToolTip)
     EXPECT_EQ(lines.back(), "52,345.68MB");
 }
 
-TEST_F(MainWindowsTest, AnAlertShowsPlainTextAndAnswersByKey)
+TEST_F(MainWindowsTest, AnAlertOfPlainTextIsAnsweredByKey)
 {
     Texts const two { "Fish & Chips", "Cancel" };
     std::vector<std::tuple<Texts, bool, Qt::Key, int>> const cases {
