@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads and works the windows as a screen reader does, through the interfaces that the toolkit hands on to it.
+#include "storage/UsageCaps.h"
 #include "tests/support/ControllerTest.h"
 #include "windows/MainWindows.h"
 
@@ -120,7 +121,7 @@ TEST_F(AccessibilityTest, AnAssistiveProgramsHandIsAppliedAtOnce)
     write("EditableText: Usage cap in GB:", "75");
     press("Button: Use This Connection");
     EXPECT_EQ(title(), "8GB");
-    EXPECT_EQ(controller->usageCapForKey(cottage), "75");
+    EXPECT_EQ(UsageCaps(defaults).usageCapForKey(cottage), "75");
 
     controller->showPreferences();
     press("Button: Add…");
