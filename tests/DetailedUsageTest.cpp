@@ -61,7 +61,8 @@ struct DetailedUsageTest : LaunchedTest {
     {
         bool const shown = !detailed.usageWebView.hidden.get();
         EXPECT_EQ(detailed.usageMonthPicker.hidden.get(), !shown);
-        EXPECT_TRUE(detailed.progressIndicator.hidden.get() == shown && detailed.loadingText.hidden.get() == shown);
+        EXPECT_EQ(detailed.progressIndicator.hidden.get(), shown);
+        EXPECT_EQ(detailed.loadingText.hidden.get(), shown);
         return shown;
     }
 

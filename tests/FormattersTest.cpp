@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "platform/Calendar.h"
 #include "platform/DateFormatter.h"
 #include "platform/LeadingNumber.h"
 #include "platform/Locale.h"
@@ -8,7 +9,9 @@
 
 #include <limits>
 
-TEST(LeadingNumber, TakesTheLongestDecimalNumberAndNoMore)
+using namespace std::chrono_literals;
+
+TEST(LeadingNumber, TakesTheLongestDecimalNumber)
 {
     constexpr double most = std::numeric_limits<double>::max();
     std::string const zeros(400, '0');
@@ -20,20 +23,19 @@ TEST(LeadingNumber, TakesTheLongestDecimalNumberAndNoMore)
         EXPECT_EQ(platform::leadingNumber(text), number) << text;
 }
 
-TEST(NumberFormatter, GroupsAndRoundsHalfToEvenByTheLocale)
+TEST(NumberFormatter, WritesTwoDecimalsByTheLocale)
 {
-    platform::NumberFormatter const english("en_US"), german("de_DE"), french("fr_FR");
+    platform::NumberFormatter const english("en_US");
     for (auto const& [number, text] : { std::pair(52345.678901, "52,345.68"), { 1200, "1,200" }, { 0.125, "0.12" },
              { 0.375, "0.38" }, { 1.0005, "1" }, { -5123.456789, "-5,123.46" } })
         EXPECT_EQ(english.string(number), text);
-    EXPECT_EQ(german.string(52345.678901), "52.345,68");
-    EXPECT_EQ(french.string(52345.678901), "52\u202F345,68");
+    EXPECT_EQ(platform::NumberFormatter("fr_FR").string(52345.678901), "52\u202F345,68");
 }
 
-TEST(DateFormatter, WritesFarDatesShortInTheLocalesOrderAndTodayAsAWord)
+TEST(DateFormatter, WritesADateShortByTheLocale)
 {
     setenv("TZ", "UTC", 1);
-    platform::Date const date { std::chrono::sys_days(std::chrono::year(2024) / 5 / 31) + std::chrono::hours(13) };
+    auto const date = std::chrono::sys_days(2024y / 5 / 31) + 13h;
     EXPECT_EQ(platform::DateFormatter("en_US").string(date), "5/31/24, 1:00\u202FPM");
     EXPECT_EQ(platform::DateFormatter("fr_FR").string(date), "31/05/2024 13:00");
     // The day may be over between the two.
@@ -42,7 +44,7 @@ TEST(DateFormatter, WritesFarDatesShortInTheLocalesOrderAndTodayAsAWord)
     unsetenv("TZ");
 }
 
-TEST(Locale, FollowsTheUsualOrderAndFallsBackToEnglish)
+TEST(Locale, FollowsTheUsualOrderOfVariables)
 {
     std::vector<std::array<char const*, 4>> const cases { { "", "", "", "en_US" }, { "", "", "de_AT.UTF-8", "de_AT" },
         { "", "fr_FR@euro", "de_AT", "fr_FR" }, { "nl_NL.UTF-8", "fr_FR", "de_AT", "nl_NL" },
@@ -58,4 +60,31 @@ TEST(Locale, FollowsTheUsualOrderAndFallsBackToEnglish)
     EXPECT_EQ(platform::userLanguages(), (std::vector<std::string> { "eo", "de", "fr" }));
     for (char const* const name : { "LC_ALL", "LC_NUMERIC", "LANG", "LANGUAGE" })
         unsetenv(name);
+}
+
+TEST(Calendar, AMonthIsThatOfTheUsersCalendarAtThePlaceOfTheMoment)
+{
+    auto const newYearsEve = std::chrono::sys_days(2026y / 12 / 31);
+    // The computer is carried elsewhere while the program runs.
+    for (auto const& [zone, date, locale, year, month, title] :
+        { std::tuple("Pacific/Auckland", newYearsEve + 10h, "en_US", 2026, 12, "December 2026"),
+            { "Pacific/Auckland", newYearsEve + 12h, "fr_FR", 2027, 1, "janvier 2027" },
+            { "America/New_York", newYearsEve + 28h, "xx_YY", 2026, 12, "December 2026" },
+            { "America/New_York", newYearsEve + 29h, "th_TH", 2570, 1, "มกราคม 2570" } }) {
+        ::setenv("TZ", zone, 1);
+        EXPECT_EQ(platform::calendarMonth(date, locale), (platform::CalendarMonth { year, month })) << locale;
+        EXPECT_EQ(platform::monthTitle(date, locale), title);
+    }
+    ::unsetenv("TZ");
+}
+
+TEST(Calendar, StepsFromMonthToMonthWithoutLosingOne)
+{
+    platform::Date const latest = std::chrono::sys_days(2026y / 3 / 31) + 10h;
+    auto const earliest = platform::addingMonths(latest, -12);
+    EXPECT_EQ(earliest, std::chrono::sys_days(2025y / 3 / 31) + 10h);
+    EXPECT_EQ(platform::addingMonths(latest, -1), std::chrono::sys_days(2026y / 2 / 28) + 10h);
+    auto const dates = platform::monthsBetween(earliest, latest, "en_US");
+    ASSERT_EQ(dates.size(), 13U);
+    EXPECT_EQ(platform::monthTitle(dates[1], "en_US"), "February 2026");
 }

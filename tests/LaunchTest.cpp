@@ -13,14 +13,13 @@ TEST_F(LaunchTest, AFreshInstallationAsksForAKeyOnly)
     launchAndSettle();
     EXPECT_EQ(cache().retrieveCachedFileWithName("K1"), std::nullopt) << "it may be another version's";
     EXPECT_EQ(*defaults.get<std::string>(settings::lastInstalledVersion), bundle.shortVersion());
-    EXPECT_EQ(outlets->statusBarDropdown.indexOfSelectedItem.get(), 2);
     EXPECT_TRUE(outlets->showNotificationsToggle.on.get());
     EXPECT_EQ(outlets->versionText.text.get(), "Version " + bundle.shortVersion());
     EXPECT_EQ(outlets->refreshStatus.text.get(), textOf("NO_CONNECTION_YET"));
     EXPECT_FALSE(outlets->removeKeyButton.enabled.get());
 
     // The key has been looked up; only its name is missing.
-    EXPECT_TRUE(outlets->window.visible.get() && outlets->addKeyWindow.visible.get());
+    EXPECT_TRUE(outlets->addKeyWindow.visible.get());
     EXPECT_EQ(desktop.calls, Texts { "activate" });
     outlets->keyNewNickname.userTyped("Home");
     outlets->confirmKeyButton.userClicked();
@@ -45,8 +44,6 @@ TEST_F(LaunchTest, ConvertsTheKeyOfEarlierVersions)
     outlets->window.userClosed();
     settle();
     EXPECT_EQ(title(), "10GB");
-    launchAndSettle();
-    EXPECT_EQ(title(), "10GB") << "it lasts";
 }
 
 TEST_F(LaunchTest, RepairsTheCacheOnceThereAreKeys)

@@ -168,10 +168,16 @@ protected:
 
     void failReply(char const* key) { loader.replies.erase(addressOf(key)); }
 
-    /// How often the provider was asked, once all has come to rest.
+    /// How often the provider has been asked, once all has come to rest.
     std::size_t requests()
     {
         settle();
+        return loader.requests;
+    }
+
+    std::size_t requestsAfter(platform::Seconds duration)
+    {
+        advance(duration);
         return loader.requests;
     }
 
