@@ -8,7 +8,7 @@ TEST_F(TouchBarTest, HasAButtonForEachOfTheFirstTenConnectionsOfSeveral)
 {
     platform.touchBarAvailable = true;
     auto const items = [this] { return outlets->monitorWindow.touchBar.get()->items(); };
-    for (auto const& [connections, buttons] : { std::pair(1U, 2U), { 11U, 12U }, { 2U, 4U } }) {
+    for (auto const& [connections, buttons] : { std::pair(1U, 2U), { 11U, 12U } }) {
         Texts entries(connections, cottage);
         entries.front() = home;
         launchWith(entries);
@@ -19,5 +19,4 @@ TEST_F(TouchBarTest, HasAButtonForEachOfTheFirstTenConnectionsOfSeveral)
     EXPECT_EQ(requests(), 3U);
     EXPECT_TRUE(outlets->detailedUsage.window.visible.get());
     EXPECT_TRUE(items()[3]->view.highlighted.get());
-    EXPECT_EQ(items()[3]->view.title.get(), "Cottage");
 }

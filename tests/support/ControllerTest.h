@@ -169,12 +169,7 @@ protected:
     void failReply(char const* key) { loader.replies.erase(addressOf(key)); }
 
     /// How often the provider has been asked, once all has come to rest.
-    std::size_t requests()
-    {
-        settle();
-        return loader.requests;
-    }
-
+    std::size_t requests() { return requestsAfter({}); }
     std::size_t requestsAfter(platform::Seconds duration)
     {
         advance(duration);
