@@ -78,6 +78,7 @@ TEST_F(PreferencesTest, TheSuccessMessageShowsForAWhileAfterEveryPress)
     message.opacity.set(1.0);
     // The first press takes a different code path, but looks the same.
     for (int press = 0; press < 2; ++press) {
+        std::filesystem::create_directories(cache().getCacheDirectory() / "folder" / "deep");
         outlets->clearCacheButton.userClicked();
         EXPECT_TRUE(std::filesystem::is_empty(cache().getCacheDirectory()));
         for (auto const& [wait, opacity] : { std::pair(750ms, 0.5), { 5750ms, 1.0 }, { 750ms, 0.5 }, { 750ms, 0.0 } }) {

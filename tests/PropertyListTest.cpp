@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/PropertyList.h"
+#include "platform/XmlParser.h"
 
 #include <gtest/gtest.h>
 
@@ -14,13 +15,71 @@ using platform::readPropertyList;
 
 namespace {
 
+// Writes events in short: <name, >name, text in brackets, CDATA in braces, ! for the error.
+struct Recorder final : platform::XmlParserDelegate {
+    void didStartElement(std::string_view name) override { seen.append("<").append(name); }
+    void didEndElement(std::string_view name) override { seen.append(">").append(name); }
+    void foundCharacters(std::string_view text) override { seen.append("[").append(text).append("]"); }
+    void foundCData(std::string_view block) override { seen.append("{").append(block).append("}"); }
+    void parseErrorOccurred() override { seen += '!'; }
+
+    std::string seen;
+};
+
+std::string repeated(int count, std::string const& before, std::string const& behind)
+{
+    std::string text;
+    for (int i = 0; i < count; ++i)
+        text += before + std::to_string(i) + behind;
+    return text;
+}
+
+std::string nested(std::string const& element, int depth)
+{
+    return depth == 0 ? "" : "<" + element + ">" + nested(element, depth - 1) + "</" + element + ">";
+}
+
 std::string inDictionary(std::string const& element)
 {
     return "<plist><dict><key>k</key>" + element + "</dict></plist>";
 }
 
-std::string nestedArrays(int depth) { return depth == 0 ? "" : "<array>" + nestedArrays(depth - 1) + "</array>"; }
+}
 
+TEST(XmlParser, TextIsCutAtMarkupOrReferencesUpToTheFirstError)
+{
+    // The library cuts plain text after 300 bytes, in the middle of a word and of a character.
+    auto const accents = repeated(1000, "dépassés", "\n");
+    std::string const type = "<!DOCTYPE a SYSTEM 'http://127.0.0.1:9/a.dtd'>";
+    std::vector<std::pair<std::string, std::string>> const cases { { "<a>&lt;;amp;x]y]]z</a>", "<a[<][;amp;x]y]]z]>a" },
+        { "<a>" + accents + "&#233;&#x20;" + accents + "</a>", "<a[" + accents + "][é][ ][" + accents + "]>a" },
+        { "<a b='&#9;&amp;'>1\r\n2\r3</a>", "<a[1\n2\n3]>a" }, { "<a>1<!-- & -->é<?p & ?>è</a>", "<a[1][é][è]>a" },
+        { "<a>1<![CDATA[&amp;<]]>è<![CDATA[]]>3</a>", "<a[1]{&amp;<}[è]{}[3]>a" },
+        { "\xEF\xBB\xBF<?xml version='1.0' encoding='ISO-8859-1'?><a>é</a>", "<a[é]>a" }, { "", "!" },
+        { "<a>cut off", "<a[cut off]!" }, { "<a>1<b></a>2", "<a[1]<b!" }, { "<a/><b/>", "<a>a!" },
+        { "<a>1&eacute;2</a>", "<a[1]!" }, { std::string("\xFF\xFE<\0a\0/\0>\0", 10), "!" },
+        { "<!DOCTYPE a [<!ENTITY e 'x'>]><a>1&e;2</a>", "!" }, { "<!DOCTYPE a [%p;]><a/>", "!" },
+        { type + "<a>1&e;2</a>", "<a[1]!" }, { type + "<a><b c='&#9;&e;'/></a>", "<a!" } };
+    for (auto const& [document, events] : cases) {
+        Recorder recorder;
+        EXPECT_EQ(platform::parseXml(document, recorder), !events.ends_with('!')) << document;
+        EXPECT_EQ(recorder.seen, events) << document;
+    }
+}
+
+TEST(XmlParser, WhatHasNoEndIsRefusedBeforeItTakesTime)
+{
+    auto const declared
+        = [](int count) { return "<!DOCTYPE a [" + repeated(count, "<!ATTLIST a a", " CDATA #IMPLIED>") + "]><a/>"; };
+    std::vector<std::pair<std::string, bool>> const cases { { "<a" + repeated(1'000, " a", "=''") + "/>", true },
+        { "<a" + repeated(100'000, " a", "=''") + "/>", false },
+        { "<a>" + repeated(100'000, "<a", "/>") + "</a>", false }, { repeated(100'000, "<?a", " ?>") + "<a/>", false },
+        { nested("a", 256), true }, { nested("a", 257), false }, { declared(1'024), true }, { declared(1'025), false },
+        { "<!DOCTYPE a [<!ATTLIST a a CDATA ''>]><b/>", true },
+        { "<!DOCTYPE a [<!ATTLIST a a CDATA ''>]><a/>", false } };
+    platform::XmlParserDelegate ignored;
+    for (auto const& [document, isRead] : cases)
+        EXPECT_EQ(platform::parseXml(document, ignored), isRead) << document.substr(0, 60);
 }
 
 TEST(PropertyList, WhatIsWrittenIsReadBack)
@@ -49,14 +108,14 @@ TEST(PropertyList, ReadsWhatOtherToolsWrite)
         EXPECT_EQ(readPropertyList(inDictionary(element)), (Dictionary { { "k", value } })) << element;
 }
 
-TEST(PropertyList, RefusesWhatIsCutOffOrOfAnotherShapeOrAValueThatCannotBe)
+TEST(PropertyList, RefusesWhatIsNotWhollyAPropertyList)
 {
-    EXPECT_TRUE(readPropertyList(inDictionary(nestedArrays(63))));
+    EXPECT_TRUE(readPropertyList(inDictionary(nested("array", 63))));
     std::vector<std::string> documents { "bplist00", "<dict/>", "<plist/>", "<plist>text</plist>",
         "<plist><array/></plist>", "<plist><dict/><dict/></plist>", "<plist><dict><string/></dict></plist>",
         "<plist><dict/></plist>more" };
     for (std::string const& element :
-        { nestedArrays(64), ""s, "text"s, "<key>l</key>"s, "<data>AAAA</data>"s, "<string><true/></string>"s,
+        { nested("array", 64), ""s, "text"s, "<key>l</key>"s, "<data>AAAA</data>"s, "<string><true/></string>"s,
             "<string/>text"s, "<string/><string/>"s, "<array><key>l</key></array>"s, "<true>x</true>"s, "<integer/>"s,
             "<integer>1.5</integer>"s, "<integer>9223372036854775808</integer>"s, "<real>1e999</real>"s,
             "<real>inf</real>"s, "<date>2026-02-30T12:00:00Z</date>"s, "<date>2026-02-03T24:00:00Z</date>"s,

@@ -41,23 +41,16 @@ TEST_F(StorageTest, AReportIsFreshUntilItsNextUpdateOrForGoodWithoutAnInterval)
         { { { "updateInterval", "\t+2.5h" } }, false }, { { { "updateInterval", -0.5 } }, true },
         { { { "updateInterval", 1.5 } }, false }, { { { "updateInterval", false } }, true },
         { { { "updateInterval", true } }, false }, { { { "updateInterval", platform::Array {} } }, false } };
+    fs::create_directory(cached);
+    std::ofstream(cached / "K1") << "<plist><dict><key>updateInterval</key>";
+    EXPECT_EQ(cache.retrieveCachedFileWithName("K1"), std::nullopt) << "cut off";
+    EXPECT_EQ(rightsIn(cached), fs::perms(0700)) << "closed to others when it is used";
     for (auto const& [report, fresh] : cases) {
         SCOPED_TRACE(writePropertyList(report));
         EXPECT_TRUE(cache.saveCacheFile(report, "K1"));
         EXPECT_EQ(cache.retrieveCachedFileWithName("K1"), fresh ? std::optional(report) : std::nullopt);
         EXPECT_EQ(fs::exists(cached / "K1"), fresh);
     }
-}
-
-TEST_F(StorageTest, AFileThatIsNoReportStaysUntilASaveReplacesIt)
-{
-    fs::create_directory(cached);
-    std::ofstream(cached / "K1") << "<plist><dict><key>updateInterval</key>";
-    EXPECT_EQ(cache.retrieveCachedFileWithName("K1"), std::nullopt);
-    EXPECT_TRUE(fs::exists(cached / "K1"));
-    EXPECT_EQ(rightsIn(cached), fs::perms(0700)) << "closed to others when it is used";
-    EXPECT_TRUE(cache.saveCacheFile({}, "K1"));
-    EXPECT_EQ(cache.retrieveCachedFileWithName("K1"), Dictionary {});
 }
 
 TEST_F(StorageTest, NothingOutsideTheCacheIsTouched)
@@ -79,18 +72,6 @@ TEST_F(StorageTest, NothingOutsideTheCacheIsTouched)
     }
     EXPECT_EQ(readFile(foreign / "K1"), "<plist><dict/></plist>");
     EXPECT_EQ(rightsIn(foreign), fs::perms(0755));
-}
-
-TEST_F(StorageTest, TheCacheLosesOneFileOrAll)
-{
-    for (char const* const key : { "K1", "K2" })
-        cache.saveCacheFile({}, key);
-    fs::create_directories(cached / "folder" / "deep");
-    EXPECT_TRUE(cache.removeCacheFile("K1"));
-    EXPECT_FALSE(cache.removeCacheFile("K1"));
-    EXPECT_TRUE(fs::exists(cached / "K2"));
-    cache.clearCache();
-    EXPECT_TRUE(fs::is_empty(cached));
 }
 
 TEST_F(StorageTest, RepairUnlinksOnlyReportsNamedByAKeyInTheCachesFolder)

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
+#include "platform/Locale.h"
+#include "platform/AtomicFile.h"
+#include "platform/Bundle.h"
 #include "platform/Calendar.h"
 #include "platform/DateFormatter.h"
 #include "platform/LeadingNumber.h"
-#include "platform/Locale.h"
 #include "platform/NumberFormatter.h"
+#include "platform/PropertyList.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <ranges>
 
 using namespace std::chrono_literals;
 
@@ -87,4 +91,24 @@ TEST(Calendar, StepsFromMonthToMonthWithoutLosingOne)
     auto const dates = platform::monthsBetween(earliest, latest, "en_US");
     ASSERT_EQ(dates.size(), 13U);
     EXPECT_EQ(platform::monthTitle(dates[1], "en_US"), "February 2026");
+}
+
+TEST(Bundle, HasEveryTextInBothLanguages)
+{
+    auto const textsIn = [](char const* folder) {
+        auto const file = std::filesystem::path(USAGE_METER_BUNDLE) / folder / "Localizable.strings";
+        return platform::readPropertyList(platform::readFile(file).value()).value();
+    };
+    auto const english = textsIn("en.lproj"), french = textsIn("fr.lproj");
+    EXPECT_TRUE(std::ranges::equal(english | std::views::keys, french | std::views::keys));
+    // It stands between single quotes in a script.
+    for (auto const& texts : { english, french })
+        EXPECT_EQ(
+            platform::entry<std::string>(texts, "DETAILED_USAGE_WARNING")->find_first_of("'\\\n"), std::string::npos);
+}
+
+TEST(Bundle, PicksTheFirstLanguageItHasOrEnglish)
+{
+    EXPECT_EQ(platform::Bundle::open(USAGE_METER_BUNDLE, { "eo", "fr" })->localizedString("QUIT"), "Quitter");
+    EXPECT_EQ(platform::Bundle::open(USAGE_METER_BUNDLE, { "eo" })->localizedString("QUIT"), "Quit");
 }
