@@ -150,9 +150,9 @@ TEST_F(DetailedUsageTest, HoweverOftenAPageFailsNothingIsSaidTwice)
             load();
             engine.answer();
             EXPECT_EQ(alertOn(window), textOf("USAGE_ERROR_TITLE"));
-            events().didFailProvisionalLoadWithError(LoadError::Stopped);
-            events().didFailLoadWithError(LoadError::PageLost);
         }
+        events().didFailProvisionalLoadWithError(LoadError::Stopped);
+        events().didFailLoadWithError(LoadError::PageLost);
         window.userAnswered(firstButton);
         EXPECT_EQ(std::get<1>(window.attachedSheet.get())->buttons, (Texts { "Try Again", "Cancel" }));
         load();

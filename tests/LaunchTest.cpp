@@ -57,8 +57,8 @@ TEST_F(LaunchTest, RepairsTheCacheOnceThereAreKeys)
 
 TEST_F(LaunchTest, ForeignSettingsOfTheWrongTypeDoNoHarm)
 {
-    defaults.set(settings::tarvoKeySelected, home);
-    defaults.set(settings::tarvoKeys, platform::Array { 5, home, platform::Dictionary {} });
+    defaults.set(settings::tarvoKeySelected, "Home - K1 - old");
+    defaults.set(settings::tarvoKeys, platform::Array { 5, "Home - K1 - old", platform::Dictionary {} });
     for (auto const* const key : { settings::usageCapValues, settings::hourUpdateInterval, settings::showUsageCap })
         defaults.set(key, "none");
     defaults.set(settings::menuBarSelector, 99);
@@ -66,6 +66,6 @@ TEST_F(LaunchTest, ForeignSettingsOfTheWrongTypeDoNoHarm)
     launchAndSettle();
     EXPECT_EQ(title(), "6GB");
     EXPECT_EQ(nextLine(), "Next update: never");
-    EXPECT_EQ(outlets->tarvoUsageKeysComboBox.items.get(), (Texts { home }));
+    EXPECT_EQ(outlets->tarvoUsageKeysComboBox.items.get(), (Texts { "Home - K1 - old" }));
     EXPECT_EQ(outlets->usageLimit.text.get(), "");
 }
