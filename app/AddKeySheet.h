@@ -16,9 +16,11 @@ struct Platform;
 struct Outlets;
 
 /// The sheet in which the user types a new connection's key or has it looked up. Main thread only.
-class AddKeySheet {
+class AddKeySheet final {
 public:
     AddKeySheet(platform::Platform& platform, Outlets& outlets);
+    AddKeySheet(AddKeySheet const&) = delete;
+    AddKeySheet& operator=(AddKeySheet const&) = delete;
 
     /// Opens the sheet on the preferences window and asks the provider for this connection's key, without reporting
     /// failure.
@@ -29,7 +31,7 @@ public:
 
     /// Fills the key field with this connection's key if the provider knows it; otherwise shows an error.
     void autoRetrieveCodeButton();
-    /// Opens the provider's page about keys in the browser.
+    /// Opens the provider's page about keys in the browser; shows an alert if that fails.
     void getUsageCode();
 
 private:
@@ -43,6 +45,6 @@ private:
 
     platform::Platform& platform_;
     Outlets& outlets_;
-    ProviderAddresses addresses_;
+    ProviderAddresses const addresses_;
     platform::Subscription keyObservation_;
 };

@@ -39,7 +39,7 @@ void AppDelegate::performStartupActions()
     prefs_ = &platform_.userDefaults;
     if (platform_.touchBarAvailable) {
         touchBarMaker_ = touchBarMaker(platform_.bundle, outlets_, *this);
-        outlets_.window.touchBar.set(touchBarMaker_->makeTouchBar());
+        touchBarMaker_->show({}, std::nullopt);
     }
     outlets_.tarvoUsageKeysComboBox.delegate = this;
     doUpdateUsageCapText();

@@ -17,13 +17,13 @@ void AppDelegate::updateTitleBar()
 void AppDelegate::presentFailure()
 {
     display_.showFailure();
-    timers_.armFixError();
+    timers_.armRetry();
 }
 
 void AppDelegate::presentReport()
 {
     // An overlapping refresh may have failed and started the timer.
-    timers_.cancelFixError();
+    timers_.cancelRetry();
     updateTitleBarDates();
     // The last connection may have been removed before its report arrived.
     display_.showConnection(getCurrentlySelectedKey());

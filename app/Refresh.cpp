@@ -22,7 +22,7 @@ void AppDelegate::updateUsageWithCache(bool cacheAllowed, bool withNotification)
         return;
 
     updateMenuBarLoading();
-    timers_.cancel();
+    timers_.cancelAll();
     if (auto const choice = intervalChoice(); choice != 0)
         updateTimer(std::nullopt, std::chrono::seconds(periodOf(choice)).count());
 

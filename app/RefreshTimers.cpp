@@ -17,14 +17,14 @@ RefreshTimers::RefreshTimers(platform::RunLoop& runLoop, platform::Task refresh,
 {
 }
 
-void RefreshTimers::armUpdateInterval(std::optional<TimerPlan> const& plan)
+void RefreshTimers::armRefresh(std::optional<TimerPlan> const& plan)
 {
     updateInterval_ = plan ? runLoop_.repeat(plan->first, plan->period, refresh_) : nullptr;
 }
 
-void RefreshTimers::armFixError() { fixErrorTimer_ = runLoop_.after(retryDelay, retry_); }
+void RefreshTimers::armRetry() { fixErrorTimer_ = runLoop_.after(retryDelay, retry_); }
 
-void RefreshTimers::cancel()
+void RefreshTimers::cancelAll()
 {
     updateInterval_.reset();
     fixErrorTimer_.reset();

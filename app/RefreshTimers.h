@@ -13,10 +13,10 @@ public:
     RefreshTimers(platform::RunLoop& runLoop, platform::Task refresh, platform::Task retry);
 
     /// Replaces the timer of the automatic refresh. Without a plan there is none.
-    void armUpdateInterval(std::optional<TimerPlan> const& plan);
-    void armFixError();
-    void cancelFixError() { fixErrorTimer_.reset(); }
-    void cancel();
+    void armRefresh(std::optional<TimerPlan> const& plan);
+    void armRetry();
+    void cancelRetry() { fixErrorTimer_.reset(); }
+    void cancelAll();
     /// When the next automatic refresh is due, if there is one.
     std::optional<platform::Date> nextUpdate() const;
 

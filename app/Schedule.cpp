@@ -15,7 +15,7 @@ bool AppDelegate::updateTimer(std::optional<platform::Date> withFireDate, std::i
 void AppDelegate::armUpdateInterval(std::optional<platform::Date> fireDate, platform::Seconds interval)
 {
     std::int64_t const stored = usageDictionary_ ? updateIntervalOf(*usageDictionary_) : 0;
-    timers_.armUpdateInterval(nextTimer(platform_.runLoop.now(), fireDate, interval, intervalChoice(), stored));
+    timers_.armRefresh(nextTimer(platform_.runLoop.now(), fireDate, interval, intervalChoice(), stored));
     recordLastUpdate();
     dates_.showSoon();
 }

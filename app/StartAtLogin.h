@@ -9,10 +9,13 @@ struct Platform;
 struct Outlets;
 
 /// Keeps the preferences' check box for starting at login in step with the desktop, which other programs change too.
-/// Hides it where the desktop has no such setting. Main thread only.
-class StartAtLogin {
+/// Stores what the user chooses, and shows an alert if that fails. Hides the box where the desktop has no such setting.
+/// Main thread only.
+class StartAtLogin final {
 public:
     StartAtLogin(platform::Platform& platform, Outlets& outlets);
+    StartAtLogin(StartAtLogin const&) = delete;
+    StartAtLogin& operator=(StartAtLogin const&) = delete;
 
 private:
     void show();

@@ -32,8 +32,6 @@ TouchBarMaker::TouchBarMaker(platform::Bundle const& bundle, Outlets& outlets, A
 {
 }
 
-std::shared_ptr<platform::TouchBar> TouchBarMaker::makeTouchBar() { return makeTouchBarWithArray({}); }
-
 std::shared_ptr<platform::TouchBar> TouchBarMaker::makeTouchBarWithArray(
     std::vector<std::string> const& connectionIdentifiers)
 {
@@ -70,12 +68,11 @@ std::unique_ptr<platform::CustomTouchBarItem> TouchBarMaker::makeItemForIdentifi
     return item;
 }
 
-bool TouchBarMaker::setTouchBarForAllWindows()
+void TouchBarMaker::setTouchBarForAllWindows()
 {
     auto const& bar = outlets_.window.touchBar.get();
     outlets_.detailedUsage.window.touchBar.set(bar);
     outlets_.monitorWindow.touchBar.set(bar);
-    return true;
 }
 
 void TouchBarMaker::show(std::vector<std::string> const& entries, std::optional<std::string> const& selected)

@@ -28,14 +28,12 @@ public:
 
     TouchBarMaker(platform::Bundle const& bundle, Outlets& outlets, Actions actions);
 
-    /// Makes a bar without connections.
-    std::shared_ptr<platform::TouchBar> makeTouchBar();
-    /// Gives all windows a bar with these key entries, or without connections.
+    /// Gives all windows a bar with these key entries, if any.
     void show(std::vector<std::string> const& entries, std::optional<std::string> const& selected);
 
 private:
     std::shared_ptr<platform::TouchBar> makeTouchBarWithArray(std::vector<std::string> const& connectionIdentifiers);
-    bool setTouchBarForAllWindows();
+    void setTouchBarForAllWindows();
     std::unique_ptr<platform::CustomTouchBarItem> makeItemForIdentifier(std::string_view identifier) override;
 
     platform::Bundle const& bundle_;

@@ -56,6 +56,7 @@ void UpdateDates::showSoon()
     showing_ = platform_.runLoop.after(timeToShowWork, [this] { show(); });
 }
 
+// Shows the dates again if they may read differently by now, unless the placeholder is shown.
 void UpdateDates::refresh()
 {
     if (lastUpdate_)

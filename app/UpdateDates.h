@@ -16,7 +16,7 @@ struct Platform;
 struct Outlets;
 
 /// Shows the dates of the last and the next update in the menu and the usage window, and keeps them right while time
-/// passes. Main thread only.
+/// passes: whenever the menu opens, and while the window is open. Main thread only.
 class UpdateDates final {
 public:
     /// `nextUpdate` returns when the next automatic update is due, if there is one.
@@ -30,10 +30,9 @@ public:
     void show();
     /// Shows them once the user has had time to see that the program is working.
     void showSoon();
-    /// Shows them again if they may read differently by now, unless the placeholder is shown.
-    void refresh();
 
 private:
+    void refresh();
     void keepCurrent(bool isShown);
     void write(std::string_view lastUpdate, std::string_view nextUpdate);
 

@@ -82,7 +82,7 @@ void UsageDisplay::showFailure()
     for (auto const& place : places)
         (outlets_.*place.field).text.set(failure);
     statusItem_.title.set(failure);
-    showVolumeLines("Error");
+    showVolumeLines(errorText);
 }
 
 void UsageDisplay::showFigures(UsageFigures const& figures)
@@ -94,13 +94,18 @@ void UsageDisplay::showFigures(UsageFigures const& figures)
     showTexts(texts);
     showMenuLines();
     showLevel(figures, texts);
-    showStatusTitle(figures);
+    showStatusTitle(texts);
 }
 
 void UsageDisplay::showStatusTitle(UsageFigures const& figures)
 {
+    showStatusTitle(UsageTexts(figures, volumeFormatter_));
+}
+
+void UsageDisplay::showStatusTitle(UsageTexts const& texts)
+{
     int const choice = outlets_.statusBarDropdown.indexOfSelectedItem.get();
-    statusItem_.title.set(UsageTexts(figures, volumeFormatter_).statusTitle(choice));
+    statusItem_.title.set(texts.statusTitle(choice));
 }
 
 void UsageDisplay::showConnection(std::optional<std::string> const& entry)

@@ -39,6 +39,7 @@ private:
     std::string text(std::string_view key) const;
     void showHeadlineCaption(int choice);
     void showVolumeLines(std::string_view value);
+    void showStatusTitle(UsageTexts const& texts);
     void showTexts(UsageTexts const& texts);
     void showMenuLines();
     void showLevel(UsageFigures const& figures, UsageTexts const& texts);

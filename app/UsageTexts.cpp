@@ -40,7 +40,8 @@ UsageTexts::Texts UsageTexts::textsOf(double UsageFigures::* figure) const
 std::string UsageTexts::statusTitle(int choice) const
 {
     auto const position = static_cast<std::size_t>(choice);
-    return choice >= 0 && position < statusFigures.size() ? textsOf(statusFigures.at(position)).line : "Error";
+    bool const isChoice = choice >= 0 && position < statusFigures.size();
+    return isChoice ? textsOf(statusFigures.at(position)).line : std::string(errorText);
 }
 
 std::string UsageTexts::percentage() const

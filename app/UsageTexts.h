@@ -4,8 +4,12 @@
 #include "app/UsageFigures.h"
 
 #include <string>
+#include <string_view>
 
 class VolumeFormatter;
+
+/// Shown in place of a figure that there cannot be.
+inline constexpr std::string_view errorText = "Error";
 
 /// A report's figures as the texts that the user reads. Main thread only.
 class UsageTexts {
@@ -13,7 +17,7 @@ public:
     struct Texts {
         /// In the usage window.
         std::string field;
-        /// The same in megabytes.
+        /// In megabytes, or in words without a cap.
         std::string toolTip;
         /// In the menu and the status item.
         std::string line;
@@ -23,7 +27,8 @@ public:
     UsageTexts(UsageFigures const& figures, VolumeFormatter const& formatter);
 
     Texts textsOf(double UsageFigures::* figure) const;
-    /// The figure that the user chose for the status item.
+    /// The figure that the user chose for the status item, by its position in the preferences; an error for any other
+    /// position.
     std::string statusTitle(int choice) const;
     /// The used share of the cap. Requires a cap.
     std::string percentage() const;

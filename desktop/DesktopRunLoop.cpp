@@ -293,7 +293,7 @@ void DesktopRunLoop::setMonotonicAlarm()
 // Fires one timer at a time, like everything else in the loop.
 void DesktopRunLoop::monotonicClockReached()
 {
-    // Wake observers may cancel a timer that is due.
+    // Wake observers may destroy a timer that is due.
     noticeSleep();
     if (!monotonicTimers_.empty() && monotonicTimers_.begin()->first <= uptime())
         monotonicTimers_.begin()->second->fire();

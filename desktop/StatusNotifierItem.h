@@ -45,7 +45,7 @@ public:
 
 private:
     /// The state as last reported to panels.
-    struct Told {
+    struct Announced {
         std::string title;
         std::string details;
         std::string iconName;
@@ -93,7 +93,7 @@ private:
     /// Runs until a new title has been unchanged for a moment.
     std::unique_ptr<platform::Timer> drawing_;
     bool isRedrawn_ = false;
-    Told announced_;
+    Announced announced_;
     OncePerTurn update_;
     platform::Subscription titleChanges_;
     platform::Subscription menuChanges_;

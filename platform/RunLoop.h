@@ -39,7 +39,7 @@ public:
     virtual std::unique_ptr<Timer> repeat(Date first, Seconds period, Task task) = 0;
     /// Schedules a one-shot timer on the monotonic clock.
     virtual std::unique_ptr<Timer> after(Seconds delay, Task task) = 0;
-    /// The same, but the loop owns the timer, which cannot be cancelled.
+    /// The same, but the loop owns the timer, which nobody else can end.
     virtual void performAfter(Seconds delay, Task task) = 0;
 
     /// Calls the observer when the computer wakes, before any timer that fell due during sleep fires.

@@ -9,10 +9,10 @@
 
 namespace platform {
 
-inline constexpr std::array<std::string_view, 4> asciiWhiteSpace { " ", "\t", "\r", "\n" };
+inline constexpr std::array<std::string_view, 4> xmlWhiteSpace { " ", "\t", "\r", "\n" };
 
 /// Returns a text without these characters, each in UTF-8, at its beginning and its end.
-inline std::string_view trimmed(std::string_view text, std::span<std::string_view const> characters = asciiWhiteSpace)
+inline std::string_view trimmed(std::string_view text, std::span<std::string_view const> characters = xmlWhiteSpace)
 {
     // The length of the character at one end of the text; 0 if it is none of these.
     auto const lengthOf = [characters](auto isAtEnd) -> std::size_t {

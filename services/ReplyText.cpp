@@ -8,7 +8,7 @@
 
 namespace {
 
-// Unicode's line breaks, the tab, and the category Zs.
+// The first seven are Unicode's line breaks, the others the tab and the category Zs.
 constexpr std::array<std::string_view, 25> whiteSpace { "\n", "\v", "\f", "\r", "\u0085", "\u2028", "\u2029", "\t", " ",
     "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004", "\u2005", "\u2006", "\u2007", "\u2008",
     "\u2009", "\u200A", "\u202F", "\u205F", "\u3000" };

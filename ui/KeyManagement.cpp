@@ -156,8 +156,6 @@ void AppDelegate::viewDailyUsageDataButton(platform::Sender sender)
     if (!detailedUsageController_)
         detailedUsageController_ = std::make_unique<DetailedUsageViewController>(platform_, outlets_.detailedUsage);
     detailedUsageController_->doShowUsageWindow();
-    if (touchBarMaker_)
-        outlets_.detailedUsage.window.touchBar.set(outlets_.window.touchBar.get());
     platform_.application.activateIgnoringOtherApps();
 }
 

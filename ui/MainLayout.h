@@ -13,14 +13,15 @@ class UserDefaults;
 class AppDelegate;
 struct Outlets;
 
-/// Sets the outlets' initial state and stored choices, and keeps the bound ones in sync with the settings.
+/// Sets the outlets' initial state and stored choices, keeps the bound ones in sync with the settings, and shows what
+/// follows from the fields.
 class MainLayout {
 public:
     /// Formats numbers in texts for the locale, which has an ICU name.
     MainLayout(Outlets& outlets, platform::Bundle const& bundle, platform::UserDefaults& userDefaults,
         std::string const& numberLocale = "en_US");
 
-    /// Connects the controls' actions to the controller, and adds the menu's commands.
+    /// Connects most controls' actions to the controller, and adds the menu's commands.
     void wire(AppDelegate& controller);
 
 private:

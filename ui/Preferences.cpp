@@ -2,8 +2,6 @@
 // The controller's part in the preferences window.
 #include "app/AppDelegate.h"
 #include "app/Outlets.h"
-#include "platform/Bundle.h"
-#include "platform/Platform.h"
 #include "storage/CacheData.h"
 
 void AppDelegate::updateDesign()

@@ -61,17 +61,18 @@ void handleExit(int status, void* /*unused*/)
 
 }
 
-void Toolkit::reportFailedStart(platform::Task failedStart)
+void Toolkit::reportFailedStart(platform::Task handler)
 {
-    failedStartHandler = std::move(failedStart);
+    failedStartHandler = std::move(handler);
     qInstallMessageHandler(handleFailedStart);
 }
 
-Toolkit::Toolkit(int& argumentCount, char** arguments, platform::Bundle const& bundle, std::function<void(int)> exits)
+Toolkit::Toolkit(
+    int& argumentCount, char** arguments, platform::Bundle const& bundle, std::function<void(int)> newExitHandler)
     : application_(argumentCount, arguments)
 {
     // Registered here so that it runs before the toolkit's own exit handlers.
-    exitHandler = std::move(exits);
+    exitHandler = std::move(newExitHandler);
     on_exit(handleExit, nullptr);
     qInstallMessageHandler(reportError);
     QApplication::setQuitOnLastWindowClosed(false);

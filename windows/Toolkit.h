@@ -13,12 +13,13 @@
 /// format. Only one instance may exist. Main thread only.
 class Toolkit final {
 public:
-    /// If the toolkit fails to start, prints the reason in one line and calls the last resort.
-    static void reportFailedStart(platform::Task failedStart);
+    /// If the toolkit fails to start, prints the reason in one line and calls the handler.
+    static void reportFailedStart(platform::Task handler);
 
     /// Takes the program's arguments, and a function that is called with the exit status if the toolkit ends the
     /// process.
-    Toolkit(int& argumentCount, char** arguments, platform::Bundle const& bundle, std::function<void(int)> exits);
+    Toolkit(
+        int& argumentCount, char** arguments, platform::Bundle const& bundle, std::function<void(int)> newExitHandler);
     ~Toolkit();
     Toolkit(Toolkit const&) = delete;
     Toolkit& operator=(Toolkit const&) = delete;
