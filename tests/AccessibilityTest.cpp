@@ -103,14 +103,16 @@ TEST_F(AccessibilityTest, EveryFigureIsReadWithItsName)
 TEST_F(AccessibilityTest, AnAssistiveProgramsHandIsAppliedAtOnce)
 {
     controller->showPreferences();
-    for (auto const& [name, key, isOn] :
-        { std::tuple("Usage cap", settings::showUsageCap, false), { "Remaining", settings::showRemainingUsage, false },
-            { "Last update", settings::showLastUpdate, false }, { "Next update", settings::showNextUpdate, false },
-            { "Show nicknames only", settings::showOnlyNicknames, true },
-            { "Usage cap", settings::showUsageCap, true } }) {
+    for (auto const& [name, line, isOn] : { std::tuple("Usage cap", &Outlets::usageCapMenuItem, false),
+             { "Remaining", &Outlets::remainingUsageMenuItem, false },
+             { "Last update", &Outlets::lastUpdateMenuItem, false },
+             { "Next update", &Outlets::nextUpdateMenuItem, false },
+             { "Usage cap", &Outlets::usageCapMenuItem, true } }) {
         press(std::string("CheckBox: ") + name);
-        EXPECT_EQ(*defaults.get<bool>(key), isOn) << name;
+        EXPECT_EQ((*outlets.*line)->hidden.get(), !isOn) << name;
     }
+    press("CheckBox: Show nicknames only");
+    EXPECT_EQ(connection(1).title.get(), "Cottage");
     press("CheckBox: Start at login");
     EXPECT_TRUE(desktop.startsAtLogin);
     pick("Every 2 hours", "Every 4 hours");

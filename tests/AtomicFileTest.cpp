@@ -35,15 +35,6 @@ struct AtomicFileTest : testing::Test {
     fs::path const unfinished = folder.path() / platform::unfinishedFileName;
 };
 
-TEST_F(AtomicFileTest, WhatIsSavedIsItsOwnersAlone)
-{
-    std::ofstream(file) << "old and longer";
-    fs::permissions(file, fs::perms::all);
-    EXPECT_TRUE(writeFileAtomically(file, "new"));
-    EXPECT_EQ(readFile(file), "new");
-    EXPECT_EQ(fs::status(file).permissions(), fs::perms(0600));
-}
-
 TEST_F(AtomicFileTest, AFailedSaveKeepsTheOldFileAlone)
 {
     std::string const largest(platform::maximumFileSize, 'o');

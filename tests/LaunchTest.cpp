@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ControllerTest.h"
 
-#include <fstream>
-
 using LaunchTest = ControllerTest;
 
 TEST_F(LaunchTest, AFreshInstallationAsksForAKeyOnly)
@@ -43,16 +41,6 @@ TEST_F(LaunchTest, ConvertsTheKeyOfEarlierVersions)
     outlets->window.userClosed();
     settle();
     EXPECT_EQ(title(), "10GB");
-}
-
-TEST_F(LaunchTest, RepairsTheCacheOnceThereAreKeys)
-{
-    auto const old = folder.path() / "K1";
-    for (bool const isRepaired : { false, true, false }) {
-        std::ofstream(old) << "<plist><dict><key>used:upload</key><string>1</string></dict></plist>";
-        isRepaired ? launchWith({ home }) : launchAndSettle();
-        EXPECT_EQ(std::filesystem::exists(old), !isRepaired);
-    }
 }
 
 TEST_F(LaunchTest, ForeignSettingsOfTheWrongTypeDoNoHarm)

@@ -5,7 +5,6 @@
 #include "platform/Calendar.h"
 #include "platform/DateFormatter.h"
 #include "platform/LeadingNumber.h"
-#include "platform/NumberFormatter.h"
 #include "platform/PropertyList.h"
 
 #include <gtest/gtest.h>
@@ -25,15 +24,6 @@ TEST(LeadingNumber, TakesTheLongestDecimalNumber)
         { "1" + zeros + "e-50", most } };
     for (auto const& [text, number] : cases)
         EXPECT_EQ(platform::leadingNumber(text), number) << text;
-}
-
-TEST(NumberFormatter, WritesTwoDecimalsByTheLocale)
-{
-    platform::NumberFormatter const english("en_US");
-    for (auto const& [number, text] : { std::pair(52345.678901, "52,345.68"), { 1200, "1,200" }, { 0.125, "0.12" },
-             { 0.375, "0.38" }, { 1.0005, "1" }, { -5123.456789, "-5,123.46" } })
-        EXPECT_EQ(english.string(number), text);
-    EXPECT_EQ(platform::NumberFormatter("fr_FR").string(52345.678901), "52\u202F345,68");
 }
 
 TEST(DateFormatter, WritesADateShortByTheLocale)

@@ -3,7 +3,6 @@
 #include "storage/UsageReport.h"
 #include "tests/support/ControllerTest.h"
 
-#include <malloc.h>
 #include <random>
 
 using RefreshTest = LaunchedTest;
@@ -93,26 +92,6 @@ TEST_F(RefreshTest, DatesAreThoseOfTheTimeZoneTheyAreReadIn)
     EXPECT_EQ(outlets->lastUpdateText.text.get(), here);
 }
 
-TEST_F(RefreshTest, DaysOfUseLeaveNothingBehind)
-{
-    std::size_t afterTwoDays = 0;
-    for (int hour = 0; hour < 7 * 24; ++hour) {
-        hour % 5 == 4 ? failReply("K1") : setReply("K1", 10 + hour % 24);
-        advance(1h);
-        controller->showUsageWindow();
-        connection(hour % 2U).userClicked();
-        controller->addKeyWithNickname("Guest", "K3");
-        outlets->removeKeyButton.userClicked();
-        outlets->window.userAnswered(firstButton);
-        outlets->detailedUsageButton.userClicked();
-        settle();
-        desktop.calls = {};
-        if (hour == 47)
-            afterTwoDays = ::mallinfo2().uordblks;
-    }
-    EXPECT_LE(::mallinfo2().uordblks, afterTwoDays + 20'000);
-}
-
 TEST_F(RefreshTest, RetriesEveryThirtySecondsUntilTheProviderAnswers)
 {
     failReply("K1");
@@ -151,18 +130,6 @@ TEST_F(RefreshTest, OnlyTheTimersSuccessNotifiesWhileThatIsSwitchedOn)
     desktop.delegate->didActivateNotification(7);
     EXPECT_EQ(desktop.calls, (Texts { "notify Usage updated", "remove 7" })) << "a retry is no timer's refresh";
     EXPECT_TRUE(outlets->monitorWindow.visible.get());
-}
-
-TEST_F(RefreshTest, WithoutRoomForAnotherQueueEverythingSaysThatItFails)
-{
-    queues.isFull = true;
-    refresh();
-    EXPECT_EQ(title(), "No data");
-    controller->showPreferences();
-    outlets->autoRetrieveCodeButton.userClicked();
-    EXPECT_EQ(alertOn(outlets->window), textOf("AUTO_FAILURE_TITLE"));
-    controller->viewDailyUsageDataButton({});
-    EXPECT_EQ(alertOn(outlets->detailedUsage.window), textOf("USAGE_DETAIL_ERROR_LOAD_TITLE"));
 }
 
 TEST_F(RefreshTest, HoweverRefreshesOverlapTheSelectedConnectionEndsOnTheScreen)

@@ -38,9 +38,7 @@ TEST_F(StorageTest, AReportIsFreshUntilItsNextUpdateOrForGoodWithoutAnInterval)
         { { { "nextUpdate", now + 1s }, { "updateInterval", 2 } }, true },
         { { { "nextUpdate", now }, { "updateInterval", 2 } }, false },
         { { { "nextUpdate", now - 9h }, { "updateInterval", 0 } }, true }, { { { "updateInterval", "0" } }, true },
-        { { { "updateInterval", "\t+2.5h" } }, false }, { { { "updateInterval", -0.5 } }, true },
-        { { { "updateInterval", 1.5 } }, false }, { { { "updateInterval", false } }, true },
-        { { { "updateInterval", true } }, false }, { { { "updateInterval", platform::Array {} } }, false } };
+        { { { "updateInterval", -0.5 } }, true }, { { { "updateInterval", true } }, false } };
     fs::create_directory(cached);
     std::ofstream(cached / "K1") << "<plist><dict><key>updateInterval</key>";
     EXPECT_EQ(cache.retrieveCachedFileWithName("K1"), std::nullopt) << "cut off";
