@@ -23,10 +23,9 @@ struct RunningProgramTest : PanelTest {
     ~RunningProgramTest() override { EXPECT_EQ(program_.output().find("secret"), std::string::npos); }
 
     /// Gives the program a private display for its next start.
-    void startScreen(QStringList const& options = {})
+    void startScreen()
     {
-        QStringList const usual { "-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "1280x800x24" };
-        screen_.start(QStringLiteral("Xvfb"), usual + options);
+        screen_.start(QStringLiteral("Xvfb"), { "-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "1280x800x24" });
         ASSERT_TRUE(screen_.waitForReadyRead()) << "is Xvfb installed?";
         qputenv("DISPLAY", ':' + screen_.readLine().trimmed());
         program_.setVariable("DISPLAY", qgetenv("DISPLAY").constData());
