@@ -13,7 +13,7 @@
 #include <thread>
 
 /// What is wrong with a server whatever it is asked. A plain one answers the first bytes that come, without TLS.
-enum class ServerFault { none, wrongHost, oldProtocol, plain };
+enum class ServerFault { none, wrongHost, plain };
 
 struct TlsReply {
     std::string text;
@@ -40,11 +40,6 @@ public:
         files_ = demo::makeCertificate(folder, terms).value();
         SSL_CTX_use_certificate_file(context_.get(), files_.certificate.c_str(), SSL_FILETYPE_PEM);
         SSL_CTX_use_PrivateKey_file(context_.get(), files_.privateKey.c_str(), SSL_FILETYPE_PEM);
-        if (fault == ServerFault::oldProtocol) {
-            SSL_CTX_set_security_level(context_.get(), 0);
-            SSL_CTX_set_min_proto_version(context_.get(), TLS1_VERSION);
-            SSL_CTX_set_max_proto_version(context_.get(), TLS1_VERSION);
-        }
         std::signal(SIGPIPE, SIG_IGN); // A client may hang up while it is written to.
         BIO_do_accept(listening_.get()); // The first call only listens.
         thread_ = std::jthread([this] { serve(); });
