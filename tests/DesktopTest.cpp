@@ -289,18 +289,11 @@ TEST(ColorScheme, TellsEachPreferenceOfAPortal)
     static constexpr char const* appearance = "org.freedesktop.appearance";
     static constexpr char const* gnome = "org.gnome.desktop.a11y.interface";
     qDBusRegisterMetaType<Settings>();
-    auto const color = [](double green) {
-        QDBusArgument parts;
-        parts.beginStructure();
-        parts << 1.0 << green << 0.0;
-        parts.endStructure();
-        return QVariant::fromValue(parts);
-    };
-    std::vector<Look> told;
+    std::vector<platform::Appearance> told;
     DesktopRunLoop loop;
     ToolkitLoop const around(loop);
     Bus bus(loop);
-    ColorScheme const scheme(bus, [&told](Look const& look) { told.push_back(look); });
+    ColorScheme const scheme(bus, [&told](Look const& look) { told.push_back(look.appearance); });
     // It prefers dark and, as GNOME says it, high contrast.
     FakeService portal(
         "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", [](QDBusMessage const& call) {
@@ -310,16 +303,14 @@ TEST(ColorScheme, TellsEachPreferenceOfAPortal)
         });
     ASSERT_TRUE(QTest::qWaitFor([&told] { return told.size() == 1; }));
     // The portal's own word on contrast goes before GNOME's.
-    std::vector<std::tuple<char const*, char const*, QVariant, Look>> const changes {
-        { gnome, "high-contrast", false, { Dark, {} } },
-        { appearance, "color-scheme", 2U, { Light, {} } },
-        { appearance, "accent-color", color(0.4), { Light, platform::Color { 255, 102, 0 } } },
-        { appearance, "accent-color", color(-1), { Light, {} } },
-        { gnome, "high-contrast", true, { HighContrastLight, {} } },
-        { appearance, "contrast", 0U, { Light, {} } },
-        { appearance, "contrast", 1U, { HighContrastLight, {} } },
+    std::vector<std::tuple<char const*, char const*, QVariant, platform::Appearance>> const changes {
+        { gnome, "high-contrast", false, Dark },
+        { appearance, "color-scheme", 2U, Light },
+        { gnome, "high-contrast", true, HighContrastLight },
+        { appearance, "contrast", 0U, Light },
+        { appearance, "contrast", 1U, HighContrastLight },
     };
-    std::vector<Look> expected { { HighContrastDark, {} } };
+    std::vector expected { HighContrastDark };
     for (auto const& [space, key, value, look] : changes) {
         portal.notify("org.freedesktop.portal.Settings", "SettingChanged",
             { QLatin1String(space), QLatin1String(key), QVariant::fromValue(QDBusVariant(value)) });
