@@ -24,26 +24,6 @@ TEST_F(StatusMenuTest, PickingAConnectionSwitchesToItAlone)
     EXPECT_EQ(title(), "20GB") << "it lasts";
 }
 
-TEST_F(StatusMenuTest, ConfirmingStoresTheCapEvenAfterAnEmptyPickThatWasRefused)
-{
-    launchWith({ "", cottage });
-    outlets->usageLimit.userTyped("40");
-    connection(0).userClicked();
-    EXPECT_EQ(alertOn(outlets->window), textOf("FAILURE_BLANK_CODE"));
-    outlets->addKeyButton.userClicked();
-    EXPECT_FALSE(outlets->addKeyWindow.visible.get()) << "one sheet at a time";
-    outlets->window.userAnswered(firstButton);
-    EXPECT_TRUE(outlets->addKeyWindow.visible.get());
-
-    outlets->tarvoUsageKeysComboBox.userSelected(1);
-    defaults.set(settings::usageCapValues, platform::Dictionary { { home, "90" } });
-    outlets->usageLimit.userTyped("40");
-    outlets->useConnectionButton.userClicked();
-    EXPECT_EQ(UsageCaps(defaults).usageCapForKey(cottage), "40");
-    EXPECT_EQ(UsageCaps(defaults).usageCapForKey(home), "90");
-    EXPECT_FALSE(outlets->window.visible.get());
-}
-
 TEST_F(StatusMenuTest, CommandsDoWhatTheySay)
 {
     auto const& lines = outlets->dropDownMenu.items();

@@ -74,8 +74,6 @@ private:
         ~Scheduled() override { std::erase(loop.timers_, this); }
 
         Date fireDate() const override { return date; }
-        bool isScheduled() const { return std::ranges::find(loop.timers_, this) != loop.timers_.end(); }
-        void cancel() { std::erase(loop.timers_, this); }
 
         ManualRunLoop& loop;
         Date date;
@@ -104,8 +102,8 @@ private:
         auto& timer = **earliest;
         now_ = std::max(now_, timer.date);
         if (timer.period == Seconds::zero())
-            timer.cancel();
-        while (timer.isScheduled() && timer.date <= now_)
+            std::erase(timers_, &timer);
+        while (timer.date <= now_ && timer.period > Seconds::zero())
             timer.date += std::chrono::round<Date::duration>(timer.period);
         // A copy, for it may end its own timer.
         auto const task = timer.task;
