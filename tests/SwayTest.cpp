@@ -1,33 +1,20 @@
 // SPDX-License-Identifier: MIT
-// The real program in a real panel: waybar on sway.
+// The real program on a real Wayland desktop.
 #include "tests/support/RunningProgramTest.h"
 
 #include <QTest>
 
-#include <filesystem>
 #include <pwd.h>
 #include <unistd.h>
 
 using namespace std::chrono_literals;
 
-/// sway on a screen that nobody sees, with waybar. It refuses to run as root.
-struct PanelHostsTest : RunningProgramTest {
-    /// The panel of this test is a real one.
-    PanelHostsTest() { watcher_.reset(); }
-
-    ~PanelHostsTest() override
+/// sway on a screen that nobody sees. It refuses to run as root.
+struct SwayTest : RunningProgramTest {
+    ~SwayTest() override
     {
-        for (auto* const process : { &panelProcess_, &compositor_ }) {
-            process->terminate();
-            EXPECT_TRUE(process->waitForFinished());
-        }
-    }
-
-    void startProcess(QProcess& process, QStringList command)
-    {
-        process.setEnvironment(QProcess::systemEnvironment() + environment_);
-        process.start(command.takeFirst(), command);
-        ASSERT_TRUE(process.waitForStarted()) << "are sway and waybar installed?";
+        compositor_.terminate();
+        EXPECT_TRUE(compositor_.waitForFinished());
     }
 
     void startDesktop()
@@ -38,14 +25,14 @@ struct PanelHostsTest : RunningProgramTest {
             ASSERT_EQ(::chown(runtimeFolder_.path().c_str(), nobody->pw_uid, nobody->pw_gid), 0);
             command = QStringList { "setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups" } + command;
         }
-        startProcess(compositor_, command);
+        QStringList const environment { "XDG_RUNTIME_DIR=" + QString::fromStdString(runtimeFolder_.path().string()),
+            "WLR_BACKENDS=headless", "WLR_LIBINPUT_NO_DEVICES=1", "WLR_RENDERER=pixman" };
+        compositor_.setEnvironment(QProcess::systemEnvironment() + environment);
+        compositor_.start(command.takeFirst(), command);
+        ASSERT_TRUE(compositor_.waitForStarted()) << "is sway installed?";
         ASSERT_TRUE(QTest::qWaitFor([this] { return !socket("wayland-").isEmpty() && !socket("sway-ipc").isEmpty(); }));
         program_.setVariable("WAYLAND_DISPLAY", qPrintable(socket("wayland-")));
         program_.setVariable("QT_QPA_PLATFORM", "wayland");
-        environment_.push_back("WAYLAND_DISPLAY=" + socket("wayland-"));
-        auto const config = folder_.path() / "waybar.json";
-        platform::writeFileAtomically(config, R"({ "modules-right": ["tray"] })");
-        startProcess(panelProcess_, { "waybar", "--config", config.c_str() });
     }
 
     QString socket(std::string const& beginning) const
@@ -78,13 +65,10 @@ struct PanelHostsTest : RunningProgramTest {
     }
 
     TemporaryFolder runtimeFolder_;
-    QStringList environment_ { "XDG_RUNTIME_DIR=" + QString::fromStdString(runtimeFolder_.path().string()),
-        "WLR_BACKENDS=headless", "WLR_LIBINPUT_NO_DEVICES=1", "WLR_RENDERER=pixman", "NO_AT_BRIDGE=1" };
     QProcess compositor_;
-    QProcess panelProcess_;
 };
 
-TEST_F(PanelHostsTest, WhatIsChosenComesToTheFrontFromWhereverItIs)
+TEST_F(SwayTest, WhatIsChosenComesToTheFrontFromWhereverItIs)
 {
     startDesktop();
     program_.start();
