@@ -130,4 +130,5 @@ TEST_F(AccessibilityTest, AnAssistiveProgramsHandIsAppliedAtOnce)
     write("EditableText: Usage key:", "K3");
     press("Button: Add");
     EXPECT_EQ(title(), "12GB");
+    EXPECT_EQ(outlets->usageLimit.text.get(), "") << "the cap is another connection's";
 }

@@ -103,15 +103,13 @@ TEST_F(MainWindowsTest, WhatIsOnlyPassedOverIsNotPicked)
     auto& box = widgetOf<QComboBox>("updateIntervalPopupButton");
     QWheelEvent wheel({}, {}, {}, { 0, -120 }, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(&box, &wheel);
-    // A closed list opens first, also for a letter, which finds its line there.
-    for (auto const& [opening, hours] : { std::pair(Qt::Key_Down, 0), { Qt::Key_E, 1 } }) {
-        QTest::keyClick(&box, opening);
-        EXPECT_TRUE(box.view()->isVisible());
-        EXPECT_EQ(actions, hours);
-        QTest::keyClick(box.view(), Qt::Key_Return);
-        QCoreApplication::sendPostedEvents(&box, QEvent::MetaCall);
-    }
-    EXPECT_EQ(actions, 2);
+    // A closed list opens first, and a letter finds its line there.
+    QTest::keyClick(&box, Qt::Key_E);
+    EXPECT_TRUE(box.view()->isVisible());
+    EXPECT_EQ(actions, 0);
+    QTest::keyClick(box.view(), Qt::Key_Return);
+    QCoreApplication::sendPostedEvents(&box, QEvent::MetaCall);
+    EXPECT_EQ(actions, 1);
     EXPECT_EQ(*defaults_.get<std::int64_t>(settings::hourUpdateInterval), 1);
 }
 

@@ -37,18 +37,6 @@ TEST_F(KeyManagementTest, RefusesAnEntryThatWouldBeAmbiguous)
     EXPECT_EQ(connection(2).shownTitle(), "Connection 3");
 }
 
-TEST_F(KeyManagementTest, AConnectionThatIsAddedIsSelectedWithoutACap)
-{
-    outlets->usageLimit.userTyped("55");
-    add("Office", "K3");
-    settle();
-    EXPECT_EQ(title(), "30GB");
-    EXPECT_EQ(linesOf(outlets->connectionMenu), (Texts { home, cottage, "* Office - K3" }));
-    EXPECT_EQ(outlets->usageLimit.text.get(), "");
-    launchAndSettle();
-    EXPECT_EQ(title(), "30GB") << "it lasts";
-}
-
 TEST_F(KeyManagementTest, ALookupSpeaksOnlyToOneWhoAsksForIt)
 {
     outlets->addKeyButton.userClicked();
