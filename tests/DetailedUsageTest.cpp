@@ -108,6 +108,20 @@ TEST_F(DetailedUsageTest, APageIsShownOnceItIsRestyled)
     EXPECT_FALSE(isShown());
 }
 
+TEST_F(DetailedUsageTest, EveryLoadHasOneBanner)
+{
+    auto const banner = pageScripts::banner(textOf("DETAILED_USAGE_WARNING"));
+    load();
+    events().didFinishLoadForFrame();
+    EXPECT_TRUE(ran(banner));
+    // A load that ends while the next one is prepared leaves that one its own.
+    controller->viewDailyUsageDataButton({});
+    load();
+    settle();
+    load();
+    EXPECT_TRUE(ran(banner));
+}
+
 TEST_F(DetailedUsageTest, LateAnswersOfAnOlderLoadChangeNothing)
 {
     // The first time before the page is shown, the second time before its notice is read.

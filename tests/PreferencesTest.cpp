@@ -7,16 +7,16 @@ TEST_F(PreferencesTest, ChoicesTakeEffectAtOnceThatLasts)
 {
     outlets->onlyKeyNicknamesToggle.userToggled(true);
     outlets->showNotificationsToggle.userToggled(false);
-    for (auto* const toggle : { &outlets->usageCapToggle, &outlets->remainingUsageToggle, &outlets->lastUpdateToggle,
-             &outlets->nextUpdateToggle })
-        toggle->userToggled(false);
+    outlets->usageCapToggle.userToggled(false);
+    outlets->lastUpdateToggle.userToggled(false);
     outlets->statusBarDropdown.userSelected(0);
     outlets->updateIntervalPopupButton.userSelected(6);
     for (int launches = 0; launches < 2; ++launches, advance(1h), launch()) {
         EXPECT_EQ(requests(), 2U);
         EXPECT_FALSE(outlets->showNotificationsToggle.on.get());
         EXPECT_EQ(connection(1).title.get(), "Cottage");
-        EXPECT_EQ(linesOf(outlets->dropDownMenu).size(), 12U);
+        EXPECT_TRUE(outlets->usageCapMenuItem->hidden.get() && outlets->lastUpdateMenuItem->hidden.get());
+        EXPECT_EQ(linesOf(outlets->dropDownMenu).size(), 14U);
         EXPECT_EQ(title(), "6GB");
         EXPECT_EQ(nextLine(), nextUpdate(at(16, 0)));
     }
