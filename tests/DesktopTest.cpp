@@ -263,23 +263,6 @@ TEST_F(MainWindowsTest, TheAddKeySheetNeedsOnlyTheKeyboard)
     EXPECT_FALSE(sheet.isVisible());
 }
 
-TEST_F(MainWindowsTest, TheFocusFollowsTheEye)
-{
-    outlets_.window.beginSheet(outlets_.addKeyWindow);
-    for (auto* const top : { &window(), &usageWindow(), widgetOf<QLineEdit>("usageID").window() }) {
-        QPoint previous(0, 0);
-        for (auto* next = top->nextInFocusChain(); next != top; next = next->nextInFocusChain()) {
-            if (!next->isVisible() || next->focusPolicy() == Qt::NoFocus || next->window() != top)
-                continue;
-            auto const place = next->mapTo(top, next->rect().center());
-            bool const sameRow = std::abs(place.y() - previous.y()) < 10;
-            EXPECT_TRUE(place.y() > previous.y() || (sameRow && place.x() > previous.x()))
-                << next->objectName().toStdString();
-            previous = place;
-        }
-    }
-}
-
 TEST(ColorScheme, TellsEachPreferenceOfAPortal)
 {
     using Settings = QMap<QString, QVariantMap>;
