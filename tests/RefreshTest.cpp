@@ -132,6 +132,18 @@ TEST_F(RefreshTest, OnlyTheTimersSuccessNotifiesWhileThatIsSwitchedOn)
     EXPECT_TRUE(outlets->monitorWindow.visible.get());
 }
 
+TEST_F(RefreshTest, WithoutRoomForAnotherQueueEverythingSaysThatItFails)
+{
+    queues.isFull = true;
+    refresh();
+    EXPECT_EQ(title(), "No data");
+    controller->showPreferences();
+    outlets->autoRetrieveCodeButton.userClicked();
+    EXPECT_EQ(alertOn(outlets->window), textOf("AUTO_FAILURE_TITLE"));
+    controller->viewDailyUsageDataButton({});
+    EXPECT_EQ(alertOn(outlets->detailedUsage.window), textOf("USAGE_DETAIL_ERROR_LOAD_TITLE"));
+}
+
 TEST_F(RefreshTest, HoweverRefreshesOverlapTheSelectedConnectionEndsOnTheScreen)
 {
     std::minstd_rand random(2026); // NOLINT(*-msc51-cpp): the same in every run

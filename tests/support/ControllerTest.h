@@ -30,8 +30,9 @@ using Texts = std::vector<std::string>;
 struct ManualQueues final : platform::BackgroundQueues {
     bool async(std::string const& /*label*/, platform::Task task) override
     {
-        tasks.push_back(std::move(task));
-        return true;
+        if (!isFull)
+            tasks.push_back(std::move(task));
+        return !isFull;
     }
 
     void run(std::size_t position)
@@ -42,6 +43,7 @@ struct ManualQueues final : platform::BackgroundQueues {
     }
 
     std::vector<platform::Task> tasks;
+    bool isFull = false;
 };
 
 /// A provider that gives the replies set by a test, and fails otherwise.
