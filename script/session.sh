@@ -1,14 +1,14 @@
 #!/bin/bash
 # SPDX-License-Identifier: MIT
-# Shared by script/run and script/gallery: a private session for the program on a stand-in provider, and screenshots of
-# its windows. The caller sets the build folder ($build) and a folder for temporary files ($stage).
+# Shared by script/run, script/gallery and script/bench: a private session for the program on a stand-in provider, and
+# screenshots of its windows. The caller sets the build folder ($build) and a folder for temporary files ($stage).
+# Whatever was started here ends with the script, however the script ends.
 
 log=$stage/log
 shots=$stage/screenshots
 showStatus=(env LC_ALL=C.UTF-8 "$build/bin/usage-meter-status")
 runtime=
 program=
-started=()
 
 fail() {
     echo "script/${0##*/}: $1" >&2
@@ -18,103 +18,63 @@ fail() {
 # Polls until the command succeeds, or fails after the given number of seconds.
 waitFor() {
     local deadline=$((SECONDS + $1))
-    shift
-    until "$@"; do
+    until "${@:2}"; do
         ((SECONDS < deadline)) || return 1
         sleep 0.05
     done
-}
-
-# Processes started by our bus are not our children, so they are recognized by our runtime folder.
-findStarted() {
-    local found
-    [[ -n $runtime ]] || return 0
-    mapfile -t found < <(env -u XDG_RUNTIME_DIR grep -lsz "^XDG_RUNTIME_DIR=$runtime\$" /proc/[0-9]*/environ)
-    found=("${found[@]#/proc/}")
-    started+=("${found[@]%/environ}")
-}
-
-signalAll() {
-    local pid left=()
-    findStarted
-    for pid in "${started[@]}"; do
-        [[ ! -d /proc/$pid ]] || left+=("$pid")
-    done
-    started=("${left[@]}")
-    ((${#left[@]} == 0)) || ! kill -s "$1" "${left[@]}" 2>/dev/null
 }
 
 isEndedBy() {
     ! kill -s "$1" "$2" 2>/dev/null
 }
 
-noneLeftAfter() {
-    signalAll "$1"
-    ((${#started[@]} == 0))
+# Processes started by our bus are not our children, so all are recognized by our runtime folder.
+allAreEndedBy() {
+    local found
+    mapfile -t found < <(env -u XDG_RUNTIME_DIR grep -lszxF "XDG_RUNTIME_DIR=$runtime" /proc/[0-9]*/environ)
+    ((${#found[@]} == 0)) || ! kill -s "$1" "${found[@]//[!0-9]/}" 2>/dev/null
 }
 
 finish() {
     local status=$?
-    trap - EXIT
-    trap '' INT TERM HUP
+    trap '' EXIT INT TERM HUP
     # Ends the program before its display and its bus, so that it can shut down properly.
     [[ -z $program ]] || waitFor 3 isEndedBy TERM "$program" || true
-    waitFor 5 noneLeftAfter TERM || waitFor 5 noneLeftAfter KILL || true
-    [[ -z $runtime ]] || rm -rf "$runtime"
+    if [[ -n $runtime ]]; then
+        waitFor 5 allAreEndedBy TERM || waitFor 5 allAreEndedBy KILL || true
+        rm -rf "$runtime"
+    fi
     exit "$status"
+}
+
+trap finish EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+trap 'exit 129' HUP
+
+start() {
+    setpriv --pdeathsig TERM -- "${@:2}" >"$log/$1" 2>&1 &
 }
 
 # A signal interrupts this wait, but would not interrupt a foreground command.
 await() {
     setpriv --pdeathsig TERM -- "$@" &
-    started+=($!)
     wait $!
-}
-
-start() {
-    local name=$1
-    shift
-    setpriv --pdeathsig TERM -- "$@" >"$log/$name" 2>&1 &
-    started+=($!)
 }
 
 # Starts a program that prints one line once it is ready, and stores that line in $announced.
 startAnnounced() {
-    local name=$1 output
-    shift
-    exec {output}< <(exec setpriv --pdeathsig TERM -- "$@" 2>"$log/$name")
-    started+=($!)
-    read -r -t 20 -u "$output" announced || fail "$name did not start; see $log/$name"
-}
-
-startProvider() {
-    startAnnounced provider "$build/bin/usage-meter-provider" --folder "$stage/certificate"
-    host=${announced#https://}
-}
-
-stageBundle() {
-    cmake -DBUILD="$build" -DSTAGE="$stage" -DHOME="$HOME" -DHOST="$host" \
-        -DAUTHORITY="$stage/certificate/authority.pem" -P demo/StageBundle.cmake
+    local output
+    exec {output}< <(exec setpriv --pdeathsig TERM -- "${@:2}" 2>"$log/$1")
+    read -r -t 20 -u "$output" announced || fail "$1 did not start; see $log/$1"
 }
 
 # The X server's authority file keeps its place when the home is moved.
 useHome() {
-    export XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority}
-    export HOME=$1
+    export XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority} HOME=$1
     export XDG_CONFIG_HOME=$HOME/config XDG_CACHE_HOME=$HOME/cache XDG_DATA_HOME=$HOME/data XDG_STATE_HOME=$HOME/state
     export no_proxy=localhost NO_PROXY=localhost
-    mkdir -p "$XDG_CONFIG_HOME" "$XDG_CACHE_HOME" "$XDG_DATA_HOME" "$XDG_STATE_HOME"
-}
-
-# The web engine reads the user's own authorities from a database in the home.
-trustProvider() {
-    local database=sql:$HOME/.pki/nssdb
-    mkdir -p "$HOME/.pki/nssdb"
-    certutil -L -d "$database" >/dev/null 2>&1 || certutil -N -d "$database" --empty-password
-    certutil -D -d "$database" -n provider 2>/dev/null || true
-    certutil -A -d "$database" -n provider -t C,, -i "$stage/certificate/authority.pem"
-    # The engine cannot sandbox its pages as root.
-    ((EUID != 0)) || export QTWEBENGINE_DISABLE_SANDBOX=1
+    mkdir -p "$log" "$HOME"/{config,cache,data,state}
 }
 
 # Starts a display of this size, and an ordinary bus unless dbus-daemon gets another option.
@@ -128,23 +88,47 @@ startSession() {
     export DBUS_SESSION_BUS_ADDRESS=$announced
 }
 
-startPanel() {
-    start panel env NO_AT_BRIDGE=1 "$@"
-    panel=${started[-1]}
+# Stages a bundle for the provider that the command starts.
+startProvider() {
+    startAnnounced provider "$@"
+    cmake -DBUILD="$build" -DSTAGE="$stage" -DHOME="$HOME" -DHOST="${announced#https://}" \
+        -DAUTHORITY="$stage/certificate/authority.pem" -P demo/StageBundle.cmake
+}
+
+# The web engine reads the user's own authorities from a database in the home.
+startDemoProvider() {
+    local database=sql:$HOME/.pki/nssdb
+    startProvider "$build/bin/usage-meter-provider" --folder "$stage/certificate"
+    mkdir -p "$HOME/.pki/nssdb"
+    certutil -L -d "$database" >/dev/null 2>&1 || certutil -N -d "$database" --empty-password
+    certutil -D -d "$database" -n provider 2>/dev/null || true
+    certutil -A -d "$database" -n provider -t C,, -i "$stage/certificate/authority.pem"
+    # The engine cannot sandbox its pages as root.
+    ((EUID != 0)) || export QTWEBENGINE_DISABLE_SANDBOX=1
+}
+
+# Starts a session of this size for pictures: a real panel and the stand-in provider, with an empty home.
+startPictures() {
+    rm -rf "$2" "$shots"
+    mkdir -p "$shots"
+    useHome "$2"
+    startSession "$1"
+    start panel env NO_AT_BRIDGE=1 GSETTINGS_BACKEND=memory mate-panel
     await gdbus wait --session --timeout 20 org.kde.StatusNotifierWatcher || fail "the panel did not start; see $log/panel"
+    startDemoProvider
 }
 
 startProgram() {
     start program env LC_ALL=en_US.UTF-8 "$@" "$stage/bin/usage-meter"
-    program=${started[-1]}
+    program=$!
 }
 
 endProgram() {
     waitFor 3 isEndedBy TERM "$program" || fail "the program did not exit"
 }
 
-visibleWindows() {
-    xdotool search --onlyvisible "$@" 2>/dev/null | sort
+awaitReport() {
+    await "${showStatus[@]}" --timeout 30 --not "…" || fail "no report came; see $log/program"
 }
 
 # Drawing is finished if a picture is not blank and has not changed since the last time.
@@ -155,93 +139,73 @@ isDrawn() {
     [[ $drawn == "$before" && $drawn != *' 1' ]]
 }
 
+# Takes a picture of this name with import's options.
 capture() {
-    local picture=$shots/$1.png
-    drawn=
-    waitFor 10 isDrawn -window "$2" "$picture" || fail "$1 is blank; see $picture"
+    local picture=$shots/$1.png drawn=
+    waitFor 10 isDrawn "${@:2}" "$picture" || fail "$1 is blank; see $picture"
     echo "$picture"
 }
 
-# The area is only a sliver until the item is in it.
-findStatusArea() {
-    local width
-    window=$(visibleWindows --class notification-area-applet | tail -n 1)
-    [[ -n $window ]] || return 1
-    width=$(xdotool getwindowgeometry --shell "$window" | sed -n 's/^WIDTH=//p')
-    ((width > 8))
-}
-
-findMenu() {
-    window=$(comm -13 <(echo "$1") <(visibleWindows --class notification-area-applet) | tail -n 1)
-    [[ -n $window ]]
-}
-
-# Captures the upper right corner of the screen with the item in the panel and its menu open.
-captureMenu() {
-    local area before picture=$shots/$1.png
-    waitFor 10 findStatusArea || fail "the panel shows no status area"
-    area=$window
-    before=$(visibleWindows --class notification-area-applet)
-    xdotool mousemove --window "$area" 20 12 click 3
-    waitFor 10 findMenu "$before" || fail "the item's menu did not open"
-    drawn=
-    waitFor 10 isDrawn -window root -crop 400x370+880+0 +repage "$picture" || fail "the menu is blank"
-    echo "$picture"
-    # A click elsewhere closes the menu.
-    xdotool mousemove 300 700 click 1
+visibleWindows() {
+    xdotool search --onlyvisible "$@" 2>/dev/null | sort
 }
 
 findNewWindow() {
-    window=$(comm -13 <(echo "$1") <(visibleWindows --pid "$program") | head -n 1)
+    window=$(comm -13 <(echo "$1") <(visibleWindows "${@:2}") | tail -n 1)
     [[ -n $window ]]
 }
 
+# Clicks a menu item and waits for its window.
 openWindow() {
     local before
     before=$(visibleWindows --pid "$program" || true)
     await "${showStatus[@]}" --click "$1" || fail "\"$1\" cannot be clicked"
-    waitFor 20 findNewWindow "$before" || fail "\"$1\" opened no window"
+    waitFor 20 findNewWindow "$before" --pid "$program" || fail "\"$1\" opened no window"
 }
 
 captureWindow() {
     openWindow "$2"
-    capture "$1" "$window"
+    capture "$1" -window "$window"
 }
 
-isBlank() {
-    [[ $(convert "$1" -crop "$2" -format %k info:) == 1 ]]
+# The area is only a sliver until the item is in it.
+findStatusArea() {
+    findNewWindow "" --class notification-area-applet &&
+        (($(xdotool getwindowgeometry --shell "$window" | sed -n 's/^WIDTH=//p') > 8))
+}
+
+# Captures the upper right corner of the screen with the item in the panel and its menu open.
+captureMenu() {
+    local before
+    waitFor 10 findStatusArea || fail "the panel shows no status area"
+    before=$(visibleWindows --class notification-area-applet)
+    xdotool mousemove --window "$window" 20 12 click 3
+    waitFor 10 findNewWindow "$before" --class notification-area-applet || fail "the item's menu did not open"
+    capture "$1" -window root -crop 400x370+880+0 +repage
+    # A click elsewhere closes the menu.
+    xdotool mousemove 300 700 click 1
 }
 
 # A page is slow to load. The month picker is shown with it, and its table starts further down and to the right.
 isPageDrawn() {
-    isDrawn -window "$window" "$1" && ! isBlank "$1" 100x20+30+12 && ! isBlank "$1" 400x40+30+280
+    local area
+    isDrawn "$@" || return 1
+    for area in 100x20+30+12 400x40+30+280; do
+        (($(convert "${!#}" -crop "$area" -format %k info:) > 1)) || return 1
+    done
 }
 
 captureDailyUsage() {
-    local picture=$shots/$1.png
+    local picture=$shots/$1.png drawn=
     openWindow "Daily Usage"
-    drawn=
-    waitFor 30 isPageDrawn "$picture" || fail "the provider's page did not load; see $picture and $log/program"
+    waitFor 30 isPageDrawn -window "$window" "$picture" || fail "the provider's page did not load; see $picture"
     echo "$picture"
-}
-
-findAddKeyWindow() {
-    window=$(visibleWindows --name '^Add a Connection$' | tail -n 1)
-    [[ -n $window ]]
 }
 
 # Without settings, the program asks for a key by itself.
 captureFirstStart() {
     endProgram
     startProgram XDG_CONFIG_HOME="$HOME/first-start"
-    waitFor 20 findAddKeyWindow || fail "a first start does not ask for a key"
-    capture "$1" "$window"
-}
-
-# Cleans up however the script ends.
-endInGoodOrder() {
-    trap finish EXIT
-    trap 'exit 130' INT
-    trap 'exit 143' TERM
-    trap 'exit 129' HUP
+    waitFor 20 findNewWindow "" --pid "$program" --name '^Add a Connection$' || fail "a first start does not ask for a key"
+    capture "$1" -window "$window"
 }
