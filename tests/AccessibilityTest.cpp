@@ -124,11 +124,4 @@ TEST_F(AccessibilityTest, AnAssistiveProgramsHandIsAppliedAtOnce)
     press("Button: Use This Connection");
     EXPECT_EQ(title(), "8GB");
     EXPECT_EQ(UsageCaps(defaults).usageCapForKey(cottage), "75");
-
-    controller->showPreferences();
-    press("Button: Add…");
-    write("EditableText: Usage key:", "K3");
-    press("Button: Add");
-    EXPECT_EQ(title(), "12GB");
-    EXPECT_EQ(outlets->usageLimit.text.get(), "") << "the cap is another connection's";
 }

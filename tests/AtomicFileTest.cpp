@@ -84,13 +84,11 @@ TEST_F(AtomicFileTest, TwoProcessesThatSaveAtOnceNeitherFailNorMixTheirFiles)
     EXPECT_EQ(entries(), 1);
 }
 
-// USAGE_METER_ROUNDS says how often, 200 times without it.
 TEST_F(AtomicFileTest, ASaveThatIsKilledLeavesTheOldFileOrTheNewOne)
 {
-    char const* const wanted = std::getenv("USAGE_METER_ROUNDS");
     ASSERT_TRUE(writeFileAtomically(file, "0"));
     int number = 0, kills = 0, stop = 1;
-    while (kills < (wanted ? std::atoi(wanted) : 200)) {
+    while (kills < 200) {
         pid_t const process = startProcess([&] {
             ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
             std::raise(SIGSTOP);

@@ -23,13 +23,14 @@ using platform::Alert;
 
 namespace {
 
-struct DesktopRunLoopTest : testing::Test {
+struct DesktopTest : testing::Test {
     DesktopRunLoop loop;
     ToolkitLoop const around { loop };
+    Bus bus { loop };
     Texts told;
 };
 
-TEST_F(DesktopRunLoopTest, EachTaskRunsInItsTurn)
+TEST_F(DesktopTest, EachTaskRunsInItsTurn)
 {
     std::thread([this] { loop.perform([this] { told.emplace_back("thread's"); }); }).join();
     loop.perform([this] { told.emplace_back("queued"); });
@@ -52,7 +53,7 @@ TEST_F(DesktopRunLoopTest, EachTaskRunsInItsTurn)
 /// How long the computer has slept, as the clock that counts sleep has it.
 std::atomic<int> sleptMilliseconds = 0;
 
-TEST_F(DesktopRunLoopTest, ASleepIsToldOnceBeforeWhatFellDueInIt)
+TEST_F(DesktopTest, ASleepIsToldOnceBeforeWhatFellDueInIt)
 {
     auto const wake = loop.observeWake([this] { told.emplace_back("wake"); });
     auto const tell = [this] { told.emplace_back("timer"); };
@@ -131,21 +132,16 @@ TEST_F(MainWindowsTest, WhatTheProgramSetsIsShownAsItIs)
     outlets_.showNotificationsToggle.on.set(true);
     outlets_.removeKeyButton.enabled.set(false);
     outlets_.usageCapText.text.set("<b>1</b> & more");
+    outlets_.usageBar.opacity.set(0.5);
     QCoreApplication::processEvents();
     EXPECT_EQ(window().sizeHint().width(), width) << "overlong texts do not break the layout";
     EXPECT_LT(usageWindow().sizeHint().width(), 1000);
     EXPECT_TRUE(widgetOf<QCheckBox>("showNotificationsToggle").isChecked());
     EXPECT_FALSE(widgetOf<QPushButton>("removeKeyButton").isEnabled());
     EXPECT_EQ(widgetOf<QLabel>("usageCapText").textFormat(), Qt::PlainText);
+    auto const* const effect = widgetOf<LevelBar>("usageBar").graphicsEffect();
+    EXPECT_EQ(qobject_cast<QGraphicsOpacityEffect const*>(effect)->opacity(), 0.5);
     EXPECT_FALSE(defaults_.contains(settings::showNotificationsMenu)) << "it is not taken for the user's";
-}
-
-TEST_F(MainWindowsTest, TheLevelComesUpByAFade)
-{
-    auto const* const fade = qobject_cast<QGraphicsOpacityEffect*>(widgetOf<LevelBar>("usageBar").graphicsEffect());
-    EXPECT_EQ(fade->opacity(), 0);
-    platform::animate(loop_, { &outlets_.usageBar.opacity }, 1, 20ms, [] { });
-    EXPECT_TRUE(QTest::qWaitFor([fade] { return fade->opacity() == 1; }));
 }
 
 TEST_F(MainWindowsTest, AWindowComesBackWhereItsUserClosedIt)
@@ -263,18 +259,15 @@ TEST_F(MainWindowsTest, TheAddKeySheetNeedsOnlyTheKeyboard)
     EXPECT_FALSE(sheet.isVisible());
 }
 
-TEST(ColorScheme, TellsEachPreferenceOfAPortal)
+TEST_F(DesktopTest, EachPreferenceOfAPortalIsFollowed)
 {
     using Settings = QMap<QString, QVariantMap>;
     using enum platform::Appearance;
     static constexpr char const* appearance = "org.freedesktop.appearance";
     static constexpr char const* gnome = "org.gnome.desktop.a11y.interface";
     qDBusRegisterMetaType<Settings>();
-    std::vector<platform::Appearance> told;
-    DesktopRunLoop loop;
-    ToolkitLoop const around(loop);
-    Bus bus(loop);
-    ColorScheme const scheme(bus, [&told](Look const& look) { told.push_back(look.appearance); });
+    std::vector<platform::Appearance> looks;
+    ColorScheme const scheme(bus, [&looks](Look const& look) { looks.push_back(look.appearance); });
     // It prefers dark and, as GNOME says it, high contrast.
     FakeService portal(
         "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", [](QDBusMessage const& call) {
@@ -282,7 +275,7 @@ TEST(ColorScheme, TellsEachPreferenceOfAPortal)
             return QVariantList { QVariant::fromValue(
                 Settings { { appearance, { { "color-scheme", 1U } } }, { gnome, { { "high-contrast", true } } } }) };
         });
-    ASSERT_TRUE(QTest::qWaitFor([&told] { return told.size() == 1; }));
+    ASSERT_TRUE(QTest::qWaitFor([&looks] { return looks.size() == 1; }));
     // The portal's own word on contrast goes before GNOME's.
     std::vector<std::tuple<char const*, char const*, QVariant, platform::Appearance>> const changes {
         { gnome, "high-contrast", false, Dark },
@@ -297,7 +290,7 @@ TEST(ColorScheme, TellsEachPreferenceOfAPortal)
             { QLatin1String(space), QLatin1String(key), QVariant::fromValue(QDBusVariant(value)) });
         expected.push_back(look);
     }
-    EXPECT_TRUE(QTest::qWaitFor([&] { return told == expected; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return looks == expected; }));
 }
 
 struct ActivationLog final : platform::NotificationCenterDelegate {
@@ -308,7 +301,7 @@ struct ActivationLog final : platform::NotificationCenterDelegate {
     Texts activated;
 };
 
-TEST(FreedesktopNotifications, EachTakesThePlaceOfTheLastUnlessThatHasGone)
+TEST_F(DesktopTest, ANotificationTakesThePlaceOfTheLastUnlessThatHasGone)
 {
     constexpr auto name = "org.freedesktop.Notifications";
     unsigned next = 41;
@@ -316,9 +309,6 @@ TEST(FreedesktopNotifications, EachTakesThePlaceOfTheLastUnlessThatHasGone)
         auto const replaced = call.arguments().value(1).toUInt();
         return QVariantList { replaced != 0 || call.member() != "Notify" ? replaced : next++ };
     });
-    DesktopRunLoop loop;
-    ToolkitLoop const around(loop);
-    Bus bus(loop);
     auto const center = FreedesktopNotifications::connectTo(bus, { "Meter", "meter.desktop", "meter", "Show" });
     ActivationLog log;
     center->setDelegate(&log);

@@ -4,29 +4,6 @@
 
 using platform::LoadError;
 
-/// Writes down what it is to load and to run; a test plays the page, which speaks of an error whatever it is asked.
-struct ScriptedEngine final : platform::WebEngine {
-    void load(std::string const& url) override { urls.push_back(url); }
-    bool isLoading() const override { return loading; }
-    void run(std::string const& script) override { scripts.push_back(script); }
-    void evaluate(std::string const& /*script*/, platform::WebView::Completion completion) override
-    {
-        pending.push_back(std::move(completion));
-    }
-
-    /// The page answers every script, and those that follow from the answers.
-    void answer()
-    {
-        for (; !pending.empty(); pending.pop_front())
-            pending.front()(true);
-    }
-
-    bool loading = false;
-    Texts urls;
-    Texts scripts;
-    std::deque<platform::WebView::Completion> pending;
-};
-
 struct DetailedUsageTest : LaunchedTest {
     DetailedUsageTest()
     {

@@ -75,10 +75,7 @@ TEST(Calendar, AMonthIsThatOfTheUsersCalendarAtThePlaceOfTheMoment)
 TEST(Calendar, StepsFromMonthToMonthWithoutLosingOne)
 {
     platform::Date const latest = std::chrono::sys_days(2026y / 3 / 31) + 10h;
-    auto const earliest = platform::addingMonths(latest, -12);
-    EXPECT_EQ(earliest, std::chrono::sys_days(2025y / 3 / 31) + 10h);
-    EXPECT_EQ(platform::addingMonths(latest, -1), std::chrono::sys_days(2026y / 2 / 28) + 10h);
-    auto const dates = platform::monthsBetween(earliest, latest, "en_US");
+    auto const dates = platform::monthsBetween(platform::addingMonths(latest, -12), latest, "en_US");
     ASSERT_EQ(dates.size(), 13U);
     EXPECT_EQ(platform::monthTitle(dates[1], "en_US"), "February 2026");
 }

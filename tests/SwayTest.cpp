@@ -76,7 +76,6 @@ TEST_F(SwayTest, WhatIsChosenComesToTheFrontFromWhereverItIs)
     ASSERT_TRUE(waitFor([this] { return reader_.hasItem(); }));
     EXPECT_TRUE(comesToTheFront("Usage Meter", "Usage Window"));
     EXPECT_TRUE(comesToTheFront("Add a Connection", "Preferences…"));
-    EXPECT_TRUE(comesToTheFront("Usage Meter", "Usage Window"));
     EXPECT_TRUE(tellCompositor("workspace elsewhere"));
     EXPECT_TRUE(comesToTheFront("Add a Connection", "Preferences…"));
     EXPECT_EQ(program_.output(), "");
