@@ -24,15 +24,18 @@ waitFor() {
     done
 }
 
+# Whether there is nothing left that this signal reaches.
 isEndedBy() {
     ! kill -s "$1" "$2" 2>/dev/null
 }
 
-# Processes started by our bus are not our children, so all are recognized by our runtime folder.
+# Processes started by our bus are not our children, but they have our runtime folder in their environment.
 allAreEndedBy() {
-    local found
-    mapfile -t found < <(env -u XDG_RUNTIME_DIR grep -lszxF "XDG_RUNTIME_DIR=$runtime" /proc/[0-9]*/environ)
-    ((${#found[@]} == 0)) || ! kill -s "$1" "${found[@]//[!0-9]/}" 2>/dev/null
+    local pids=()
+    [[ -z $runtime ]] ||
+        mapfile -t pids < <(env -u XDG_RUNTIME_DIR grep -lszxF "XDG_RUNTIME_DIR=$runtime" /proc/[0-9]*/environ)
+    mapfile -t -O "${#pids[@]}" pids < <(jobs -pr)
+    ((${#pids[@]} == 0)) || ! kill -s "$1" "${pids[@]//[!0-9]/}" 2>/dev/null
 }
 
 finish() {
@@ -40,10 +43,8 @@ finish() {
     trap '' EXIT INT TERM HUP
     # Ends the program before its display and its bus, so that it can shut down properly.
     [[ -z $program ]] || waitFor 3 isEndedBy TERM "$program" || true
-    if [[ -n $runtime ]]; then
-        waitFor 5 allAreEndedBy TERM || waitFor 5 allAreEndedBy KILL || true
-        rm -rf "$runtime"
-    fi
+    waitFor 5 allAreEndedBy TERM || waitFor 5 allAreEndedBy KILL || true
+    [[ -z $runtime ]] || rm -rf "$runtime"
     exit "$status"
 }
 
@@ -52,8 +53,9 @@ trap 'exit 130' INT
 trap 'exit 143' TERM
 trap 'exit 129' HUP
 
+# Starts a program under a name, which is that of its log too.
 start() {
-    setpriv --pdeathsig TERM -- "${@:2}" >"$log/$1" 2>&1 &
+    { setpriv --pdeathsig TERM -- "${@:2}" & } >"$log/$1.out" 2>"$log/$1"
 }
 
 # A signal interrupts this wait, but would not interrupt a foreground command.
@@ -64,9 +66,12 @@ await() {
 
 # Starts a program that prints one line once it is ready, and stores that line in $announced.
 startAnnounced() {
-    local output
-    exec {output}< <(exec setpriv --pdeathsig TERM -- "${@:2}" 2>"$log/$1")
-    read -r -t 20 -u "$output" announced || fail "$1 did not start; see $log/$1"
+    start "$@"
+    waitFor 20 isAnnounced "$1" || fail "$1 did not start; see $log/$1"
+}
+
+isAnnounced() {
+    read -r announced <"$log/$1.out"
 }
 
 # The X server's authority file keeps its place when the home is moved.
@@ -88,7 +93,7 @@ startSession() {
     export DBUS_SESSION_BUS_ADDRESS=$announced
 }
 
-# Stages a bundle for the provider that the command starts.
+# Starts a provider with this command, and stages the program for it.
 startProvider() {
     startAnnounced provider "$@"
     cmake -DBUILD="$build" -DSTAGE="$stage" -DHOME="$HOME" -DHOST="${announced#https://}" \
@@ -107,7 +112,8 @@ startDemoProvider() {
     ((EUID != 0)) || export QTWEBENGINE_DISABLE_SANDBOX=1
 }
 
-# Starts a session of this size for pictures: a real panel and the stand-in provider, with an empty home.
+# Starts a session of this size for pictures, with a real panel, the stand-in provider and an empty home. What pictures
+# there were are removed.
 startPictures() {
     rm -rf "$2" "$shots"
     mkdir -p "$shots"
@@ -171,7 +177,7 @@ captureWindow() {
 # The area is only a sliver until the item is in it.
 findStatusArea() {
     findNewWindow "" --class notification-area-applet &&
-        (($(xdotool getwindowgeometry --shell "$window" | sed -n 's/^WIDTH=//p') > 8))
+        [[ $(xdotool getwindowgeometry --shell "$window" | sed -n 's/^WIDTH=//p') -gt 8 ]]
 }
 
 # Captures the upper right corner of the screen with the item in the panel and its menu open.
@@ -191,14 +197,14 @@ isPageDrawn() {
     local area
     isDrawn "$@" || return 1
     for area in 100x20+30+12 400x40+30+280; do
-        (($(convert "${!#}" -crop "$area" -format %k info:) > 1)) || return 1
+        [[ $(convert "${!#}" -crop "$area" -format %k info:) -gt 1 ]] || return 1
     done
 }
 
 captureDailyUsage() {
     local picture=$shots/$1.png drawn=
     openWindow "Daily Usage"
-    waitFor 30 isPageDrawn -window "$window" "$picture" || fail "the provider's page did not load; see $picture"
+    waitFor 30 isPageDrawn -window "$window" "$picture" || fail "the provider's page did not load; see $picture and $log/program"
     echo "$picture"
 }
 
@@ -206,6 +212,6 @@ captureDailyUsage() {
 captureFirstStart() {
     endProgram
     startProgram XDG_CONFIG_HOME="$HOME/first-start"
-    waitFor 20 findNewWindow "" --pid "$program" --name '^Add a Connection$' || fail "a first start does not ask for a key"
+    waitFor 20 findNewWindow "" --all --pid "$program" --name '^Add a Connection$' || fail "a first start does not ask for a key"
     capture "$1" -window "$window"
 }
