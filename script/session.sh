@@ -120,7 +120,8 @@ startPictures() {
     useHome "$2"
     startSession "$1"
     start panel env NO_AT_BRIDGE=1 GSETTINGS_BACKEND=memory mate-panel
-    await gdbus wait --session --timeout 20 org.kde.StatusNotifierWatcher || fail "the panel did not start; see $log/panel"
+    await gdbus wait --session --timeout 20 org.kde.StatusNotifierWatcher ||
+        fail "the panel did not start; see $log/panel"
     startDemoProvider
 }
 
@@ -133,6 +134,7 @@ endProgram() {
     waitFor 3 isEndedBy TERM "$program" || fail "the program did not exit"
 }
 
+# Prints what the item shows once there is a report.
 awaitReport() {
     await "${showStatus[@]}" --timeout 30 --not "…" || fail "no report came; see $log/program"
 }
@@ -156,6 +158,7 @@ visibleWindows() {
     xdotool search --onlyvisible "$@" 2>/dev/null | sort
 }
 
+# Finds a window that is not among these of before, with xdotool's options.
 findNewWindow() {
     window=$(comm -13 <(echo "$1") <(visibleWindows "${@:2}") | tail -n 1)
     [[ -n $window ]]
@@ -204,7 +207,8 @@ isPageDrawn() {
 captureDailyUsage() {
     local picture=$shots/$1.png drawn=
     openWindow "Daily Usage"
-    waitFor 30 isPageDrawn -window "$window" "$picture" || fail "the provider's page did not load; see $picture and $log/program"
+    waitFor 30 isPageDrawn -window "$window" "$picture" ||
+        fail "the provider's page did not load; see $picture and $log/program"
     echo "$picture"
 }
 
@@ -212,6 +216,7 @@ captureDailyUsage() {
 captureFirstStart() {
     endProgram
     startProgram XDG_CONFIG_HOME="$HOME/first-start"
-    waitFor 20 findNewWindow "" --all --pid "$program" --name '^Add a Connection$' || fail "a first start does not ask for a key"
+    waitFor 20 findNewWindow "" --all --pid "$program" --name '^Add a Connection$' ||
+        fail "a first start does not ask for a key"
     capture "$1" -window "$window"
 }
