@@ -30,7 +30,9 @@ public:
     void send(xcb_window_t receiver, xcb_window_t about, xcb_atom_t type, std::uint32_t mask,
         std::array<std::uint32_t, 5> data) const;
 
-    /// The windows that are larger than an icon and show more than one colour, which is true once they have been drawn.
+    /// The windows that are larger than an icon, even if others cover them.
+    std::vector<xcb_window_t> openWindows() const;
+    /// Those of them whose corner shows more than one colour, which is true once they have been drawn.
     std::vector<xcb_window_t> drawnWindows() const;
     /// Asks each drawn window to close, as a window manager does for the user.
     void closeWindows() const;
@@ -43,7 +45,7 @@ private:
 
     explicit Screen(Display display);
 
-    bool isDrawn(xcb_window_t window) const;
+    Reply<xcb_get_image_reply_t> cornerOf(xcb_window_t window) const;
 
     Display display_;
     xcb_window_t root_;
