@@ -132,15 +132,15 @@ TEST_F(MainWindowsTest, WhatTheProgramSetsIsShownAsItIs)
     outlets_.showNotificationsToggle.on.set(true);
     outlets_.removeKeyButton.enabled.set(false);
     outlets_.usageCapText.text.set("<b>1</b> & more");
-    outlets_.usageBar.opacity.set(0.5);
+    platform::animate(loop_, { &outlets_.usageBar.opacity }, 1, 20ms, [] { });
     QCoreApplication::processEvents();
     EXPECT_EQ(window().sizeHint().width(), width) << "overlong texts do not break the layout";
     EXPECT_LT(usageWindow().sizeHint().width(), 1000);
     EXPECT_TRUE(widgetOf<QCheckBox>("showNotificationsToggle").isChecked());
     EXPECT_FALSE(widgetOf<QPushButton>("removeKeyButton").isEnabled());
     EXPECT_EQ(widgetOf<QLabel>("usageCapText").textFormat(), Qt::PlainText);
-    auto const* const effect = widgetOf<LevelBar>("usageBar").graphicsEffect();
-    EXPECT_EQ(qobject_cast<QGraphicsOpacityEffect const*>(effect)->opacity(), 0.5);
+    auto const* const level = qobject_cast<QGraphicsOpacityEffect*>(widgetOf<LevelBar>("usageBar").graphicsEffect());
+    EXPECT_TRUE(QTest::qWaitFor([level] { return level->opacity() == 1; }));
     EXPECT_FALSE(defaults_.contains(settings::showNotificationsMenu)) << "it is not taken for the user's";
 }
 
