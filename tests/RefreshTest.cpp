@@ -170,7 +170,7 @@ TEST_F(RefreshTest, AReportHasTheFiguresAsTheyStandByTheGroupOpenedLast)
     std::string const report = "<a><used><upload>2</upload></used></a>", megabytes(2'000'000, ' ');
     std::vector<std::pair<std::string, std::optional<platform::Dictionary>>> const cases {
         { "<a><used><x><download>1</download></x></used></a>", { { { "used:download", "1" } } } },
-        { "\r\n\n <a>\n<total>\n<download>\n\t52345678901\n</download><upload> 1.5E9 </upload></total>\n</a>\n\n",
+        { "\n <a><total><download>\n\t52345678901\n</download><upload>\u20031.5E9\u00A0</upload></total></a>\u3000\n",
             { { { "total:download", "52345678901" }, { "total:upload", "1.5E9" } } } },
         { "<a><grace><download>n/a</download><upload/></grace></a>",
             { { { "grace:download", "n/a" }, { "grace:upload", "" } } } },
