@@ -40,35 +40,34 @@ void Screen::send(xcb_window_t receiver, xcb_window_t about, xcb_atom_t type, st
     xcb_send_event(display(), 0, receiver, mask, reinterpret_cast<char const*>(&message));
 }
 
-// A smaller or hidden window has no such corner and yields an error.
-Reply<xcb_get_image_reply_t> Screen::cornerOf(xcb_window_t window) const
+// The upper left corner represents the whole window. A smaller or hidden window has none and yields an error.
+std::vector<xcb_window_t> Screen::windowsWhose(bool (*isWanted)(xcb_get_image_reply_t const& corner)) const
 {
-    auto const request = xcb_get_image(display(), XCB_IMAGE_FORMAT_Z_PIXMAP, window, 0, 0, 200, 150, ~0U);
-    return Reply<xcb_get_image_reply_t>(xcb_get_image_reply(display(), request, nullptr));
-}
-
-std::vector<xcb_window_t> Screen::openWindows() const
-{
+    auto const hasCorner = [&](xcb_window_t window) {
+        auto const request = xcb_get_image(display(), XCB_IMAGE_FORMAT_Z_PIXMAP, window, 0, 0, 200, 150, ~0U);
+        Reply<xcb_get_image_reply_t> const corner(xcb_get_image_reply(display(), request, nullptr));
+        return corner && isWanted(*corner);
+    };
     Reply<xcb_query_tree_reply_t> const tree(
         xcb_query_tree_reply(display(), xcb_query_tree(display(), root_), nullptr));
     std::vector<xcb_window_t> windows;
     if (tree)
-        std::ranges::copy_if(std::span(xcb_query_tree_children(tree.get()), tree->children_len),
-            std::back_inserter(windows), [this](xcb_window_t window) { return cornerOf(window) != nullptr; });
+        std::ranges::copy_if(
+            std::span(xcb_query_tree_children(tree.get()), tree->children_len), std::back_inserter(windows), hasCorner);
     return windows;
+}
+
+std::vector<xcb_window_t> Screen::openWindows() const
+{
+    return windowsWhose([](xcb_get_image_reply_t const&) { return true; });
 }
 
 std::vector<xcb_window_t> Screen::drawnWindows() const
 {
-    auto windows = openWindows();
-    std::erase_if(windows, [this](xcb_window_t window) {
-        auto const image = cornerOf(window);
-        if (!image)
-            return true;
-        std::span const pixels(reinterpret_cast<std::uint32_t const*>(xcb_get_image_data(image.get())), image->length);
-        return std::ranges::adjacent_find(pixels, std::not_equal_to()) == pixels.end();
+    return windowsWhose([](xcb_get_image_reply_t const& corner) {
+        std::span const pixels(reinterpret_cast<std::uint32_t const*>(xcb_get_image_data(&corner)), corner.length);
+        return std::ranges::adjacent_find(pixels, std::not_equal_to()) != pixels.end();
     });
-    return windows;
 }
 
 void Screen::closeWindows() const

@@ -45,7 +45,7 @@ private:
 
     explicit Screen(Display display);
 
-    Reply<xcb_get_image_reply_t> cornerOf(xcb_window_t window) const;
+    std::vector<xcb_window_t> windowsWhose(bool (*isWanted)(xcb_get_image_reply_t const& corner)) const;
 
     Display display_;
     xcb_window_t root_;
